@@ -1,0 +1,196 @@
+#include "brevold/brevold.h"
+
+#include <cutils/properties.h>
+#include <dlfcn.h>
+
+#include <cstdlib>
+#include <cstring>
+#include <string_view>
+
+#include "brevold/platform.h"
+#include "brevold/state.h"
+
+namespace android {
+
+// The order of these six is the order in which they are constructed; unload destroys backwards.
+Mutex gLock;
+Mutex gInitLock;
+std::string gCurrentLayer;
+sp<ScalingSyncThread> gSFThread;
+sp<ScalingSyncThread> gQBThread;
+std::vector<std::string> gDebugLayers;
+
+bool gScalingEnabled;
+bool gJr10Enabled;
+bool gSmoothMotion;
+bool gPfarDownEnabled;
+bool gDebug;
+int32_t gFpsSwitchEnabled;
+bool gInitDone;
+
+PerfGetFeedbackFn gPerfGetFeedback;
+PerfGetPropFn gPerfGetProp;
+PerfHintFn gPerfHintUpdate;
+PerfLockRelFn gPerfLockRel;
+
+int32_t gCurrentLayerKeyA;
+int32_t gCurrentLayerKeyB;
+bool gLayerUnchanged;
+int32_t gAppType = -1;
+bool gTargetApp;
+
+int32_t gMode = kModeUnclassified;
+
+bool gFpsWindowActive;
+int64_t gWindowStart;
+int32_t gFrameCount;
+float gIntervalSum;
+float gFps;
+int32_t gDownCount;
+int32_t gUpCount;
+int32_t gIdleCount;
+
+int64_t gLastFrameStamp;
+int64_t gLastRefreshTime;
+int64_t gVsyncPeriod;
+bool gPrevQueueBusy;
+
+int32_t gRefreshRate;
+int32_t gRefreshRateHandle;
+
+namespace {
+
+constexpr int32_t kWorkerPriority = PRIORITY_URGENT_DISPLAY + PRIORITY_MORE_FAVORABLE;
+static_assert(kWorkerPriority == -9);
+
+void resetState() NO_THREAD_SAFETY_ANALYSIS {
+    gAppType = -1;
+    gMode = kModeUnclassified;
+    gPrevQueueBusy = gLayerUnchanged = gTargetApp = false;
+    gCurrentLayerKeyA = gCurrentLayerKeyB = 0;
+    gWindowStart = 0;
+    gFpsWindowActive = false;
+    gFrameCount = 0;
+    gFps = 0.0f;
+    gIntervalSum = 0.0f;
+    gDownCount = gUpCount = gIdleCount = 0;
+    gLastFrameStamp = gLastRefreshTime = gVsyncPeriod = 0;
+    gInitDone = gJr10Enabled = gScalingEnabled = false;
+    gFpsSwitchEnabled = 0;
+    gSmoothMotion = gDebug = gPfarDownEnabled = false;
+}
+
+bool isOn(const char* text) {
+    return atoi(text) == 1;
+}
+
+/** A setting of the performance service, terminated within its bound whatever the service gave. */
+PerfSetting readSetting(const char* key, const char* fallback) {
+    const PerfSetting answer = gPerfGetProp(key, fallback);
+    PerfSetting setting = {};
+    memcpy(setting.text, answer.text, strnlen(answer.text, kSettingSize - 1));
+    return setting;
+}
+
+struct AllowedFeatures {
+    bool jankBoost;
+    bool energyScaling;
+};
+
+AllowedFeatures queryFeatures() {
+    constexpr int kJankBoostFeature = 4;
+    constexpr int kEnergyScalingFeature = 5;
+    using IsFeatureEnabledFn = int (*)(int feature);
+
+    AllowedFeatures allowed = {};
+    void* const handle = dlopen("libfeatgate_system.so", RTLD_LAZY);
+    if (handle == nullptr) return allowed;
+    const auto isEnabled = reinterpret_cast<IsFeatureEnabledFn>(dlsym(handle, "IsFeatureEnabled"));
+    if (isEnabled != nullptr) {
+        allowed.jankBoost = isEnabled(kJankBoostFeature) != 0;
+        allowed.energyScaling = isEnabled(kEnergyScalingFeature) != 0;
+    }
+    dlclose(handle);
+    return allowed;
+}
+
+void readFeatureSettings(const AllowedFeatures& allowed) {
+    const bool jr10 = isOn(readSetting("vendor.perf.jr10.enable", "1").text);
+    const bool pfar = isOn(readSetting("vendor.perf.pfar.enable", "0").text);
+    gDebug = isOn(readSetting("vendor.perf.brevold.debug", "0").text);
+    gPfarDownEnabled = isOn(readSetting("vendor.perf.pfar.down.enable", "0").text);
+    PerfSetting layers = readSetting("vendor.perf.brevold.debug.layers", "NONE");
+    if (strncmp(layers.text, "NONE", 4) != 0) addDebugLayers(layers.text, gDebugLayers);
+    gScalingEnabled = allowed.energyScaling && pfar;
+    gJr10Enabled = allowed.jankBoost && jr10;
+}
+
+void startWorkers(void* perfClient) {
+    gSFThread = new ScalingSyncThread(perfClient, "SF", gDebug);
+    gQBThread = new ScalingSyncThread(perfClient, "QB", gDebug);
+    gSFThread->run("Monitor0", kWorkerPriority, 0);
+    gQBThread->run("Monitor1", kWorkerPriority, 0);
+}
+
+void initialise() REQUIRES(gInitLock) {
+    resetState();
+
+    char smoothMotion[kSettingSize];
+    static_assert(kSettingSize == PROPERTY_VALUE_MAX);
+    property_get("vendor.display.use_smooth_motion", smoothMotion, "0");
+    gSmoothMotion = isOn(smoothMotion);
+
+    const AllowedFeatures allowed = queryFeatures();
+    void* const perfClient = initPerfLock();
+
+    if (gPerfGetProp != nullptr) {
+        gFpsSwitchEnabled = isOn(readSetting("vendor.perf.fps_switch.enable", "0").text);
+    }
+    if (gPerfGetProp != nullptr && (allowed.jankBoost || allowed.energyScaling)) {
+        readFeatureSettings(allowed);
+        if (gScalingEnabled) startWorkers(perfClient);
+    }
+    gInitDone = true;
+}
+
+}  // namespace
+
+void addDebugLayers(char* list, std::vector<std::string>& out) {
+    std::string_view rest(list);
+    while (!rest.empty()) {
+        const size_t end = rest.find(' ');
+        out.emplace_back(rest.substr(0, end));
+        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
+    }
+}
+
+bool isDebugLayer(std::string name) {
+    return isListedLayer(name);
+}
+
+bool isListedLayer(const std::string& name) {
+    for (const std::string& layer : gDebugLayers) {
+        if (layer == name) return true;
+    }
+    return false;
+}
+
+void clearConfigs() {
+    resetState();
+}
+
+}  // namespace android
+
+using namespace android;
+
+bool brevoldInit() {
+    lockOrAbort(gInitLock);
+    if (!gInitDone) initialise();
+    const bool anyFeature = gJr10Enabled || gScalingEnabled || gFpsSwitchEnabled != 0;
+    gInitLock.unlock();
+    return anyFeature;
+}
+
+bool brevoldCheck(const char* name) {
+    return gScalingEnabled && gTargetApp && name != nullptr && strncmp(name, "sf", 2) == 0;
+}

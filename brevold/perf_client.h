@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+
+namespace android {
+
+constexpr char kPerfClientLibrary[] = "libvnx-perfd-client_system.so";
+
+/** The longest setting with its terminator, the platform's bound for a property value. */
+constexpr size_t kSettingSize = 92;
+
+/** A setting's text as the service returns it, by value. */
+struct PerfSetting {
+    char text[kSettingSize];
+};
+
+// The four functions of the performance service's client library.
+using PerfGetFeedbackFn = int (*)(int query, const char* package);
+using PerfGetPropFn = PerfSetting (*)(const char* key, const char* fallback);
+using PerfHintFn = int (*)(int hint, const char* package, int duration, int type);
+using PerfLockRelFn = int (*)(int handle);
+
+constexpr int kEnergyScalingHint = 0x1046;
+constexpr int kRefreshRateHint = 0x1094;
+constexpr int kAppTypeQuery = 0x1601;
+
+}  // namespace android

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <cstdint>
+
+namespace android {
+
+/** What belongs together around one display refresh rate. */
+struct RefreshBand {
+    int64_t minPeriodNs;
+    int64_t maxPeriodNs;
+    int32_t rateHz;
+    /** The frame-rate mode of an application that keeps up with the display. */
+    int32_t mode;
+    /** Duration word of the "QB" channel's hint in that mode. */
+    int32_t qbDuration;
+};
+
+constexpr RefreshBand kRefreshBands[] = {
+        {16000001, 16999999, 60, 2, 19},
+        {10800001, 11699999, 90, 3, 13},
+        {8000001, 8999999, 120, 4, 10},
+};
+
+/** The band that holds a refresh period, both ends included; null outside of all three. */
+constexpr const RefreshBand* refreshBandOf(int64_t periodNs) {
+    for (const RefreshBand& band : kRefreshBands) {
+        // One unsigned comparison: a period below the band, or negative, wraps to a huge value.
+        if (static_cast<uint64_t>(periodNs) - static_cast<uint64_t>(band.minPeriodNs) <=
+            static_cast<uint64_t>(band.maxPeriodNs - band.minPeriodNs)) {
+            return &band;
+        }
+    }
+    return nullptr;
+}
+
+/** Duration word of a "QB" hint in a frame-rate mode; -1 where the worker is to send nothing. */
+constexpr int32_t qbDurationOf(int32_t mode) {
+    for (const RefreshBand& band : kRefreshBands) {
+        if (band.mode == mode) return band.qbDuration;
+    }
+    return -1;
+}
+
+}  // namespace android

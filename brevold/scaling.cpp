@@ -1,0 +1,147 @@
+#include <dlfcn.h>
+
+#include <cstring>
+
+#include "brevold/brevold.h"
+#include "brevold/platform.h"
+#include "brevold/refresh_band.h"
+#include "brevold/scaling_sync_thread.h"
+#include "brevold/state.h"
+
+namespace android {
+
+namespace {
+
+constexpr int32_t kSfDuration = 2000;
+constexpr uint32_t kQbChannelBit = 1u << 22;
+constexpr int kReleaseDuration = 0;
+
+template <typename Fn>
+void bind(Fn& function, void* handle, const char* symbol, const char* name) {
+    function = reinterpret_cast<Fn>(dlsym(handle, symbol));
+    if (function == nullptr) BREVOLD_LOGE("Unable to get %s function handle.\n", name);
+}
+
+void* openPerfClient() {
+    void* const handle = dlopen(kPerfClientLibrary, RTLD_NOW);
+    if (handle == nullptr) {
+        BREVOLD_LOGE("Unable to open %s: %s\n.", kPerfClientLibrary, dlerror());
+    }
+    return handle;
+}
+
+}  // namespace
+
+void* getOptHandle() {
+    return openPerfClient();
+}
+
+void* initPerfLock() {
+    void* const handle = openPerfClient();
+    if (handle == nullptr) {
+        BREVOLD_LOGE("Failed to get hwopt handle.\n");
+        return nullptr;
+    }
+    bind(gPerfGetFeedback, handle, "perf_get_feedback", "gPerfGetFeedback");
+    bind(gPerfGetProp, handle, "perf_get_prop", "gPerfGetProp");
+    bind(gPerfHintUpdate, handle, "perf_hint", "gPerfHintUpdate");
+    bind(gPerfLockRel, handle, "perf_lock_rel", "gPerfLockRel");
+    return handle;
+}
+
+ScalingSyncThread::ScalingSyncThread(void* handle, std::string channel, bool debug)
+      : Thread(true), mChannel(std::move(channel)), mDebug(debug) {
+    if (handle == nullptr) {
+        BREVOLD_LOGE("Failed to get hwopt handle.\n");
+        return;
+    }
+    bind(mPerfHint, handle, "perf_hint", "mPerfHint");
+}
+
+void ScalingSyncThread::post(float scale, uint32_t direction, uint32_t boostLevel,
+                             int32_t duration) {
+    Mutex::Autolock lock(mLock);
+    mScale = scale;
+    mDirection = direction;
+    mBoostLevel = boostLevel;
+    mDuration = duration;
+    if (boostLevel != 0) {
+        mBoostCount = checkedAdd(mBoostCount, 1);
+        if (!mBoosted) mBoostPending = true;
+    }
+    mCondition.signal();
+}
+
+void ScalingSyncThread::withdrawBoost() {
+    Mutex::Autolock lock(mLock);
+    if (!mBoostPending) return;
+    mBoostPending = false;
+    mCondition.signal();
+}
+
+bool ScalingSyncThread::threadLoop() {
+    mLock.lock();
+    while (true) {
+        const status_t status = mCondition.wait(mLock);
+        if (status != OK) {
+            BREVOLD_LOGE("error waiting for new events: %s (%d)", strerror(-status), status);
+            mLock.unlock();
+            return false;
+        }
+        if (mChannel == "QB") {
+            sendScaling();
+        } else if (mChannel == "SF") {
+            sendBoostOrRelease();
+        }
+        mLock.unlock();
+        mLock.lock();
+    }
+}
+
+bool ScalingSyncThread::canSend() const {
+    if (mPerfHint != nullptr && mDuration >= 1) return true;
+    BREVOLD_LOGE("mPerfHint is null.");
+    return false;
+}
+
+uint32_t ScalingSyncThread::typeWord() const {
+    // Direction and boost level are not masked: what they overlap or lose is the caller's doing.
+    return (saturatingUint32(mScale * 1000.0f) & 0xffffu) | mDirection << 16 | mBoostLevel << 19;
+}
+
+void ScalingSyncThread::sendScaling() {
+    if (!canSend()) return;
+    const TraceSection section(mDebug, "energyScaling[Scale:%.2F]", static_cast<double>(mScale));
+    mPerfHint(kEnergyScalingHint, nullptr, mDuration, static_cast<int>(typeWord() | kQbChannelBit));
+}
+
+void ScalingSyncThread::sendBoostOrRelease() {
+    if (!canSend()) return;
+    if (!mBoostPending) {
+        {
+            const TraceSection section(mDebug, "energyScaling[jank]-rel");
+            mPerfHint(kEnergyScalingHint, nullptr, kReleaseDuration, mBoostCount);
+        }
+        mBoosted = false;
+        mBoostCount = 0;
+    } else if (!mBoosted) {
+        const TraceSection section(mDebug, "energyScaling[jank]");
+        mPerfHint(kEnergyScalingHint, nullptr, mDuration, static_cast<int>(typeWord()));
+        mBoosted = true;
+    }
+}
+
+void energyScaling(float scale, unsigned int direction, unsigned int boostLevel, int channel) {
+    if (direction == 0 || !gScalingEnabled) return;
+    if (channel == 0) {
+        gSFThread->post(scale, direction, boostLevel, kSfDuration);
+    } else if (channel == 1) {
+        gQBThread->post(scale, direction, boostLevel, qbDurationOf(gMode));
+    }
+}
+
+void releaseScaling() {
+    gSFThread->withdrawBoost();
+}
+
+}  // namespace android

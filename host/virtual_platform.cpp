@@ -1,0 +1,246 @@
+#include "host/virtual_platform.h"
+
+#include <dlfcn.h>
+#include <log/log.h>
+#include <pthread.h>
+#include <utils/Thread.h>
+#include <utils/Timers.h>
+
+#include <atomic>
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <deque>
+#include <mutex>
+#include <utility>
+
+namespace brevold::host {
+
+namespace {
+
+using CondWaitFn = int (*)(pthread_cond_t*, pthread_mutex_t*);
+using CondSignalFn = int (*)(pthread_cond_t*);
+using ThreadRunFn = android::status_t (*)(android::Thread*, const char*, int32_t, size_t);
+
+CondWaitFn gRealWait;
+CondSignalFn gRealSignal;
+ThreadRunFn gRealRun;
+
+template <typename Fn>
+void findReal(Fn& function, const char* symbol) {
+    function = reinterpret_cast<Fn>(dlsym(RTLD_NEXT, symbol));
+    if (function == nullptr) {
+        fprintf(stderr, "the platform lacks %s\n", symbol);
+        abort();
+    }
+}
+
+/**
+ * Before main and so before any second thread: a function-local static would not do, as the guard
+ * of its initialisation itself waits on a condition variable.
+ */
+__attribute__((constructor)) void findRealFunctions() {
+    findReal(gRealWait, "pthread_cond_wait");
+    findReal(gRealSignal, "pthread_cond_signal");
+    findReal(gRealRun, "_ZN7android6Thread3runEPKcim");
+}
+
+struct Worker {
+    StartedThread started;
+    const android::Thread* object;
+    pthread_cond_t* condition = nullptr;
+    pthread_mutex_t* mutex = nullptr;
+    bool isWaiting = false;
+    bool hasWakeUp = false;
+    bool hasEnded = false;
+    int waitError = 0;
+};
+
+std::mutex gGate;
+pthread_cond_t gGateChanged = PTHREAD_COND_INITIALIZER;
+std::deque<Worker> gWorkers;  // references stay valid as it grows
+int gSignalCount;
+thread_local int32_t tWorker = -1;
+
+std::atomic<int64_t> gTimeNs;
+std::atomic<uint64_t> gTraceTags{UINT64_MAX};
+std::mutex gOutputLock;
+std::vector<LogLine> gLog;
+std::vector<TraceMark> gTraceMarks;
+
+/** The worker whose object holds the condition: the last to start below it in memory. */
+Worker* workerOf(const pthread_cond_t* condition) {
+    constexpr size_t kMaxObjectBytes = 1024;
+    const auto address = reinterpret_cast<uintptr_t>(condition);
+    Worker* found = nullptr;
+    for (Worker& worker : gWorkers) {
+        const auto object = reinterpret_cast<uintptr_t>(worker.object);
+        if (address - object >= kMaxObjectBytes) continue;
+        if (found == nullptr || worker.object > found->object) found = &worker;
+    }
+    return found;
+}
+
+void wake(size_t thread, int error) {
+    settle();
+    Worker& worker = gWorkers.at(thread);
+    // With its mutex held the worker is inside its wait, and cannot miss the signal.
+    pthread_mutex_lock(worker.mutex);
+    {
+        const std::lock_guard lock(gGate);
+        worker.waitError = error;
+        worker.hasWakeUp = true;
+    }
+    gRealSignal(worker.condition);
+    pthread_mutex_unlock(worker.mutex);
+}
+
+void addTraceMark(bool isBegin, const char* label) {
+    const std::lock_guard lock(gOutputLock);
+    gTraceMarks.push_back({gTimeNs, tWorker, isBegin, label});
+}
+
+}  // namespace
+
+void setTimeNs(int64_t timeNs) {
+    gTimeNs = timeNs;
+}
+
+void setEnabledTraceTags(uint64_t tags) {
+    gTraceTags = tags;
+}
+
+std::vector<LogLine> takeLog() {
+    const std::lock_guard lock(gOutputLock);
+    return std::exchange(gLog, {});
+}
+
+std::vector<TraceMark> takeTraceMarks() {
+    const std::lock_guard lock(gOutputLock);
+    return std::exchange(gTraceMarks, {});
+}
+
+std::vector<StartedThread> startedThreads() {
+    const std::lock_guard lock(gGate);
+    std::vector<StartedThread> started;
+    for (const Worker& worker : gWorkers)
+        started.push_back(worker.started);
+    return started;
+}
+
+void settle() {
+    const auto isSettled = [](const Worker& worker) {
+        return worker.hasEnded || (worker.isWaiting && !worker.hasWakeUp);
+    };
+    const std::lock_guard lock(gGate);
+    for (const Worker& worker : gWorkers) {
+        while (!isSettled(worker))
+            gRealWait(&gGateChanged, gGate.native_handle());
+    }
+}
+
+int signalCount() {
+    const std::lock_guard lock(gGate);
+    return gSignalCount;
+}
+
+void wakeSpuriously(size_t thread) {
+    wake(thread, 0);
+}
+
+void failWait(size_t thread, int error) {
+    wake(thread, error);
+}
+
+namespace {
+
+int waitAsWorker(Worker& worker, pthread_cond_t* condition, pthread_mutex_t* mutex) {
+    {
+        const std::lock_guard lock(gGate);
+        worker.condition = condition;
+        worker.mutex = mutex;
+        worker.isWaiting = true;
+        gRealSignal(&gGateChanged);
+    }
+    while (true) {
+        gRealWait(condition, mutex);
+        const std::lock_guard lock(gGate);
+        // The host's own spurious wake-ups would make a replay differ from run to run.
+        if (!worker.hasWakeUp) continue;
+        worker.hasWakeUp = false;
+        worker.isWaiting = false;
+        worker.hasEnded = worker.waitError != 0;
+        if (worker.hasEnded) gRealSignal(&gGateChanged);
+        return worker.waitError;
+    }
+}
+
+}  // namespace
+
+}  // namespace brevold::host
+
+using namespace brevold::host;
+
+extern "C" int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex) {
+    Worker* worker = nullptr;
+    {
+        const std::lock_guard lock(gGate);
+        worker = workerOf(condition);
+        if (worker != nullptr) {
+            for (size_t i = 0; i < gWorkers.size(); ++i) {
+                if (&gWorkers[i] == worker) tWorker = static_cast<int32_t>(i);
+            }
+        }
+    }
+    if (worker == nullptr) return gRealWait(condition, mutex);
+    return waitAsWorker(*worker, condition, mutex);
+}
+
+extern "C" int pthread_cond_signal(pthread_cond_t* condition) {
+    {
+        const std::lock_guard lock(gGate);
+        Worker* const worker = workerOf(condition);
+        if (worker != nullptr) {
+            ++gSignalCount;
+            // A signal that finds nobody waiting is lost, as on a device.
+            if (worker->isWaiting) worker->hasWakeUp = true;
+        }
+    }
+    return gRealSignal(condition);
+}
+
+android::status_t android::Thread::run(const char* name, int32_t priority, size_t stack) {
+    {
+        const std::lock_guard lock(gGate);
+        gWorkers.push_back({{name, priority, stack}, this});
+    }
+    return gRealRun(this, name, priority, stack);
+}
+
+nsecs_t systemTime(int /*clock*/) {
+    return gTimeNs;
+}
+
+extern "C" int __android_log_print(int priority, const char* tag, const char* format, ...) {
+    char text[1024];
+    va_list args;
+    va_start(args, format);
+    const int length = vsnprintf(text, sizeof(text), format, args);
+    va_end(args);
+    const std::lock_guard lock(gOutputLock);
+    gLog.push_back({gTimeNs, priority, tag, text});
+    return length;
+}
+
+extern "C" uint64_t atrace_get_enabled_tags() {
+    return gTraceTags;
+}
+
+extern "C" void atrace_begin_body(const char* label) {
+    addTraceMark(true, label);
+}
+
+extern "C" void atrace_end_body() {
+    addTraceMark(false, "");
+}
