@@ -5,7 +5,7 @@
 
 #include "brevold/brevold.h"
 #include "brevold/platform.h"
-#include "brevold/refresh_band.h"
+#include "brevold/frame_rate.h"
 #include "brevold/state.h"
 
 namespace android {
@@ -21,7 +21,6 @@ constexpr int kSfChannel = 0;
 constexpr int kQbChannel = 1;
 
 constexpr int64_t kPeriodMarginNs = 1000000;
-constexpr int64_t kIdleGapNs = 150000000;
 constexpr int64_t kWindowNs = 1000000000;
 constexpr int64_t kVerdictSpanNs = 17999999;
 

@@ -4,7 +4,7 @@
 
 #include "brevold/brevold.h"
 #include "brevold/platform.h"
-#include "brevold/refresh_band.h"
+#include "brevold/frame_rate.h"
 #include "brevold/scaling_sync_thread.h"
 #include "brevold/state.h"
 

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "brevold/perf_client.h"
+#include "brevold/frame_rate.h"
 #include "brevold/scaling_sync_thread.h"
 
 // The process-wide state. What carries no guard is read and written without a lock on purpose:
@@ -16,7 +17,6 @@
 
 namespace android {
 
-constexpr int32_t kModeUnclassified = 5;
 constexpr int32_t kTargetAppType = 2;
 
 extern Mutex gLock;

@@ -61,6 +61,7 @@ std::mutex gGate;
 pthread_cond_t gGateChanged = PTHREAD_COND_INITIALIZER;
 std::deque<Worker> gWorkers;  // references stay valid as it grows
 int gSignalCount;
+bool gIsHeld;
 thread_local int32_t tWorker = -1;
 
 std::atomic<int64_t> gTimeNs;
@@ -140,6 +141,27 @@ void settle() {
     }
 }
 
+void holdWorkers() {
+    const std::lock_guard lock(gGate);
+    gIsHeld = true;
+}
+
+void letWorkersGo() {
+    std::vector<Worker*> woken;
+    {
+        const std::lock_guard lock(gGate);
+        gIsHeld = false;
+        for (Worker& worker : gWorkers) {
+            if (worker.hasWakeUp) woken.push_back(&worker);
+        }
+    }
+    for (const Worker* worker : woken) {
+        pthread_mutex_lock(worker->mutex);
+        gRealSignal(worker->condition);
+        pthread_mutex_unlock(worker->mutex);
+    }
+}
+
 int signalCount() {
     const std::lock_guard lock(gGate);
     return gSignalCount;
@@ -167,7 +189,7 @@ int waitAsWorker(Worker& worker, pthread_cond_t* condition, pthread_mutex_t* mut
         gRealWait(condition, mutex);
         const std::lock_guard lock(gGate);
         // The host's own spurious wake-ups would make a replay differ from run to run.
-        if (!worker.hasWakeUp) continue;
+        if (!worker.hasWakeUp || gIsHeld) continue;
         worker.hasWakeUp = false;
         worker.isWaiting = false;
         worker.hasEnded = worker.waitError != 0;

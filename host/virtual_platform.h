@@ -52,6 +52,13 @@ std::vector<StartedThread> startedThreads();
 /** Blocks until every started thread waits on its condition and no wake-up is under way. */
 void settle();
 
+/**
+ * Holds the threads in their waits, whatever wakes them, so that what is posted meanwhile stands
+ * unsent; settle() must wait until they are let go.
+ */
+void holdWorkers();
+void letWorkersGo();
+
 /** Signals of all started threads' conditions so far, whether or not the thread was waiting. */
 int signalCount();
 

@@ -165,13 +165,22 @@ TEST_F(BufferMonitorTest, DecisionsAreCountedPerWindow) {
     for (int i = 0; i < 2; ++i)
         monitorAgain(up);
     host::takeLog();
-    for (int i = 0; i < 62; ++i) {
+    for (int i = 0; i < 125; ++i) {
         advance(kPeriod60Ns);
         brevoldRefresh();
     }
     const Texts log = takeLogTexts();
-    ASSERT_EQ(log.size(), 1u);
+    ASSERT_EQ(log.size(), 2u);
     EXPECT_NE(log[0].find(" \tDown:\t4 \tUp:\t2 \tIdle:\t0"), std::string::npos) << log[0];
+    EXPECT_NE(log[1].find(" \tDown:\t0 \tUp:\t0 \tIdle:\t0"), std::string::npos) << log[1];
+    monitorAgain({});
+    restartWith("com.example.other#0");
+    brevoldRefresh();  // no gap before it, which would forget the counts as well
+    for (int i = 0; i < 62; ++i) {
+        advance(kPeriod60Ns);
+        brevoldRefresh();
+    }
+    EXPECT_NE(takeLogTexts().back().find(" \tDown:\t0 "), std::string::npos);
 }
 
 TEST_F(BufferMonitorTest, LongMarkersAreCut) {

@@ -112,7 +112,16 @@ TEST_F(InitTest, WithoutClientLibraryNothingIsOn) {
     EXPECT_EQ(takeLogTexts().size(), 1u);
 }
 
-TEST_F(InitTest, ClientHandleIsTheSameEveryTimeAndTheFeatureSwitchIsClosed) {
+TEST_F(InitTest, FeatureSwitchIsClosedAgain) {
+    provideClient();
+    void* const handle = provideFeatures();
+    initialise();
+    EXPECT_FALSE(gDevice.reads.empty());
+    dlclose(handle);
+    EXPECT_EQ(dlopen("libfeatgate_system.so", RTLD_LAZY | RTLD_NOLOAD), nullptr);
+}
+
+TEST_F(InitTest, ClientHandleIsTheSameEveryTime) {
     provideClient();
     void* const handle = android::initPerfLock();
     EXPECT_NE(handle, nullptr);
@@ -230,6 +239,8 @@ TEST_F(InitTest, CheckWantsATargetAppAndTheFirstTwoLetters) {
     EXPECT_FALSE(brevoldCheck(nullptr));
     android::clearConfigs();
     EXPECT_FALSE(brevoldCheck("sf"));
+    initialise();
+    EXPECT_FALSE(brevoldCheck("sf"));  // until a layer is reported again
 }
 
 }  // namespace

@@ -50,23 +50,22 @@ TEST_F(ModeMonitorTest, SteadyRates) {
 
 struct BoundCase {
     int64_t meanNs;
-    const char* fpsAndMode;
+    int mode;
 };
 
 TEST_F(ModeMonitorTest, BoundsOfTheModes) {
-    // Means whose rate is, in single precision, just on either side of each bound, or on it.
+    // Around each bound the nearest rates in single precision: above it, on it, below it. None is
+    // 122 exactly.
     const BoundCase cases[] = {
-            {37037040, "0 27.00"}, {37037030, "1 27.00"}, {31250003, "1 32.00"},
-            {31250000, "5 32.00"}, {21276600, "5 47.00"}, {21276590, "2 47.00"},
-            {16129035, "2 62.00"}, {16129030, "5 62.00"}, {12987020, "5 77.00"},
-            {12987010, "3 77.00"}, {10869568, "3 92.00"}, {10869564, "5 92.00"},
-            {9345800, "5 107.00"}, {9345790, "4 107.00"}, {8196722, "4 122.00"},
-            {8196720, "5 122.00"},
+            {37037034, 1}, {37037036, 0}, {37037038, 0}, {31249998, 5}, {31250000, 5},
+            {31250002, 1}, {21276594, 2}, {21276596, 5}, {21276598, 5}, {16129030, 5},
+            {16129031, 5}, {16129033, 2}, {12987012, 3}, {12987013, 5}, {12987014, 5},
+            {10869564, 5}, {10869565, 5}, {10869566, 3}, {9345793, 4},  {9345794, 5},
+            {9345795, 5},  {8196721, 5},  {8196722, 4},
     };
     for (const BoundCase& c : cases) {
-        const std::string mode(1, c.fpsAndMode[0]);
-        EXPECT_EQ(windowOf(c.meanNs), "[FM]gMode:" + mode + " \tFPS:\t" + (c.fpsAndMode + 2) +
-                                              " \tDown:\t0 \tUp:\t0 \tIdle:\t0");
+        EXPECT_EQ(windowOf(c.meanNs).rfind("[FM]gMode:" + std::to_string(c.mode), 0), 0u)
+                << c.meanNs;
     }
 }
 
@@ -90,7 +89,9 @@ TEST_F(ModeMonitorTest, OddIntervalsCountOnlyWhileAWindowIsOpen) {
     advance(kSecondNs);
     android::modeMonitor(0);
     android::modeMonitor(-5);
+    advance(kSecondNs + 1);
     android::modeMonitor(149999999);
+    EXPECT_EQ(window(), "0 lines");
     android::modeMonitor(0);
     android::modeMonitor(INT64_MIN);
     android::modeMonitor(-50000001);
@@ -145,6 +146,21 @@ TEST_F(ModeMonitorTest, AWindowAgeThatOverflowsAborts) {
     android::modeMonitor(1);
     host::setTimeNs(0);
     EXPECT_EXIT(android::modeMonitor(1), testing::KilledBySignal(SIGABRT), "");
+}
+
+TEST_F(ModeMonitorTest, TheFirstTickAfterAClearOnlyRecordsTheTime) {
+    host::setTimeNs(5000000);
+    for (const char* layer : {"a#0", "b#0"}) {  // as loaded, and after a reset
+        restartWith(layer);
+        host::takeLog();
+        for (int i = 0; i <= 11; ++i) {
+            EXPECT_EQ(takeLogTexts(), Texts{}) << i;
+            host::setTimeNs(5000000 + i * 100000001);
+            brevoldRefresh();
+        }
+        EXPECT_EQ(takeLogTexts().size(), 1u);  // of the window that the second tick opened
+        host::setTimeNs(5000000);
+    }
 }
 
 using SwitchedTest = DeviceTest;

@@ -15,8 +15,10 @@ namespace {
 
 int64_t gNowNs;
 
-void provide(const std::string& path) {
-    ASSERT_NE(dlopen((BREVOLD_TEST_STANDINS "/" + path).c_str(), RTLD_NOW), nullptr) << dlerror();
+void* provide(const std::string& path) {
+    void* const handle = dlopen((BREVOLD_TEST_STANDINS "/" + path).c_str(), RTLD_NOW);
+    EXPECT_NE(handle, nullptr) << dlerror();
+    return handle;
 }
 
 std::string propertyOf(const char* key, const char* fallback) {
@@ -32,12 +34,12 @@ DeviceTest::DeviceTest() {
     host::setTimeNs(gNowNs);
 }
 
-void DeviceTest::provideClient(const std::string& variant) {
-    provide("perfd_" + variant + "/libvnx-perfd-client_system.so");
+void* DeviceTest::provideClient(const std::string& variant) {
+    return provide("perfd_" + variant + "/libvnx-perfd-client_system.so");
 }
 
-void DeviceTest::provideFeatures(const std::string& variant) {
-    provide("featgate_" + variant + "/libfeatgate_system.so");
+void* DeviceTest::provideFeatures(const std::string& variant) {
+    return provide("featgate_" + variant + "/libfeatgate_system.so");
 }
 
 void DeviceTest::switchEverythingOn() {

@@ -42,8 +42,8 @@ class DeviceTest : public testing::Test {
     DeviceTest();
 
     /** Opens a stand-in, so that the library's own dlopen finds it. */
-    static void provideClient(const std::string& variant = "whole");
-    static void provideFeatures(const std::string& variant = "whole");
+    static void* provideClient(const std::string& variant = "whole");
+    static void* provideFeatures(const std::string& variant = "whole");
 
     /** Every switch on, debug output too. */
     static void switchEverythingOn();

@@ -84,11 +84,34 @@ TEST_F(VsyncTest, VerdictWantsTheTargetAppOnAnUnchangedLayer) {
     EXPECT_EQ(brevoldMonitor(0, kPeriod60Ns), 0);
 }
 
-TEST_F(VsyncTest, NoVerdictBeforeATickOrWithoutTheSwitch) {
+TEST_F(VsyncTest, NoVerdictBeforeATick) {
     restartWith("com.example.other#0");
+    advance(-50 * kSecondNs);
+    android::modeMonitor(100000000);
+    advance(kSecondNs + 1);
+    android::modeMonitor(100000000);  // mode 0, without a tick
+    host::setTimeNs(5000000);
     EXPECT_EQ(brevoldMonitor(0, kPeriod60Ns), 0);
+}
+
+TEST_F(VsyncTest, ResetForgetsTheBusyQueueAndThePeriod) {
+    brevoldMonitor(2, kPeriod60Ns);
+    restartWith("com.example.other#0");
     makeVerdictHold();
-    EXPECT_EQ(brevoldMonitor(0, kPeriod60Ns), 1);
+    EXPECT_EQ(brevoldMonitor(2, kPeriod60Ns), 1);
+    android::clearConfigs();
+    initialise();
+    android::brevoldAppTypeCheck("com.example.third#0");
+    android::brevoldLayerStatusCheck(false, "com.example.third#0", 0, 0);
+    measure(kPeriod90Ns);
+    takeCalls();
+    EXPECT_EQ(boost(3), Texts{});
+    // A report that decides nothing still tells the period.
+    android::brevoldBufferMonitor(0, "x", "y", 0, 0, 0, 0, kPeriod90Ns);
+    EXPECT_EQ(boost(3).size(), 1u);
+}
+
+TEST_F(VsyncTest, NoVerdictWithoutTheSwitch) {
     gDevice.properties["vendor.perf.jr10.enable"] = "0";
     restartWith("com.example.third#0");
     makeVerdictHold();

@@ -93,6 +93,29 @@ TEST_F(WorkerTest, SfBoostsOnceAndReleasesWithTheCount) {
     EXPECT_EQ(request(10.0f, 2, 2, kSf), Texts{"hint 4166 2000 0x122710"});
 }
 
+TEST_F(WorkerTest, ANewerRequestOverwritesAnUnsentOne) {
+    startTargetApp();
+    measure(kPeriod60Ns);
+    takeCalls();
+    host::holdWorkers();
+    android::energyScaling(0.5f, 1, 0, kQb);
+    android::energyScaling(0.25f, 1, 0, kQb);
+    host::letWorkersGo();
+    EXPECT_EQ(takeCalls(), Texts{"hint 4166 19 0x4100fa"});
+}
+
+TEST_F(WorkerTest, ABoostRequestWhileTheReleaseIsUnsentIsOnlyCounted) {
+    startTargetApp();
+    request(10.0f, 2, 2, kSf);
+    host::holdWorkers();
+    android::releaseScaling();
+    android::energyScaling(10.0f, 2, 2, kSf);
+    host::letWorkersGo();
+    EXPECT_EQ(takeCalls(), Texts{"hint 4166 0 0x2"});
+    host::wakeSpuriously(kSfThread);  // nothing is pending any more
+    EXPECT_EQ(takeCalls(), Texts{"hint 4166 0 0x0"});
+}
+
 TEST_F(WorkerTest, SfPlainRequestReleases) {
     startTargetApp();
     EXPECT_EQ(request(10.0f, 2, 2, kSf), Texts{"hint 4166 2000 0x122710"});

@@ -4,6 +4,12 @@
 
 namespace android {
 
+/** The frame-rate mode where no steady rate was measured, or the display was idle. */
+constexpr int32_t kModeUnclassified = 5;
+
+/** This long without a refresh tick is an idle display. */
+constexpr int64_t kIdleGapNs = 150000000;
+
 /** What belongs together around one display refresh rate. */
 struct RefreshBand {
     int64_t minPeriodNs;
