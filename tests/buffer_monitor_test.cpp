@@ -136,6 +136,15 @@ TEST_F(BufferMonitorTest, DecidesOnlyWithAStampBehindIt) {
     other.sfTime = 0;
     EXPECT_EQ(monitorAgain(other).first.size(), 0u);
     EXPECT_EQ(monitorAgain({}).first.size(), 0u);
+
+    android::clearConfigs();
+    initialise();
+    android::brevoldAppTypeCheck("com.example.other#0");
+    android::brevoldLayerStatusCheck(false, "com.example.other#0", 0, 0);
+    measure(kPeriod60Ns);
+    takeCalls();
+    EXPECT_EQ(monitorAgain({}).first.size(), 0u);
+    EXPECT_EQ(monitorAgain({}).first.size(), 1u);
 }
 
 TEST_F(BufferMonitorTest, WithoutPfarDownThereAreOnlyMarkers) {

@@ -240,7 +240,9 @@ TEST_F(InitTest, CheckWantsATargetAppAndTheFirstTwoLetters) {
     android::clearConfigs();
     EXPECT_FALSE(brevoldCheck("sf"));
     initialise();
-    EXPECT_FALSE(brevoldCheck("sf"));  // until a layer is reported again
+    EXPECT_FALSE(brevoldCheck("sf"));
+    report(1, 0, 0, kPeriod60Ns);  // its type was forgotten, and its name was not
+    EXPECT_FALSE(brevoldCheck("sf"));
 }
 
 }  // namespace

@@ -1,0 +1,227 @@
+#include "replay/ftrace_reader.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cstring>
+
+#include "replay/input_error.h"
+
+namespace brevold::replay {
+namespace {
+
+// Far above the 4 KiB that the kernel takes for a mark.
+constexpr size_t kLongestLine = 256 * 1024;
+constexpr int64_t kLatestSecond = 9'000'000'000;
+constexpr int64_t kFractionScaleNs[] = {1'000'000'000, 100'000'000, 10'000'000, 1'000'000, 100'000,
+                                        10'000,        1'000,       100,        10,        1};
+constexpr std::string_view kMarkEvents[] = {"tracing_mark_write", "print", "0"};
+constexpr std::string_view kDigits = "0123456789";
+constexpr std::string_view kBlanks = " \t\r";
+
+struct EventLine {
+    int64_t timeNs;
+    int32_t tid;
+    std::string_view event;  // "name: payload"
+};
+
+template <typename T>
+bool parseWhole(std::string_view text, T* number) {
+    const char* end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, *number);
+    return result.ec == std::errc() && result.ptr == end;
+}
+
+std::string_view trimEnd(std::string_view text) {
+    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+std::string_view trimStart(std::string_view text) {
+    return text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));
+}
+
+/** Cuts off what is before the separator; all of the text where there is none. */
+std::string_view takeUntil(char separator, std::string_view* text) {
+    const size_t length = std::min(text->find(separator), text->size());
+    const std::string_view head = text->substr(0, length);
+    text->remove_prefix(std::min(length + 1, text->size()));
+    return head;
+}
+
+/** "TASK-PID" or "TASK-PID (TGID)"; the task may hold anything. */
+bool parseThread(std::string_view text, int32_t* tid) {
+    text = trimEnd(text);
+    if (!text.empty() && text.back() == ')') {
+        const size_t open = text.rfind('(');
+        if (open == std::string_view::npos) return false;
+        text = trimEnd(text.substr(0, open));
+    }
+    const size_t dash = text.rfind('-');
+    return dash != std::string_view::npos && parseWhole(text.substr(dash + 1), tid) && *tid >= 0;
+}
+
+bool parseTime(std::string_view text, int64_t* timeNs) {
+    const std::string_view seconds = takeUntil('.', &text);
+    uint32_t fraction;
+    uint64_t second;
+    if (text.size() >= std::size(kFractionScaleNs) || !parseWhole(seconds, &second) ||
+        second > kLatestSecond || !parseWhole(text, &fraction)) {
+        return false;
+    }
+    *timeNs = static_cast<int64_t>(second) * kFractionScaleNs[0] +
+              fraction * kFractionScaleNs[text.size()];
+    return true;
+}
+
+/** What follows the processor: "time: event" or "flags time: event". */
+bool parseTimeAndEvent(std::string_view text, EventLine* line) {
+    std::string_view time = takeUntil(':', &text);
+    time = trimEnd(trimStart(time));
+    const size_t blank = time.find_last_of(kBlanks);
+    if (blank != std::string_view::npos) {
+        const std::string_view flags = trimEnd(time.substr(0, blank));
+        if (flags.find_first_of(kBlanks) != std::string_view::npos) return false;
+        time.remove_prefix(blank + 1);
+    }
+    line->event = trimStart(text);
+    return parseTime(time, &line->timeNs);
+}
+
+bool parseEventLine(std::string_view text, EventLine* line) {
+    // A task's name may hold brackets too, so that the first pair need not be the processor's.
+    for (size_t open = text.find('['); open != std::string_view::npos;
+         open = text.find('[', open + 1)) {
+        const size_t close = text.find_first_not_of(kDigits, open + 1);
+        if (close == std::string_view::npos) return false;
+        if (text[close] == ']' && close > open + 1 &&
+            parseThread(text.substr(0, open), &line->tid)) {
+            return parseTimeAndEvent(text.substr(close + 1), line);
+        }
+    }
+    return false;
+}
+
+std::string quote(std::string_view text) {
+    constexpr size_t kLongestQuote = 60;
+    std::string quoted(text.substr(0, kLongestQuote));
+    std::replace_if(
+            quoted.begin(), quoted.end(), [](char c) { return c >= 0 && c < ' '; }, '?');
+    return "'" + quoted + (text.size() > kLongestQuote ? "...'" : "'");
+}
+
+}  // namespace
+
+LineReader::LineReader(std::istream& input, std::string path)
+      : mInput(input), mPath(std::move(path)), mBuffer(kLongestLine) {}
+
+bool LineReader::next(std::string_view* line) {
+    size_t searched = 0;
+    for (;;) {
+        const char* begin = mBuffer.data() + mBegin;
+        const void* found = memchr(begin + searched, '\n', mEnd - mBegin - searched);
+        if (found) {
+            *line = {begin, static_cast<size_t>(static_cast<const char*>(found) - begin)};
+            mBegin += line->size() + 1;
+            ++mLineNumber;
+            return true;
+        }
+        searched = mEnd - mBegin;
+        if (!fill()) return false;
+    }
+}
+
+bool LineReader::fill() {
+    std::copy(mBuffer.data() + mBegin, mBuffer.data() + mEnd, mBuffer.data());
+    mEnd -= mBegin;
+    mBegin = 0;
+    if (mEnd == mBuffer.size()) {
+        throw InputError(mPath + ":" + std::to_string(mLineNumber + 1) +
+                         ": expected a line of ftrace text, got one of more than " +
+                         std::to_string(mBuffer.size()) + " bytes");
+    }
+    char* added = mBuffer.data() + mEnd;
+    mInput.read(added, static_cast<std::streamsize>(mBuffer.size() - mEnd));
+    if (mInput.bad()) throw InputError(mPath + ": cannot be read");
+    const size_t count = static_cast<size_t>(mInput.gcount());
+    if (const void* nul = memchr(added, '\0', count)) {
+        throw InputError(mPath + ": is binary, expected ftrace text (it has a NUL byte at " +
+                         std::to_string(mBytesRead + (static_cast<const char*>(nul) - added)) +
+                         ")");
+    }
+    mEnd += count;
+    mBytesRead += static_cast<int64_t>(count);
+    return count > 0;
+}
+
+FtraceReader::FtraceReader(std::istream& input, std::string path)
+      : mPath(path), mLines(input, std::move(path)) {}
+
+bool FtraceReader::next(TraceMark* mark) {
+    std::string_view text;
+    while (mLines.next(&text)) {
+        text = trimEnd(text);
+        if (text.empty() || text.front() == '#') continue;
+        EventLine line;
+        if (!parseEventLine(text, &line)) {
+            ++mStrayLines;
+            continue;
+        }
+        if (mHasEvents && line.timeNs < mEndNs) {
+            ++mBackwardLines;
+            continue;
+        }
+        if (!mHasEvents) mStartNs = line.timeNs;
+        mHasEvents = true;
+        mEndNs = line.timeNs;
+
+        const std::string_view event = takeUntil(':', &line.event);
+        if (std::find(std::begin(kMarkEvents), std::end(kMarkEvents), event) ==
+            std::end(kMarkEvents)) {
+            continue;
+        }
+        *mark = {};
+        mark->timeNs = line.timeNs;
+        mark->tid = line.tid;
+        mark->line = mLines.lineNumber();
+        if (parseMark(trimStart(line.event), mark)) return true;
+    }
+    checkEnd();
+    return false;
+}
+
+bool FtraceReader::parseMark(std::string_view payload, TraceMark* mark) const {
+    const std::string_view type = takeUntil('|', &payload);
+    if (type == "E") {
+        mark->kind = TraceMark::Kind::End;
+        return true;
+    }
+    if (type != "B" && type != "C") return false;
+    if (!parseWhole(takeUntil('|', &payload), &mark->pid)) return false;
+    if (type == "C") return parseCounter(payload, mark);
+    mark->kind = TraceMark::Kind::Begin;
+    mark->name = payload;
+    return true;
+}
+
+bool FtraceReader::parseCounter(std::string_view fields, TraceMark* mark) const {
+    mark->kind = TraceMark::Kind::Counter;
+    const size_t bar = fields.rfind('|');
+    mark->name = fields.substr(0, bar);
+    const std::string_view value = bar < fields.size() ? fields.substr(bar + 1) : "";
+    if (parseWhole(value, &mark->value)) return true;
+    // Web views write "name|value|category" as well, which is no counter of the compositor's.
+    if (mark->name.find('|') != std::string_view::npos) return false;
+    throw InputError(mPath + ":" + std::to_string(mark->line) +
+                     ": expected a whole number as value of the counter " + quote(mark->name) +
+                     ", got " + quote(value));
+}
+
+void FtraceReader::checkEnd() const {
+    if (mLines.isEmpty()) throw InputError(mPath + ": is empty, expected ftrace text");
+    if (!mHasEvents) throw InputError(mPath + ": holds no trace events, expected ftrace text");
+    if (mLines.isCutShort()) {
+        throw InputError(mPath + ":" + std::to_string(mLines.lineNumber() + 1) +
+                         ": ends in the middle of a line; was the recording cut short?");
+    }
+}
+
+}  // namespace brevold::replay

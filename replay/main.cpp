@@ -1,0 +1,131 @@
+#include <CLI/CLI.hpp>
+#include <iostream>
+#include <optional>
+
+#include "host/device_profile.h"
+#include "replay/comparison.h"
+#include "replay/hints_csv.h"
+#include "replay/isolated_play.h"
+#include "replay/output_file.h"
+#include "replay/summary.h"
+#include "replay/summary_json.h"
+#include "replay/timeline.h"
+
+namespace {
+
+using namespace brevold;
+using namespace brevold::replay;
+
+constexpr size_t kPartings = 5;
+
+struct Options {
+    std::vector<std::string> traces;
+    std::string profile;
+    std::vector<std::string> settings;
+    std::vector<std::string> vsSettings;
+    std::string hints;
+    bool json = false;
+    TimelineOptions timeline;
+};
+
+void addOptions(CLI::App& app, Options& options) {
+    app.add_option("TRACE", options.traces, "ftrace text, as atrace or systrace writes it")
+            ->required();
+    app.add_option("--profile", options.profile, "the device to play: a file of key=value lines")
+            ->type_name("FILE");
+    app.add_option("--set", options.settings,
+                   "one entry of the profile, over what the file says; repeatable")
+            ->type_name("KEY=VALUE")
+            ->expected(1)
+            ->take_all();
+    app.add_option("--vs", options.vsSettings,
+                   "replay once more with this entry changed, and compare; repeatable")
+            ->type_name("KEY=VALUE")
+            ->expected(1)
+            ->take_all();
+    app.add_option("--layer", options.timeline.layer,
+                   "the focused layer; without it the one with most frames")
+            ->type_name("NAME");
+    app.add_option("--refresh-rate", options.timeline.refreshRateHz,
+                   "display refresh rate in Hz, over what the trace tells")
+            ->type_name("HZ")
+            ->check(CLI::Range(1.0, 1000.0));
+    app.add_option("--hints", options.hints, "write the hints sent, as CSV")->type_name("FILE");
+    app.add_flag("--json", options.json, "print the summary as one JSON object");
+    app.set_version_flag("--version", BREVOLD_VERSION);
+}
+
+void applyProfile(const Options& options) {
+    if (!options.profile.empty()) host::loadProfile(options.profile);
+    for (const std::string& setting : options.settings) {
+        try {
+            host::setProfileEntry(setting);
+        } catch (const host::ProfileError& error) {
+            throw host::ProfileError("--set " + setting + ": " + error.what());
+        }
+    }
+}
+
+void writeHints(const std::string& path, const Recording& recording) {
+    OutputFile file(path);
+    writeHintsCsv(recording.hints, file.stream());
+    file.commit();
+}
+
+/** Replays one trace, and prints what is not for the whole run. */
+TraceResult replayTrace(const std::string& trace, const Options& options) {
+    const Timeline timeline = readTimeline(trace, options.timeline);
+    const Recording recording = playIsolated(timeline, {});
+    TraceResult result = {summarise(trace, timeline, recording), {}};
+    std::vector<Parting> partings;
+    if (!options.vsSettings.empty()) {
+        const Recording other = playIsolated(timeline, options.vsSettings);
+        result.vs = summarise(trace, timeline, other);
+        partings = firstPartings(recording, other, kPartings);
+    }
+    if (!options.hints.empty()) writeHints(options.hints, recording);
+    if (!options.json && options.traces.size() == 1) {
+        print(result.summary, std::cout);
+        if (result.vs) {
+            printComparison(result.summary, *result.vs, partings, timeline.startNs, std::cout);
+        }
+    }
+    return result;
+}
+
+void run(const Options& options) {
+    if (options.traces.size() > 1 && !options.hints.empty()) {
+        throw std::runtime_error("--hints takes one trace");
+    }
+    applyProfile(options);
+    std::vector<TraceResult> results;
+    for (const std::string& trace : options.traces) {
+        results.push_back(replayTrace(trace, options));
+    }
+    if (options.json) {
+        printJson(results, std::cout);
+    } else if (results.size() > 1) {
+        printRows(results, std::cout);
+    }
+    std::cout.flush();
+    if (!std::cout) throw OutputError("the summary cannot be written to standard output");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app(
+            "Plays a recorded trace to libbrevold in the trace's own time and prints what the "
+            "library asked of the performance service.",
+            "brevold-replay");
+    Options options;
+    addOptions(app, options);
+    CLI11_PARSE(app, argc, argv);
+    try {
+        run(options);
+    } catch (const std::exception& error) {
+        std::cerr << "brevold-replay: " << error.what() << '\n';
+        return 1;
+    }
+    return 0;
+}

@@ -1,0 +1,78 @@
+#include "replay/summary_json.h"
+
+#include <nlohmann/json.hpp>
+
+#include "replay/text.h"
+
+namespace brevold::replay {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr int kFormatVersion = 1;
+
+Json requestsOf(const Summary& summary) {
+    Json requests = Json::object();
+    for (const HintKind kind : kHintKinds) {
+        const RequestSummary& request = summary.of(kind);
+        Json& object = requests[nameOf(kind)];
+        object["count"] = request.count;
+        if (!hasScale(kind) || request.count == 0) continue;
+        object["scale_least"] = request.leastScale;
+        object["scale_mean"] = request.meanScale;
+        object["scale_most"] = request.mostScale;
+    }
+    return requests;
+}
+
+Json objectOf(const Summary& summary) {
+    Json object;
+    object["trace"] = summary.trace;
+    object["duration_s"] = toSeconds(summary.durationNs);
+    object["layer"] = summary.layer;
+    object["frames"] = summary.frames;
+    object["other_layers"] = summary.otherLayers;
+    object["other_frames"] = summary.otherFrames;
+    for (const Summary::Rate& rate : summary.rates) {
+        object["refresh_rates"].push_back({{"from_s", toSeconds(rate.fromNs)}, {"hz", rate.hz}});
+    }
+    object["refresh_rate_source"] = summary.rateSource;
+    object["compositions"] = summary.compositions;
+    object["composition_source"] = summary.compositionSource;
+    object["vsyncs"] = summary.vsyncs;
+    object["vsync_source"] = summary.vsyncSource;
+    object["boost_verdicts"] = summary.boostVerdicts;
+    object["any_feature_on"] = summary.isAnyFeatureOn;
+    object["mode_s"] = nullptr;
+    if (summary.hasModes) {
+        object["mode_s"] = Json::array();
+        for (const int64_t modeNs : summary.modeNs)
+            object["mode_s"].push_back(toSeconds(modeNs));
+    }
+    object["requests"] = requestsOf(summary);
+    object["down_s"] = toSeconds(summary.downNs);
+    object["down_scale_mean"] = summary.downNs == 0 ? Json() : Json(summary.meanDownScale);
+    object["error_lines"] = summary.errorLines;
+    object["window_lines"] = summary.windowLines;
+    object["errors"] = summary.errors;
+    object["warnings"] = summary.warnings;
+    return object;
+}
+
+}  // namespace
+
+void printJson(const std::vector<TraceResult>& results, std::ostream& out) {
+    Json root;
+    root["version"] = kFormatVersion;
+    root["replays"] = Json::array();
+    for (const TraceResult& result : results) {
+        Json object = objectOf(result.summary);
+        if (result.vs) object["vs"] = objectOf(*result.vs);
+        root["replays"].push_back(std::move(object));
+    }
+    // Names from a trace are bytes of any kind.
+    out << root.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
+}
+
+}  // namespace brevold::replay
