@@ -4,6 +4,8 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <map>
+#include <string>
 
 namespace brevold::fuzz {
 
@@ -12,6 +14,14 @@ inline void require(bool holds, const char* what) {
     if (holds) return;
     fprintf(stderr, "does not hold: %s\n", what);
     abort();
+}
+
+/** The functions of the libraries that can be opened, by the libraries' names and theirs. */
+inline std::map<std::string, std::map<std::string, void*>> gLibraries;
+
+template <typename Fn>
+void* address(Fn* function) {
+    return reinterpret_cast<void*>(function);
 }
 
 }  // namespace brevold::fuzz

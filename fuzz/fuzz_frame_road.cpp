@@ -227,23 +227,6 @@ extern "C" void __wrap__ZN7android13energyScalingEfjji(float scale, unsigned dir
     __real__ZN7android13energyScalingEfjji(scale, direction, boostLevel, channel);
 }
 
-extern "C" void* fuzzDlopen(const char*, int) {
-    return &gService;
-}
-
-extern "C" void* fuzzDlsym(void*, const char* name) {
-    const std::string symbol = name;
-    if (symbol == "perf_hint") return reinterpret_cast<void*>(perfHint);
-    if (symbol == "perf_lock_rel") return reinterpret_cast<void*>(perfLockRel);
-    if (symbol == "perf_get_feedback") return reinterpret_cast<void*>(perfGetFeedback);
-    if (symbol == "perf_get_prop") return reinterpret_cast<void*>(perfGetProp);
-    return reinterpret_cast<void*>(isFeatureEnabled);
-}
-
-extern "C" int fuzzDlclose(void*) {
-    return 0;
-}
-
 int property_get(const char*, char* value, const char*) {
     value[0] = '1';
     value[1] = '\0';
@@ -251,6 +234,14 @@ int property_get(const char*, char* value, const char*) {
 }
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
+    using brevold::fuzz::address;
+    brevold::fuzz::gLibraries = {
+            {android::kPerfClientLibrary,
+             {{"perf_hint", address(perfHint)},
+              {"perf_lock_rel", address(perfLockRel)},
+              {"perf_get_feedback", address(perfGetFeedback)},
+              {"perf_get_prop", address(perfGetProp)}}},
+            {"libfeatgate_system.so", {{"IsFeatureEnabled", address(isFeatureEnabled)}}}};
     require(brevoldInit(), "everything is on");
     return 0;
 }

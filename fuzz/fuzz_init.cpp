@@ -1,11 +1,9 @@
 // Initialisation: settings, features and missing functions, decided as they read.
 
 #include <cutils/properties.h>
-#include <dlfcn.h>
 #include <utils/Thread.h>
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <map>
 #include <sstream>
@@ -17,30 +15,25 @@
 
 namespace {
 
+using brevold::fuzz::address;
+using brevold::fuzz::gLibraries;
 using brevold::fuzz::require;
 
-/** The libraries, opened and with their functions; and the settings. */
+constexpr char kFeatureLibrary[] = "libfeatgate_system.so";
+
 struct Device {
-    bool hasClient;
-    bool hasFeatures;
-    std::map<std::string, bool> hasFunction;
     std::map<std::string, std::string> settings;
     bool allowed[2];
 };
 
 Device gDevice;
 int gThreadsRun;
-int gClient;
-int gFeatures;
 
 constexpr const char* kSettings[] = {
         "vendor.display.use_smooth_motion", "vendor.perf.fps_switch.enable",
         "vendor.perf.jr10.enable",          "vendor.perf.pfar.enable",
         "vendor.perf.brevold.debug",        "vendor.perf.pfar.down.enable",
         "vendor.perf.brevold.debug.layers"};
-constexpr const char* kFunctions[] = {"perf_get_feedback", "perf_get_prop", "perf_hint",
-                                      "perf_lock_rel", "IsFeatureEnabled"};
-
 std::string settingOf(const std::string& key, const char* fallback) {
     const auto found = gDevice.settings.find(key);
     return found == gDevice.settings.end() ? fallback : found->second;
@@ -71,6 +64,14 @@ int isFeatureEnabled(int feature) {
     return gDevice.allowed[feature - 4] ? 1 : 0;
 }
 
+const std::map<std::string, std::map<std::string, void*>> kLibraries = {
+        {android::kPerfClientLibrary,
+         {{"perf_get_feedback", address(getFeedback)},
+          {"perf_get_prop", address(getProp)},
+          {"perf_hint", address(hint)},
+          {"perf_lock_rel", address(lockRel)}}},
+        {kFeatureLibrary, {{"IsFeatureEnabled", address(isFeatureEnabled)}}}};
+
 bool isOn(const char* key, const char* fallback) {
     return atoi(settingOf(key, fallback).substr(0, android::kSettingSize - 1).c_str()) == 1;
 }
@@ -80,9 +81,11 @@ void initialiseAndCompare() {
     gThreadsRun = 0;
     const bool anyFeature = brevoldInit();
 
-    const auto has = [](const char* function) { return gDevice.hasFunction[function]; };
-    const bool canRead = gDevice.hasClient && has("perf_get_prop");
-    const bool canAsk = gDevice.hasFeatures && has("IsFeatureEnabled");
+    const auto has = [](const char* library, const char* function) {
+        return gLibraries.count(library) != 0 && gLibraries[library].count(function) != 0;
+    };
+    const bool canRead = has(android::kPerfClientLibrary, "perf_get_prop");
+    const bool canAsk = has(kFeatureLibrary, "IsFeatureEnabled");
     const bool jankBoost = canAsk && gDevice.allowed[0];
     const bool scaling = canAsk && gDevice.allowed[1];
     const bool readsAll = canRead && (jankBoost || scaling);
@@ -113,29 +116,6 @@ void initialiseAndCompare() {
 
 }  // namespace
 
-extern "C" void* fuzzDlopen(const char* name, int) {
-    const bool isClient = strcmp(name, android::kPerfClientLibrary) == 0;
-    if (isClient) return gDevice.hasClient ? &gClient : nullptr;
-    return gDevice.hasFeatures ? &gFeatures : nullptr;
-}
-
-extern "C" void* fuzzDlsym(void* handle, const char* name) {
-    require(handle == &gClient || handle == &gFeatures, "symbols of an open library");
-    const std::array<void*, 5> functions = {
-            reinterpret_cast<void*>(getFeedback), reinterpret_cast<void*>(getProp),
-            reinterpret_cast<void*>(hint), reinterpret_cast<void*>(lockRel),
-            reinterpret_cast<void*>(isFeatureEnabled)};
-    for (size_t i = 0; i < functions.size(); ++i) {
-        if (strcmp(name, kFunctions[i]) == 0 && gDevice.hasFunction[name]) return functions[i];
-    }
-    return nullptr;
-}
-
-extern "C" int fuzzDlclose(void* handle) {
-    require(handle == &gFeatures, "the client library stays open");
-    return 0;
-}
-
 extern "C" int __android_log_print(int, const char*, const char*, ...) {
     return 0;
 }
@@ -160,10 +140,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const int rounds = input.ConsumeIntegralInRange(1, 2);
     for (int i = 0; i < rounds; ++i) {
         gDevice = {};
-        gDevice.hasClient = input.ConsumeBool();
-        gDevice.hasFeatures = input.ConsumeBool();
-        for (const char* function : kFunctions)
-            gDevice.hasFunction[function] = input.ConsumeBool();
+        gLibraries.clear();
+        for (const auto& [library, functions] : kLibraries) {
+            if (!input.ConsumeBool()) continue;
+            for (const auto& function : functions) {
+                if (gLibraries[library]; input.ConsumeBool()) gLibraries[library].insert(function);
+            }
+        }
         for (bool& allowed : gDevice.allowed)
             allowed = input.ConsumeBool();
         for (const char* key : kSettings) {
@@ -172,7 +155,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
                     input.ConsumeBool() ? "1" : input.ConsumeRandomLengthString(100);
         }
         // A client library that has gone keeps the functions that it had.
-        if (!gDevice.hasClient) android::gPerfGetProp = nullptr;
+        if (gLibraries.count(android::kPerfClientLibrary) == 0) android::gPerfGetProp = nullptr;
         initialiseAndCompare();
         android::clearConfigs();
     }

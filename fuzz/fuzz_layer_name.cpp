@@ -33,17 +33,6 @@ std::string layerName(const uint8_t* data, size_t size) {
 
 }  // namespace
 
-// Initialisation, which is not called, would want them.
-extern "C" void* fuzzDlopen(const char*, int) {
-    return nullptr;
-}
-extern "C" void* fuzzDlsym(void*, const char*) {
-    return nullptr;
-}
-extern "C" int fuzzDlclose(void*) {
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+");
     const std::string name = layerName(data, size);
