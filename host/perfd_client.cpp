@@ -5,15 +5,12 @@
 #include <cstring>
 #include <mutex>
 
+#include "brevold/perf_client.h"
 #include "host/device_profile.h"
 
 namespace {
 
 using namespace brevold::host;
-
-struct PropertyText {
-    char text[92];
-};
 
 std::mutex gServiceLock;
 ServiceListener gListener;
@@ -42,8 +39,8 @@ void perfd_set_listener(ServiceListener listener, void* context) {
 
 extern "C" {
 
-PropertyText perf_get_prop(const char* key, const char* fallback) {
-    PropertyText answer = {};
+android::PerfSetting perf_get_prop(const char* key, const char* fallback) {
+    android::PerfSetting answer = {};
     const std::string value = profileProperty(key, fallback);
     memcpy(answer.text, value.data(), std::min(value.size(), sizeof(answer.text) - 1));
     return answer;

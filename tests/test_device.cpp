@@ -142,6 +142,7 @@ int property_get(const char* key, char* value, const char* fallback) {
 extern "C" {
 
 int testPerfHint(int hint, const char* package, int duration, int type) {
+    if (gDevice.onHint != nullptr) return gDevice.onHint(hint, duration, type);
     char text[80];
     snprintf(text, sizeof(text), "hint %d %s%d 0x%x", hint, package == nullptr ? "" : package,
              duration, static_cast<unsigned>(type));
