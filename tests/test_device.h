@@ -28,6 +28,8 @@ struct Device {
     int appType = 2;
     /** The hint's result; counts on by itself while positive. */
     int nextHandle = 1;
+    /** Called while the service works on a hint, on the caller's thread. */
+    void (*duringHint)() = nullptr;
     /** "hint 4166 19 0x4101f4", "release 7", "query 5633 com.example.game", in order. */
     Texts calls;
     /** Property names, feature numbers, in order. */
