@@ -27,9 +27,6 @@ using Round = std::function<void(Costs&)>;
 struct Comparison {
     Costs subject;
     Costs floor;
-    /** Values that each round added to both sides. */
-    std::vector<size_t> subjectRounds;
-    std::vector<size_t> floorRounds;
 };
 
 Comparison compare(const Round& subject, const Round& floor);
@@ -43,9 +40,9 @@ struct Target {
 void printCostHeader();
 
 /**
- * Measures one line of the table and prints it. What noise may explain is no miss: the ratio of the
- * quantiles has to be above the target, that of three rounds in four too, and again in each of two
- * more measurements, seconds later. The line shows the last measurement.
+ * Measures one line of the table and prints it. What is above the target is measured again, twice
+ * at most and seconds later: a slow spell of the machine passes, a target that is missed stays so.
+ * The line shows the last measurement.
  *
  * @return whether the target is met.
  */
