@@ -63,6 +63,18 @@ std::deque<Worker> gWorkers;  // references stay valid as it grows
 int gSignalCount;
 thread_local int32_t tWorker = -1;
 
+/** Tells of a worker's end when its thread is done with everything, its last log line too. */
+struct ThreadEnd {
+    Worker* worker = nullptr;
+    ~ThreadEnd() {
+        if (worker == nullptr) return;
+        const std::lock_guard lock(gGate);
+        worker->hasEnded = true;
+        gRealSignal(&gGateChanged);
+    }
+};
+thread_local ThreadEnd tThreadEnd;
+
 std::atomic<int64_t> gTimeNs;
 std::atomic<uint64_t> gTraceTags{UINT64_MAX};
 std::mutex gOutputLock;
@@ -170,8 +182,7 @@ int waitAsWorker(Worker& worker, pthread_cond_t* condition, pthread_mutex_t* mut
         if (!worker.hasWakeUp) continue;
         worker.hasWakeUp = false;
         worker.isWaiting = false;
-        worker.hasEnded = worker.waitError != 0;
-        if (worker.hasEnded) gRealSignal(&gGateChanged);
+        if (worker.waitError != 0) tThreadEnd.worker = &worker;
         return worker.waitError;
     }
 }
