@@ -105,7 +105,8 @@ BREVOLD_EXPORT int brevoldMonitor(int queuedFrames, int64_t periodNs);
 /**
  * After composition: posts a jank boost when a target application at a steady refresh rate has two
  * or more frames queued (three or more in mode 1). Any thread; blocks for gLock and, when it posts,
- * for the "SF" worker while that is sending a hint.
+ * for the "SF" worker while that is sending a hint. It holds gLock meanwhile, so whoever blocks for
+ * gLock waits as long.
  *
  * @param queuedFrames frames now queued.
  * @param suppress non-zero: decide, but post nothing.

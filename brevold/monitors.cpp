@@ -4,9 +4,9 @@
 #include <string>
 
 #include "brevold/brevold.h"
+#include "brevold/frame_rate.h"
 #include "brevold/layer_name.h"
 #include "brevold/platform.h"
-#include "brevold/frame_rate.h"
 #include "brevold/state.h"
 
 namespace android {
@@ -121,32 +121,23 @@ void postJankBoostWhenDue(int queuedFrames, int suppress) REQUIRES(gLock) {
     gIdleCount = checkedAdd(gIdleCount, 1);
 }
 
-}  // namespace
+// The entries take names by value; a frame report lends its own instead of copying them.
 
-std::string getPackageName(const std::string& layerName) {
-    const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+", std::regex::ECMAScript);
-    const LayerNameExcerpt excerpt(layerName);
-    std::smatch match;
-    if (!std::regex_match(excerpt.text, match, expression)) return {};
-    const size_t begin = excerpt.packageBegin(static_cast<size_t>(match.position(1)));
-    return layerName.substr(begin, excerpt.stop - begin);
-}
-
-void brevoldAppTypeCheck(std::string layerName) {
+void checkAppType(const std::string& layerName) {
     if (isListedLayer(layerName)) return;
     const std::string package = getPackageName(layerName);
     if (gPerfGetFeedback == nullptr || layerName == gCurrentLayer || package.empty()) return;
     gAppType = gPerfGetFeedback(kAppTypeQuery, package.c_str());
 }
 
-void brevoldLayerStatusCheck(bool skip, std::string layerName, int keyA, int keyB) {
+void checkLayerStatus(bool skip, const std::string& layerName, int keyA, int keyB) {
     lockOrAbort(gLock);
     if (!isListedLayer(layerName) && !skip) {
         gTargetApp = gAppType == kTargetAppType;
         gLayerUnchanged = layerName == gCurrentLayer && keyA == gCurrentLayerKeyA &&
                           keyB == gCurrentLayerKeyB;
         if (!gLayerUnchanged) {
-            gCurrentLayer = std::move(layerName);
+            gCurrentLayer = layerName;
             gCurrentLayerKeyA = keyA;
             gCurrentLayerKeyB = keyB;
             gMode = kModeUnclassified;
@@ -155,9 +146,9 @@ void brevoldLayerStatusCheck(bool skip, std::string layerName, int keyA, int key
     gLock.unlock();
 }
 
-void brevoldBufferMonitor(int lastMaxQueuedFrames, std::string peerLayerName, std::string layerName,
-                          int64_t diffSFToQB, int64_t diffQB, int64_t sfTime, int64_t /*reserved*/,
-                          int64_t refreshPeriod) {
+void monitorBuffer(int lastMaxQueuedFrames, const std::string& peerLayerName,
+                   const std::string& layerName, int64_t diffSFToQB, int64_t diffQB, int64_t sfTime,
+                   int64_t refreshPeriod) {
     gVsyncPeriod = refreshPeriod;
     if (gScalingEnabled && gTargetApp && peerLayerName == layerName && gLastFrameStamp != 0 &&
         lastMaxQueuedFrames >= 1) {
@@ -174,6 +165,32 @@ void brevoldBufferMonitor(int lastMaxQueuedFrames, std::string peerLayerName, st
         }
     }
     gLastFrameStamp = sfTime;
+}
+
+}  // namespace
+
+std::string getPackageName(const std::string& layerName) {
+    const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+", std::regex::ECMAScript);
+    const LayerNameExcerpt excerpt(layerName);
+    std::smatch match;
+    if (!std::regex_match(excerpt.text, match, expression)) return {};
+    const size_t begin = excerpt.packageBegin(static_cast<size_t>(match.position(1)));
+    return layerName.substr(begin, excerpt.stop - begin);
+}
+
+void brevoldAppTypeCheck(std::string layerName) {
+    checkAppType(layerName);
+}
+
+void brevoldLayerStatusCheck(bool skip, std::string layerName, int keyA, int keyB) {
+    checkLayerStatus(skip, layerName, keyA, keyB);
+}
+
+void brevoldBufferMonitor(int lastMaxQueuedFrames, std::string peerLayerName, std::string layerName,
+                          int64_t diffSFToQB, int64_t diffQB, int64_t sfTime, int64_t /*reserved*/,
+                          int64_t refreshPeriod) {
+    monitorBuffer(lastMaxQueuedFrames, peerLayerName, layerName, diffSFToQB, diffQB, sfTime,
+                  refreshPeriod);
 }
 
 void checkRefreshRateChange(void* info) {
@@ -237,25 +254,15 @@ int brevoldOnFrameAvailable(LayerFrameInfo* info) {
     if (!gScalingEnabled && !gJr10Enabled) return 0;
 
     const bool skip = info->skipLayerCheck != 0;
-    const int32_t keyB = info->layerKeyB;
-    const int32_t keyA = info->layerKeyA;
-    const int32_t lastMaxQueuedFrames = info->lastMaxQueuedFrames;
-    std::string peerLayerName = info->peerLayerName;
-    std::string layerName = info->layerName;
-    const int64_t qbTime = info->qbTime;
-    const int64_t lastQbTime = info->lastQbTime;
-    const int64_t sfTime = info->sfTime;
-    const int64_t refreshPeriod = info->refreshPeriod;
-
-    if (!skip) brevoldAppTypeCheck(layerName);
-    brevoldLayerStatusCheck(skip, layerName, keyA, keyB);
+    if (!skip) checkAppType(info->layerName);
+    checkLayerStatus(skip, info->layerName, info->layerKeyA, info->layerKeyB);
 
     // Extreme stamps overflow, and abort, also where the monitor is not called below.
-    const int64_t diffSFToQB = checkedSub(qbTime, sfTime);
-    const int64_t diffQB = checkedSub(qbTime, lastQbTime);
-    if (lastQbTime != -1) {
-        brevoldBufferMonitor(lastMaxQueuedFrames, std::move(peerLayerName), std::move(layerName),
-                             diffSFToQB, diffQB, sfTime, 0, refreshPeriod);
+    const int64_t diffSFToQB = checkedSub(info->qbTime, info->sfTime);
+    const int64_t diffQB = checkedSub(info->qbTime, info->lastQbTime);
+    if (info->lastQbTime != -1) {
+        monitorBuffer(info->lastMaxQueuedFrames, info->peerLayerName, info->layerName, diffSFToQB,
+                      diffQB, info->sfTime, info->refreshPeriod);
     }
     return 0;
 }

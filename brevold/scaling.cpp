@@ -3,8 +3,8 @@
 #include <cstring>
 
 #include "brevold/brevold.h"
-#include "brevold/platform.h"
 #include "brevold/frame_rate.h"
+#include "brevold/platform.h"
 #include "brevold/scaling_sync_thread.h"
 #include "brevold/state.h"
 

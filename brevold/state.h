@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
-#include "brevold/perf_client.h"
 #include "brevold/frame_rate.h"
+#include "brevold/perf_client.h"
 #include "brevold/scaling_sync_thread.h"
 
 // The process-wide state. What carries no guard is read and written without a lock on purpose:

@@ -67,6 +67,18 @@ int gSignalCount;
 bool gIsHeld;
 thread_local int32_t tWorker = -1;
 
+/** Tells of a worker's end when its thread is done with everything, its last log line too. */
+struct ThreadEnd {
+    Worker* worker = nullptr;
+    ~ThreadEnd() {
+        if (worker == nullptr) return;
+        const std::lock_guard lock(gGate);
+        worker->hasEnded = true;
+        gRealSignal(&gGateChanged);
+    }
+};
+thread_local ThreadEnd tThreadEnd;
+
 std::atomic<int64_t> gTimeNs;  // relaxed: a clock orders no thread behind another
 std::atomic<uint64_t> gTraceTags{UINT64_MAX};
 std::mutex gOutputLock;
@@ -195,8 +207,7 @@ int waitAsWorker(Worker& worker, pthread_cond_t* condition, pthread_mutex_t* mut
         if (!worker.hasWakeUp || gIsHeld) continue;
         worker.hasWakeUp = false;
         worker.isWaiting = false;
-        worker.hasEnded = worker.waitError != 0;
-        if (worker.hasEnded) gRealSignal(&gGateChanged);
+        if (worker.waitError != 0) tThreadEnd.worker = &worker;
         return worker.waitError;
     }
 }

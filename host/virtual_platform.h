@@ -49,7 +49,7 @@ std::vector<TraceMark> takeTraceMarks();
 /** Every android::Thread that was run, in that order. */
 std::vector<StartedThread> startedThreads();
 
-/** Blocks until every started thread waits on its condition and no wake-up is under way. */
+/** Blocks until every started thread has ended, or waits and no wake-up is under way. */
 void settle();
 
 /**

@@ -27,13 +27,16 @@ TEST_F(InitTest, ReadsEverySwitchInOrderWithItsDefault) {
 
 TEST_F(InitTest, WithoutAllowedFeaturesOnlyTheRefreshRateSwitchIsRead) {
     provideClient();
-    provideFeatures("without_function");
     switchEverythingOn();
-    EXPECT_TRUE(initialise());
-    EXPECT_EQ(gDevice.reads,
-              (Texts{"vendor.display.use_smooth_motion=0", "vendor.perf.fps_switch.enable=0"}));
-    EXPECT_TRUE(host::startedThreads().empty());
-    EXPECT_TRUE(takeLogTexts().empty());
+    for (const bool hasLibrary : {false, true}) {
+        if (hasLibrary) provideFeatures("without_function");
+        android::clearConfigs();
+        EXPECT_TRUE(initialise());
+        EXPECT_EQ(std::exchange(gDevice.reads, {}),
+                  (Texts{"vendor.display.use_smooth_motion=0", "vendor.perf.fps_switch.enable=0"}));
+        EXPECT_TRUE(host::startedThreads().empty());
+        EXPECT_TRUE(takeLogTexts().empty());
+    }
 }
 
 struct SwitchCase {

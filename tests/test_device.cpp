@@ -147,7 +147,9 @@ int testPerfHint(int hint, const char* package, int duration, int type) {
     snprintf(text, sizeof(text), "hint %d %s%d 0x%x", hint, package == nullptr ? "" : package,
              duration, static_cast<unsigned>(type));
     gDevice.calls.push_back(text);
-    return gDevice.nextHandle > 0 ? gDevice.nextHandle++ : gDevice.nextHandle;
+    const int handle = gDevice.nextHandle > 0 ? gDevice.nextHandle++ : gDevice.nextHandle;
+    if (gDevice.duringHint != nullptr) gDevice.duringHint();
+    return handle;
 }
 
 android::PerfSetting testPerfGetProp(const char* key, const char* fallback) {

@@ -30,6 +30,8 @@ struct Device {
     int nextHandle = 1;
     /** Asked instead, on whichever thread sends the hint, where not null. */
     int (*onHint)(int hint, int duration, int type) = nullptr;
+    /** Called while the service works on a hint, on the caller's thread. */
+    void (*duringHint)() = nullptr;
     /** "hint 4166 19 0x4101f4", "release 7", "query 5633 com.example.game", in order. */
     Texts calls;
     /** Property names, feature numbers, in order. */
