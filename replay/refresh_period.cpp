@@ -15,7 +15,7 @@ constexpr int64_t kStayPercent = 4;
 constexpr int64_t kMostTicks = 3;
 constexpr int64_t kLongestIntervalNs = 52'000'000;
 constexpr size_t kWindow = 15;
-constexpr size_t kConfirmations = 8;
+constexpr size_t kConfirmations = 12;
 
 bool isWithin(int64_t percent, int64_t lengthNs, int64_t referenceNs) {
     return std::abs(lengthNs - referenceNs) * 100 <= referenceNs * percent;

@@ -35,7 +35,7 @@ int64_t periodOfRate(double rateHz);
  * twice or thrice a period is read as that period, of which ticks were skipped; the lowest of 60,
  * 90 and 120 Hz is preferred, unless the period until then fits too.
  *
- * Intervals too long for a display are pauses, and left out. A change has to hold for some fifteen
+ * Intervals too long for a display are pauses, and left out. A change has to hold for some twenty
  * intervals; it is then dated back to the first of them. The first entry is the initial period, its
  * time without meaning. Empty where fewer than two intervals are left, or none of them tells.
  */

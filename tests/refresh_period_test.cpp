@@ -74,7 +74,10 @@ TEST(RefreshPeriodTest, ReadsThePeriods) {
              kKeep,
              {kPeriod60Ns, 20'000'000}},
             {"pauses and odd ones",
-             Ticks().add(40, 16'700'000).add(9, 600'000'000).add(7, 8'000'000).add(40, 16'700'000),
+             Ticks().add(40, 16'700'000)
+                     .add(30, 600'000'000)
+                     .add(10, 8'300'000)
+                     .add(40, 16'700'000),
              kKeep,
              {kPeriod60Ns}},
             {"a change during a pause",
@@ -96,7 +99,7 @@ TEST(RefreshPeriodTest, DatesAChangeBack) {
     const int64_t firstNs = ticks.timeNs();
     ticks.add(100, kPeriod90Ns, 1'000'000);
     const int64_t secondNs = ticks.timeNs();
-    ticks.add(16, kPeriod60Ns, 1'000'000);
+    ticks.add(25, kPeriod60Ns, 1'000'000);
 
     const auto changes = followPeriod(ticks.intervals(), UnknownRate::Keep);
     ASSERT_EQ(changes.size(), 3u);

@@ -91,7 +91,7 @@ Texts layersOf(const Timeline& timeline) {
 TEST(TimelineTest, KeepsTheOrderOfTheTrace) {
     const Timeline timeline = Trace().add(0, 5, "sched_switch: x")
                                       .add(10, 92, "C|90|VSYNC|1")
-                                      .add(20, kBinder, "C|90|BufferTX - a#3|0")
+                                      .add(20, kBinder, "C|90|BufferTX - a#3|-4")
                                       .add(20, kBinder, "C|90|BufferTX - a#3|2")
                                       .add(30, kMain, "B|90|commit 7")
                                       .add(30, kMain, "C|90|BufferTX - a#3|1")
@@ -101,7 +101,7 @@ TEST(TimelineTest, KeepsTheOrderOfTheTrace) {
                                       .add(50, 5, "sched_switch: x")
                                       .read();
     EXPECT_EQ(eventsOf(timeline),
-              (Texts{"1 vsync", "2 a#3=2", "3 begin", "3 a#3=1", "3 end", "3 vsync"}));
+              (Texts{"10 vsync", "20 a#3=2", "30 begin", "30 a#3=1", "30 end", "30 vsync"}));
     EXPECT_EQ(timeline.events.front().kind, TimelineEvent::Kind::Period);
     EXPECT_EQ(timeline.startNs, 0);
     EXPECT_EQ(timeline.endNs, 5'000'000);
@@ -115,20 +115,18 @@ TEST(TimelineTest, TellsLayersFromOtherCounters) {
     trace.add(0, kMain, "B|90|postFramebuffer").add(1, kMain, "E");
     trace.add(2, kBinder, "B|90|Slotted: 3").add(3, kBinder, "E");
     trace.add(4, kBinder, "B|90|FramebufferSurface: 1").add(5, kBinder, "E");
-    for (int i = 0; i < 3; ++i) {
-        const int time = 100 * (i + 1);
-        for (const char* name : {"Crossing", "aq:x", "oq:x", "wq:x", "iq", "x fps", "x duration",
-                                 "FrameMissed", "PrevFrameMissed", "FramebufferSurface", "VSP-mode",
-                                 "VirtualDisplaySurface-1", "HW_VSYNC_ON_0", "VSYNC-app"}) {
-            trace.frame(time, name);
-        }
-        trace.add(time + 50, kMain, "C|90|OnMain|1").add(time + 51, kMain, "C|90|OnMain|0");
-        trace.add(time + 52, kBinder, "C|90|OnBinder|1").add(time + 53, kBinder, "C|90|OnBinder|0");
-        trace.add(time + 54, 7, "C|77|Crossing|1").add(time + 55, kMain, "C|77|Crossing|0");
+    int time = 100;
+    for (const char* name : {"Crossing", "aq:x", "oq:x", "wq:x", "iq", "x fps", "x duration",
+                             "FrameMissed", "PrevFrameMissed", "FramebufferSurface", "VSP-mode",
+                             "VirtualDisplaySurface-1", "HW_VSYNC_ON_0", "VSYNC-app"}) {
+        trace.frame(time += 20, name);
     }
+    trace.add(500, kMain, "C|90|OnMain|1").add(501, kMain, "C|90|OnMain|0");
+    trace.add(502, kBinder, "C|90|OnBinder|1").add(503, kBinder, "C|90|OnBinder|0");
+    trace.add(504, 7, "C|77|Elsewhere|1").add(505, kMain, "C|77|Elsewhere|0");
     trace.add(900, kMain, "C|90|Slotted|1");
-    EXPECT_EQ(layersOf(trace.read()), (Texts{"Slotted#0 1", "Crossing#0 3"}));
-    trace.add(950, kBinder, "C|90|BufferTX - Newer#12|-4").frame(960, "BufferTX - Newer#12");
+    EXPECT_EQ(layersOf(trace.read()), (Texts{"Slotted#0 1", "Crossing#0 1"}));
+    trace.frame(950, "BufferTX - Newer#12");
     EXPECT_EQ(layersOf(trace.read()), Texts{"Newer#12 1"});
 }
 
@@ -153,18 +151,21 @@ TEST(TimelineTest, CountsOnlyTheOutermostCompositions) {
                                       .add(51, kMain, "E")
                                       .add(60, kMain, "B|90|composite 3")
                                       .read();
-    EXPECT_EQ(eventsOf(timeline), (Texts{"0 a#0=1", "1 a#0=0", "2 begin", "2 end", "4 begin",
-                                         "4 end", "5 begin", "5 end"}));
+    EXPECT_EQ(eventsOf(timeline), (Texts{"1 a#0=1", "11 a#0=0", "23 begin", "27 end", "40 begin",
+                                         "41 end", "50 begin", "51 end"}));
     EXPECT_EQ(timeline.compositionSource, "composite sections");
 }
 
 TEST(TimelineTest, TakesLatchesForCompositions) {
     const Timeline timeline = Trace().frame(0, "BufferTX - a#1")
-                                      .frame(40, "BufferTX - b#2")
-                                      .frame(41, "BufferTX - a#1")
+                                      .frame(41, "BufferTX - b#2")
+                                      .add(60, kBinder, "C|90|BufferTX - a#1|1")
+                                      .add(90, kMain, "C|90|BufferTX - a#1|0")
+                                      .frame(100, "BufferTX - b#2")
                                       .read();
-    EXPECT_EQ(eventsOf(timeline), (Texts{"0 a#1=1", "1 begin", "1 a#1=0", "4 b#2=1", "5 b#2=0",
-                                         "5 end", "4 a#1=1", "5 begin", "5 a#1=0", "5 end"}));
+    EXPECT_EQ(eventsOf(timeline), (Texts{"0 a#1=1", "10 begin", "10 a#1=0", "10 end", "41 b#2=1",
+                                         "51 begin", "51 b#2=0", "60 a#1=1", "90 a#1=0", "90 end",
+                                         "100 b#2=1", "110 begin", "110 b#2=0", "110 end"}));
     EXPECT_EQ(timeline.compositionSource, "latches");
     EXPECT_EQ(timeline.vsyncSource, "none in the trace");
 }
