@@ -65,19 +65,18 @@ pthread_cond_t gGateChanged = PTHREAD_COND_INITIALIZER;
 std::deque<Worker> gWorkers;  // references stay valid as it grows
 int gSignalCount;
 bool gIsHeld;
-thread_local int32_t tWorker = -1;
 
-/** Tells of a worker's end when its thread is done with everything, its last log line too. */
-struct ThreadEnd {
-    Worker* worker = nullptr;
-    ~ThreadEnd() {
-        if (worker == nullptr) return;
+/** Its end is the thread's: behind all that the worker does and logs once its wait has failed. */
+struct WorkerIndex {
+    int32_t value = -1;
+    ~WorkerIndex() {
+        if (value < 0) return;
         const std::lock_guard lock(gGate);
-        worker->hasEnded = true;
+        gWorkers[static_cast<size_t>(value)].hasEnded = true;
         gRealSignal(&gGateChanged);
     }
 };
-thread_local ThreadEnd tThreadEnd;
+thread_local WorkerIndex tWorker;
 
 std::atomic<int64_t> gTimeNs;  // relaxed: a clock orders no thread behind another
 std::atomic<uint64_t> gTraceTags{UINT64_MAX};
@@ -114,7 +113,7 @@ void wake(size_t thread, int error) {
 
 void addTraceMark(bool isBegin, const char* label) {
     const std::lock_guard lock(gOutputLock);
-    gTraceMarks.push_back({gTimeNs, tWorker, isBegin, label});
+    gTraceMarks.push_back({gTimeNs, tWorker.value, isBegin, label});
 }
 
 }  // namespace
@@ -207,7 +206,6 @@ int waitAsWorker(Worker& worker, pthread_cond_t* condition, pthread_mutex_t* mut
         if (!worker.hasWakeUp || gIsHeld) continue;
         worker.hasWakeUp = false;
         worker.isWaiting = false;
-        if (worker.waitError != 0) tThreadEnd.worker = &worker;
         return worker.waitError;
     }
 }
@@ -225,7 +223,7 @@ extern "C" int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mut
         worker = workerOf(condition);
         if (worker != nullptr) {
             for (size_t i = 0; i < gWorkers.size(); ++i) {
-                if (&gWorkers[i] == worker) tWorker = static_cast<int32_t>(i);
+                if (&gWorkers[i] == worker) tWorker.value = static_cast<int32_t>(i);
             }
         }
     }
