@@ -8,6 +8,9 @@
 
 namespace brevold::replay {
 
+/** Whether a text of which this is the begin holds the header of an ftrace, or an event. */
+bool beginsAsFtrace(std::string_view head);
+
 /** Splits a text into lines. */
 class LineReader {
   public:

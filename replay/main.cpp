@@ -29,7 +29,8 @@ struct Options {
 };
 
 void addOptions(CLI::App& app, Options& options) {
-    app.add_option("TRACE", options.traces, "ftrace text, as atrace or systrace writes it")
+    app.add_option("TRACE", options.traces,
+                   "ftrace text or a systrace page, also gzip-compressed; - for standard input")
             ->required();
     app.add_option("--profile", options.profile, "the device to play: a file of key=value lines")
             ->type_name("FILE");
@@ -73,8 +74,10 @@ void writeHints(const std::string& path, const Recording& recording) {
 }
 
 /** Replays one trace, and prints what is not for the whole run. */
-TraceResult replayTrace(const std::string& trace, const Options& options) {
-    const Timeline timeline = readTimeline(trace, options.timeline);
+TraceResult replayTrace(const std::string& path, const Options& options) {
+    TraceInput input(path);
+    const std::string& trace = input.name();
+    const Timeline timeline = readTimeline(input, options.timeline);
     const Recording recording = playIsolated(timeline, {});
     TraceResult result = {summarise(trace, timeline, recording), {}};
     std::vector<Parting> partings;

@@ -1,10 +1,6 @@
 #include "replay/timeline.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <tuple>
 
 #include "replay/compositor.h"
@@ -245,15 +241,13 @@ Timeline readTimeline(std::istream& input, const std::string& path,
     return timeline;
 }
 
+Timeline readTimeline(TraceInput& input, const TimelineOptions& options) {
+    return readTimeline(input.openText(), input.name(), options);
+}
+
 Timeline readTimeline(const std::string& path, const TimelineOptions& options) {
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) {
-        throw InputError(path + ": is a directory, expected a file of ftrace text");
-    }
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw InputError(path + ": cannot be opened: " + strerror(errno));
-    return readTimeline(file, path, options);
+    TraceInput input(path);
+    return readTimeline(input, options);
 }
 
 }  // namespace brevold::replay

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "replay/input_error.h"
+#include "replay/trace_input.h"
 
 namespace brevold::replay {
 
@@ -53,9 +54,10 @@ struct TimelineOptions {
 };
 
 /** Reads a whole trace. Throws InputError. */
+Timeline readTimeline(TraceInput& input, const TimelineOptions& options);
 Timeline readTimeline(const std::string& path, const TimelineOptions& options);
 
-/** Reads a whole trace from a stream that messages call by the path. Throws InputError. */
+/** Reads a whole ftrace text from a stream that messages call by the path. Throws InputError. */
 Timeline readTimeline(std::istream& input, const std::string& path, const TimelineOptions& options);
 
 }  // namespace brevold::replay
