@@ -148,15 +148,15 @@ bool FtraceReader::next(TraceMark* mark) {
         if (text.empty() || text.front() == '#') continue;
         EventLine line;
         if (!parseEventLine(text, &line)) {
-            ++mStrayLines;
+            mStray.add(mLines.lineNumber());
             continue;
         }
-        if (mHasEvents && line.timeNs < mEndNs) {
-            ++mBackwardLines;
+        mIsBackward = mEvents > 0 && line.timeNs < mEndNs;
+        if (mIsBackward) {
+            mBackward.add(mLines.lineNumber());
             continue;
         }
-        if (!mHasEvents) mStartNs = line.timeNs;
-        mHasEvents = true;
+        if (mEvents++ == 0) mStartNs = line.timeNs;
         mEndNs = line.timeNs;
 
         const std::string_view event = takeUntil(':', &line.event);
@@ -203,10 +203,14 @@ bool FtraceReader::parseCounter(std::string_view fields, TraceMark* mark) const 
 
 void FtraceReader::checkEnd() const {
     if (mLines.isEmpty()) throw InputError(mPath + ": is empty, expected ftrace text");
-    if (!mHasEvents) throw InputError(mPath + ": holds no trace events, expected ftrace text");
+    if (mEvents == 0) throw InputError(mPath + ": holds no trace events, expected ftrace text");
     if (mLines.isCutShort()) {
         throw InputError(mPath + ":" + std::to_string(mLines.lineNumber() + 1) +
                          ": ends in the middle of a line; was the recording cut short?");
+    }
+    if (mBackward.lines > mEvents) {
+        throw InputError(mPath + ":" + std::to_string(mBackward.firstLine) +
+                         ": most lines go back in time from here on; is an earlier time wrong?");
     }
 }
 

@@ -41,9 +41,8 @@ struct Timeline {
     std::string periodSource;
     std::string compositionSource;
     std::string vsyncSource;
-    /** Lines left out: no trace event, or earlier in time than a line above. */
-    int64_t strayLines = 0;
-    int64_t backwardLines = 0;
+    /** What is odd in the trace, a kind each, with its count and its first line. */
+    std::vector<std::string> warnings;
 };
 
 struct TimelineOptions {
