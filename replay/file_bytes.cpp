@@ -81,7 +81,9 @@ FileBytes::FileBytes(const std::string& path, std::string name) : mName(std::mov
     Descriptor file = openSeekable(path, mName);
     mFile = gzdopen(file.get(), "rb");
     if (mFile == nullptr) throw InputError(mName + ": cannot be opened: no memory");
-    file.release();
+    struct stat status;
+    fstat(file.release(), &status);
+    mFileBytes = status.st_size;
     gzbuffer(mFile, kBlockBytes);
 }
 
@@ -92,7 +94,11 @@ FileBytes::~FileBytes() {
 size_t FileBytes::read(char* bytes, size_t size) {
     errno = 0;
     const int count = gzread(mFile, bytes, static_cast<unsigned>(size));
-    if (count > 0) return static_cast<size_t>(count);
+    if (count > 0) {
+        if (mProgress) mProgress->update(gzoffset(mFile));
+        return static_cast<size_t>(count);
+    }
+    mProgress.reset();
     int error = Z_OK;
     gzerror(mFile, &error);
     if (error == Z_ERRNO) failWithErrno(mName, "cannot be read");
@@ -105,6 +111,7 @@ size_t FileBytes::read(char* bytes, size_t size) {
 
 void FileBytes::rewind() {
     if (gzrewind(mFile) != 0) failWithErrno(mName, "cannot be read a second time");
+    mProgress.emplace("reading", mFileBytes);
 }
 
 }  // namespace brevold::replay

@@ -1,7 +1,11 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <optional>
 #include <string>
+
+#include "replay/progress.h"
 
 struct gzFile_s;
 
@@ -21,12 +25,14 @@ class FileBytes {
 
     /** Count of the bytes read, less than the size only before the end. Throws InputError. */
     size_t read(char* bytes, size_t size);
-    /** To the first byte. */
+    /** To the first byte; the progress of reading shows from here to the end. */
     void rewind();
 
   private:
     const std::string mName;
     gzFile_s* mFile;
+    int64_t mFileBytes;
+    std::optional<Progress> mProgress;
 };
 
 }  // namespace brevold::replay

@@ -40,6 +40,7 @@ class TimelineBuilder {
             return std::tie(a.event.timeNs, a.line, a.place) <
                    std::tie(b.event.timeNs, b.line, b.place);
         });
+        mTimeline.events.reserve(mEvents.size());
         for (const PlacedEvent& placed : mEvents)
             mTimeline.events.push_back(placed.event);
     }
