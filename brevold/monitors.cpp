@@ -4,6 +4,7 @@
 #include <string>
 
 #include "brevold/brevold.h"
+#include "brevold/layer_name.h"
 #include "brevold/platform.h"
 #include "brevold/frame_rate.h"
 #include "brevold/state.h"
@@ -124,9 +125,11 @@ void postJankBoostWhenDue(int queuedFrames, int suppress) REQUIRES(gLock) {
 
 std::string getPackageName(const std::string& layerName) {
     const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+", std::regex::ECMAScript);
+    const LayerNameExcerpt excerpt(layerName);
     std::smatch match;
-    if (!std::regex_match(layerName, match, expression)) return {};
-    return match[1].str();
+    if (!std::regex_match(excerpt.text, match, expression)) return {};
+    const size_t begin = excerpt.packageBegin(static_cast<size_t>(match.position(1)));
+    return layerName.substr(begin, excerpt.stop - begin);
 }
 
 void brevoldAppTypeCheck(std::string layerName) {

@@ -9,8 +9,6 @@ namespace {
 
 using InitTest = DeviceTest;
 
-constexpr char kOpenFailed[] = "Failed to get hwopt handle.\n";
-
 TEST_F(InitTest, ReadsEverySwitchInOrderWithItsDefault) {
     provideClient();
     provideFeatures();
@@ -39,48 +37,44 @@ TEST_F(InitTest, WithoutAllowedFeaturesOnlyTheRefreshRateSwitchIsRead) {
 }
 
 struct SwitchCase {
-    const char* name;
     std::set<int> features;
-    std::map<std::string, std::string> properties;
+    // Settings; null is not set.
+    const char *pfar, *jr10, *fpsSwitch;
     bool anyFeature;
     size_t workers;
 };
 
-void PrintTo(const SwitchCase& c, std::ostream* out) {
-    *out << c.name;
-}
-
-class SwitchTest : public DeviceTest, public testing::WithParamInterface<SwitchCase> {};
-
-TEST_P(SwitchTest, DecidesFeaturesAndWorkers) {
+TEST_F(InitTest, SwitchesDecideFeaturesAndWorkers) {
     provideClient();
     provideFeatures();
-    gDevice.features = GetParam().features;
-    gDevice.properties = GetParam().properties;
-    EXPECT_EQ(initialise(), GetParam().anyFeature);
-    EXPECT_EQ(initialise(), GetParam().anyFeature);
-    EXPECT_EQ(host::startedThreads().size(), GetParam().workers);
+    const SwitchCase cases[] = {
+            {{}, nullptr, nullptr, nullptr, false, 0},
+            {{5}, "1", nullptr, nullptr, true, 2},
+            {{5}, " 1x", nullptr, nullptr, true, 2},  // as atoi reads it
+            {{5}, "2", nullptr, nullptr, false, 0},
+            {{5}, "on", nullptr, nullptr, false, 0},
+            {{5}, nullptr, nullptr, nullptr, false, 0},
+            {{4}, "1", "0", nullptr, false, 0},
+            {{4}, nullptr, nullptr, nullptr, true, 0},
+            {{4}, nullptr, "0", nullptr, false, 0},
+            {{}, "1", "1", "1", true, 0},
+    };
+    size_t workers = 0;
+    for (const SwitchCase& c : cases) {
+        gDevice.features = c.features;
+        gDevice.properties.clear();
+        if (c.pfar != nullptr) gDevice.properties["vendor.perf.pfar.enable"] = c.pfar;
+        if (c.jr10 != nullptr) gDevice.properties["vendor.perf.jr10.enable"] = c.jr10;
+        if (c.fpsSwitch != nullptr) {
+            gDevice.properties["vendor.perf.fps_switch.enable"] = c.fpsSwitch;
+        }
+        android::clearConfigs();
+        EXPECT_EQ(initialise(), c.anyFeature) << &c - cases;
+        EXPECT_EQ(initialise(), c.anyFeature) << &c - cases;
+        workers += c.workers;
+        EXPECT_EQ(host::startedThreads().size(), workers) << &c - cases;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-        Switches, SwitchTest,
-        testing::Values(
-                SwitchCase{"nothing", {}, {}, false, 0},
-                SwitchCase{"scaling", {5}, {{"vendor.perf.pfar.enable", "1"}}, true, 2},
-                SwitchCase{
-                        "scalingAsAtoiReadsIt", {5}, {{"vendor.perf.pfar.enable", " 1x"}}, true, 2},
-                SwitchCase{"scalingNotOne", {5}, {{"vendor.perf.pfar.enable", "2"}}, false, 0},
-                SwitchCase{"scalingNoNumber", {5}, {{"vendor.perf.pfar.enable", "on"}}, false, 0},
-                SwitchCase{"scalingNotSet", {5}, {}, false, 0},
-                SwitchCase{"scalingNotAllowed",
-                           {4},
-                           {{"vendor.perf.pfar.enable", "1"}, {"vendor.perf.jr10.enable", "0"}},
-                           false,
-                           0},
-                SwitchCase{"jankBoost", {4}, {}, true, 0},
-                SwitchCase{"jankBoostOff", {4}, {{"vendor.perf.jr10.enable", "0"}}, false, 0},
-                SwitchCase{"refreshRate", {}, {{"vendor.perf.fps_switch.enable", "1"}}, true, 0}),
-        [](const auto& test) { return test.param.name; });
 
 TEST_F(InitTest, StartsBothWorkersAndNewOnesAfterAClear) {
     provideClient();
@@ -107,7 +101,7 @@ TEST_F(InitTest, WithoutClientLibraryNothingIsOn) {
     ASSERT_EQ(log.size(), 2u);
     EXPECT_EQ(log[0].rfind("Unable to open libvnx-perfd-client_system.so: ", 0), 0u);
     EXPECT_EQ(log[0].substr(log[0].size() - 2), "\n.");
-    EXPECT_EQ(log[1], kOpenFailed);
+    EXPECT_EQ(log[1], "Failed to get hwopt handle.\n");
     EXPECT_EQ(android::getOptHandle(), nullptr);
     EXPECT_EQ(takeLogTexts().size(), 1u);
 }
@@ -122,69 +116,48 @@ TEST_F(InitTest, FeatureSwitchIsClosedAgain) {
 }
 
 TEST_F(InitTest, ClientHandleIsTheSameEveryTime) {
-    provideClient();
-    void* const handle = android::initPerfLock();
-    EXPECT_NE(handle, nullptr);
+    void* const handle = provideClient();
+    EXPECT_EQ(android::initPerfLock(), handle);
     EXPECT_EQ(android::initPerfLock(), handle);
     EXPECT_EQ(android::getOptHandle(), handle);
-    EXPECT_TRUE(takeLogTexts().empty());
 }
 
-struct MissingCase {
-    const char* function;
-    Texts log;
-    bool anyFeature;
-};
-
-void PrintTo(const MissingCase& c, std::ostream* out) {
-    *out << c.function;
-}
-
-class MissingFunctionTest : public DeviceTest, public testing::WithParamInterface<MissingCase> {};
+class MissingFunctionTest : public DeviceTest, public testing::WithParamInterface<const char*> {};
 
 TEST_P(MissingFunctionTest, IsLoggedAndOnlyItsUserIsOff) {
-    provideClient(std::string("without_") + GetParam().function);
+    const std::string missing = GetParam();
+    provideClient("without_" + missing);
     provideFeatures();
     switchEverythingOn();
-    EXPECT_EQ(initialise(), GetParam().anyFeature);
-    EXPECT_EQ(takeLogTexts(), GetParam().log);
+    EXPECT_EQ(initialise(), missing != "perf_get_prop");
     report(1, 0, 0, kPeriod60Ns);
     report(1, 0, 0, kPeriod90Ns);
-    Texts expected = {"hint 4244 0 0x3c", "query 5633 com.example.game", "release 1",
-                      "hint 4244 0 0x5a"};
-    const std::string missing = GetParam().function;
-    if (missing == "perf_get_prop") expected = {};
-    if (missing == "perf_hint") expected = {"query 5633 com.example.game"};
-    if (missing == "perf_lock_rel") expected.erase(expected.begin() + 2);
-    if (missing == "perf_get_feedback") expected.erase(expected.begin() + 1);
-    EXPECT_EQ(takeCalls(), expected);
+
+    const std::string user = missing == "perf_hint"       ? "gPerfHintUpdate"
+                             : missing == "perf_get_prop" ? "gPerfGetProp"
+                             : missing == "perf_lock_rel" ? "gPerfLockRel"
+                                                          : "gPerfGetFeedback";
+    Texts log = {"Unable to get " + user + " function handle.\n"};
+    Texts calls = {"hint 4244 0 0x3c", "query 5633 com.example.game", "release 1",
+                   "hint 4244 0 0x5a"};
+    if (missing == "perf_get_prop") calls = {};
+    if (missing == "perf_lock_rel") calls.erase(calls.begin() + 2);
+    if (missing == "perf_get_feedback") calls.erase(calls.begin() + 1);
+    if (missing == "perf_hint") {
+        calls = {calls[1]};
+        log.insert(log.end(), 2, "Unable to get mPerfHint function handle.\n");
+    }
+    EXPECT_EQ(takeLogTexts(), log);
+    EXPECT_EQ(takeCalls(), calls);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-        Functions, MissingFunctionTest,
-        testing::Values(MissingCase{"perf_hint",
-                                    {"Unable to get gPerfHintUpdate function handle.\n",
-                                     "Unable to get mPerfHint function handle.\n",
-                                     "Unable to get mPerfHint function handle.\n"},
-                                    true},
-                        MissingCase{"perf_get_prop",
-                                    {"Unable to get gPerfGetProp function handle.\n"},
-                                    false},
-                        MissingCase{"perf_lock_rel",
-                                    {"Unable to get gPerfLockRel function handle.\n"},
-                                    true},
-                        MissingCase{"perf_get_feedback",
-                                    {"Unable to get gPerfGetFeedback function handle.\n"},
-                                    true}),
-        [](const auto& test) { return test.param.function; });
-
-struct DebugLayersCase {
-    const char* setting;
-    Texts layers;
-};
+INSTANTIATE_TEST_SUITE_P(Functions, MissingFunctionTest,
+                         testing::Values("perf_hint", "perf_get_prop", "perf_lock_rel",
+                                         "perf_get_feedback"),
+                         [](const auto& test) { return std::string(test.param); });
 
 TEST_F(InitTest, DebugLayersAreSplitAtSingleBlanks) {
-    const DebugLayersCase cases[] = {
+    const std::pair<const char*, Texts> cases[] = {
             {"", {}},
             {"a", {"a"}},
             {"a b", {"a", "b"}},
@@ -194,14 +167,14 @@ TEST_F(InitTest, DebugLayersAreSplitAtSingleBlanks) {
             {" ", {""}},
             {"a\tb,c\nd", {"a\tb,c\nd"}},
     };
-    for (const DebugLayersCase& c : cases) {
+    for (const auto& [setting, layers] : cases) {
         char list[92];
-        strcpy(list, c.setting);
+        strcpy(list, setting);
         std::vector<std::string> out = {"kept"};
         android::addDebugLayers(list, out);
         Texts expected = {"kept"};
-        expected.insert(expected.end(), c.layers.begin(), c.layers.end());
-        EXPECT_EQ(out, expected) << '"' << c.setting << '"';
+        expected.insert(expected.end(), layers.begin(), layers.end());
+        EXPECT_EQ(out, expected) << '"' << setting << '"';
     }
 }
 

@@ -1,3 +1,5 @@
+#include <regex>
+
 #include "tests/test_device.h"
 
 namespace brevold::test {
@@ -46,6 +48,56 @@ TEST_F(LayerTest, PackageNameOfALayerName) {
         // The zero byte ends the expected text, so compare that much.
         EXPECT_STREQ(android::getPackageName(c.layer).c_str(), c.package) << c.layer;
     }
+}
+
+/** Every name of up to so many tokens, each also with an end that a package needs. */
+void compareWithExpression(const std::string& name, int tokensLeft, size_t& compared) {
+    static const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+");
+    for (const std::string& layer : {name, name + "#7"}) {
+        std::smatch match;
+        const bool isMatch = std::regex_match(layer, match, expression);
+        const std::string package = android::getPackageName(layer);
+        ASSERT_EQ(package, isMatch ? match[1].str() : "") << testing::PrintToString(layer);
+        ++compared;
+    }
+    if (tokensLeft == 0) return;
+    for (const char* token :
+         {"SurfaceView", "S", "a", "/", "#", "0", "-", " ", "\t", "\n", "\r", "\xe9"}) {
+        compareWithExpression(name + token, tokensLeft - 1, compared);
+        if (testing::Test::HasFatalFailure()) return;
+    }
+}
+
+TEST_F(LayerTest, PackageNameIsTheExpressionsForEveryShortName) {
+    constexpr int kTokens = 5;
+    size_t compared = 0;
+    compareWithExpression("", kTokens, compared);
+    EXPECT_EQ(compared, 2u * 271453);  // 12^0 + ... + 12^5
+}
+
+TEST_F(LayerTest, PackageNameOfALongNameIsFoundWithoutMatchingAllOfIt) {
+    constexpr size_t kLongest = 65536;
+    const auto filled = [](const std::string& begin, char fill, const std::string& end) {
+        return begin + std::string(kLongest - begin.size() - end.size(), fill) + end;
+    };
+    const std::string letters(kLongest - 2, 'a');
+    const std::pair<std::string, std::string> cases[] = {
+            // The expression backtracks with the cube of the length, then the square.
+            {filled("SurfaceView", '-', ""), ""},
+            {letters, ""},
+            {filled("", '\n', "/\n#0"), ""},
+            // It matches, and backtracks with the square all the same.
+            {filled("a#", '0', ""), "a"},
+            {filled("a/", '#', "0"), "a"},
+            // It matches at once, but keeps a state for each byte.
+            {letters + "#0", letters},
+            {filled("SurfaceView", ' ', "/#0"), " "},
+            {filled("SurfaceView", '\t', "a/b#0"), "a"},
+            {filled("SurfaceView\n", '\0', "x#0"), std::string(kLongest - 15, '\0') + "x"},
+            {filled("a/", '/', "\r#0"), ""},
+    };
+    for (const auto& [layer, package] : cases)
+        EXPECT_TRUE(android::getPackageName(layer) == package) << layer.substr(0, 16);
 }
 
 TEST_F(LayerTest, AsksTheServiceOncePerNewName) {

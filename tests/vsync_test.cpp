@@ -118,34 +118,35 @@ TEST_F(VsyncTest, NoVerdictWithoutTheSwitch) {
     EXPECT_EQ(brevoldMonitor(0, kPeriod60Ns), 0);
 }
 
-struct BoostCase {
-    int fps;
-    int64_t periodNs;
-    int fewest;
-};
-
 TEST_F(VsyncTest, BoostIsDueByModePeriodAndQueue) {
-    constexpr int kNever = 100;
-    const BoostCase cases[] = {
-            {60, 16000001, 2},       {60, 16999999, 2},      {60, 16000000, kNever},
-            {60, 17000000, kNever},  {90, 10800001, 2},      {90, 11699999, 2},
-            {90, 10800000, kNever},  {90, 11700000, kNever}, {120, 8000001, 2},
-            {120, 8999999, 2},       {120, 8000000, kNever}, {120, 9000000, kNever},
-            {30, 16000001, 3},       {30, 16999999, 3},      {30, 16000000, kNever},
-            {30, 17000000, kNever},  {30, 11111111, kNever}, {60, 11000000, kNever},
-            {90, 16666666, kNever},  {24, 16666666, kNever}, {40, 16666666, kNever},
-            {60, -16666666, kNever}, {60, 0, kNever},
+    struct Row {
+        int fps;
+        int64_t lowNs, highNs;
+        int fewest;
     };
-    for (const BoostCase& c : cases) {
-        report(1, 0, 0, c.periodNs);
-        measure(kSecondNs / c.fps);
-        takeCalls();
-        for (const int queued : {INT_MIN, 0, 1, 2, 3, 50}) {
-            const Texts expected = queued >= c.fewest ? Texts{"hint 4166 2000 0x122710"} : Texts{};
-            EXPECT_EQ(boost(queued), expected) << c.fps << ' ' << c.periodNs << ' ' << queued;
+    const Row rows[] = {{60, 16000001, 16999999, 2},
+                        {90, 10800001, 11699999, 2},
+                        {120, 8000001, 8999999, 2},
+                        {30, 16000001, 16999999, 3},
+                        {24, 1, 0, 2},
+                        {40, 1, 0, 2}};
+    for (const Row& row : rows) {
+        for (const int64_t periodNs :
+             {16000000l, 16000001l, 16999999l, 17000000l, 10800000l, 10800001l, 11699999l,
+              11700000l, 8000000l, 8000001l, 8999999l, 9000000l, -16666666l, 0l}) {
+            report(1, 0, 0, periodNs);
+            measure(kSecondNs / row.fps);
+            takeCalls();
+            const bool isInBand = periodNs >= row.lowNs && periodNs <= row.highNs;
+            for (const int queued : {INT_MIN, 1, 2, 3}) {
+                const Texts expected = isInBand && queued >= row.fewest
+                                               ? Texts{"hint 4166 2000 0x122710"}
+                                               : Texts{};
+                EXPECT_EQ(boost(queued), expected) << row.fps << ' ' << periodNs << ' ' << queued;
+            }
+            for (const int suppress : {1, -1})
+                EXPECT_EQ(boost(3, suppress), Texts{});
         }
-        EXPECT_EQ(boost(50, 1), Texts{});
-        EXPECT_EQ(boost(50, -1), Texts{});
     }
 }
 
