@@ -15,7 +15,7 @@
 namespace brevold::replay {
 namespace {
 
-constexpr unsigned kBlockBytes = 128 * 1024;
+constexpr unsigned kBlockBytes = 32 * 1024;
 
 class Descriptor {
   public:

@@ -11,7 +11,7 @@
 namespace brevold::replay {
 namespace {
 
-constexpr size_t kBlockBytes = 64 * 1024;
+constexpr size_t kBlockBytes = 32 * 1024;
 /** So much of an element tells whether it is a trace. */
 constexpr size_t kHeadBytes = 4096;
 /** What of an element may belong to its end: blanks, and the closing tag. */

@@ -13,7 +13,7 @@ namespace brevold::replay {
 namespace {
 
 constexpr size_t kHeadBytes = 4096;
-constexpr size_t kBlockBytes = 64 * 1024;
+constexpr size_t kBlockBytes = 32 * 1024;
 
 /** A number alone in the first line, or in the second where a warning comes first. */
 bool isLatencyDump(std::string_view head) {
