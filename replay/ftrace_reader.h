@@ -6,7 +6,12 @@
 #include <string_view>
 #include <vector>
 
+#include "replay/line_count.h"
+
 namespace brevold::replay {
+
+/** Whether a text of which this is the begin holds the header of an ftrace, or an event. */
+bool beginsAsFtrace(std::string_view head);
 
 /** Splits a text into lines. */
 class LineReader {
@@ -62,7 +67,8 @@ class FtraceReader {
 
     /**
      * The next mark; false at the end of the trace. Throws InputError for an input that is empty,
-     * no text, without any event or cut short, and for a counter whose value is no whole number.
+     * no text, without any event or cut short, for a counter whose value is no whole number, and
+     * when most events go back in time.
      */
     bool next(TraceMark* mark);
 
@@ -70,8 +76,13 @@ class FtraceReader {
     int64_t startNs() const { return mStartNs; }
     int64_t endNs() const { return mEndNs; }
     /** Lines that were left out: no event, or its time before that of an earlier line. */
-    int64_t strayLines() const { return mStrayLines; }
-    int64_t backwardLines() const { return mBackwardLines; }
+    int64_t strayLines() const { return mStray.lines; }
+    int64_t backwardLines() const { return mBackward.lines; }
+    /** The same with their first lines. */
+    const LineCount& stray() const { return mStray; }
+    const LineCount& backward() const { return mBackward; }
+    /** Whether the last event is a backward one, as the mark that recorders close with. */
+    bool endsBackward() const { return mIsBackward; }
 
   private:
     bool parseMark(std::string_view payload, TraceMark* mark) const;
@@ -80,11 +91,12 @@ class FtraceReader {
 
     const std::string mPath;
     LineReader mLines;
-    bool mHasEvents = false;
+    int64_t mEvents = 0;
     int64_t mStartNs = 0;
     int64_t mEndNs = 0;
-    int64_t mStrayLines = 0;
-    int64_t mBackwardLines = 0;
+    LineCount mStray;
+    LineCount mBackward;
+    bool mIsBackward = false;
 };
 
 }  // namespace brevold::replay

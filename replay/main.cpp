@@ -29,7 +29,8 @@ struct Options {
 };
 
 void addOptions(CLI::App& app, Options& options) {
-    app.add_option("TRACE", options.traces, "ftrace text, as atrace or systrace writes it")
+    app.add_option("TRACE", options.traces,
+                   "ftrace text, systrace page or latency dump, also as gzip; - for standard input")
             ->required();
     app.add_option("--profile", options.profile, "the device to play: a file of key=value lines")
             ->type_name("FILE");
@@ -73,8 +74,10 @@ void writeHints(const std::string& path, const Recording& recording) {
 }
 
 /** Replays one trace, and prints what is not for the whole run. */
-TraceResult replayTrace(const std::string& trace, const Options& options) {
-    const Timeline timeline = readTimeline(trace, options.timeline);
+TraceResult replayTrace(const std::string& path, const Options& options) {
+    TraceInput input(path);
+    const std::string& trace = input.name();
+    const Timeline timeline = readTimeline(input, options.timeline);
     const Recording recording = playIsolated(timeline, {});
     TraceResult result = {summarise(trace, timeline, recording), {}};
     std::vector<Parting> partings;
@@ -93,22 +96,33 @@ TraceResult replayTrace(const std::string& trace, const Options& options) {
     return result;
 }
 
-void run(const Options& options) {
+void printError(const std::exception& error) {
+    std::cerr << "brevold-replay: " << error.what() << '\n';
+}
+
+/** False where a trace could not be replayed; the others are, all the same. */
+bool run(const Options& options) {
     if (options.traces.size() > 1 && !options.hints.empty()) {
         throw std::runtime_error("--hints takes one trace");
     }
     applyProfile(options);
     std::vector<TraceResult> results;
     for (const std::string& trace : options.traces) {
-        results.push_back(replayTrace(trace, options));
+        try {
+            results.push_back(replayTrace(trace, options));
+        } catch (const std::exception& error) {
+            printError(error);
+        }
     }
+    if (results.empty()) return false;
     if (options.json) {
         printJson(results, std::cout);
-    } else if (results.size() > 1) {
+    } else if (options.traces.size() > 1) {
         printRows(results, std::cout);
     }
     std::cout.flush();
     if (!std::cout) throw OutputError("the summary cannot be written to standard output");
+    return results.size() == options.traces.size();
 }
 
 }  // namespace
@@ -122,10 +136,9 @@ int main(int argc, char** argv) {
     addOptions(app, options);
     CLI11_PARSE(app, argc, argv);
     try {
-        run(options);
+        return run(options) ? 0 : 1;
     } catch (const std::exception& error) {
-        std::cerr << "brevold-replay: " << error.what() << '\n';
+        printError(error);
         return 1;
     }
-    return 0;
 }
