@@ -4,9 +4,24 @@
 #include <istream>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 namespace brevold::replay {
+
+/** The parts of a line that tells of an event. */
+struct EventLine {
+    int64_t timeNs;
+    int32_t decimals;  // of the time as written
+    std::string_view task;
+    int32_t tid;
+    bool hasProcess;
+    bool hasFlags;
+    std::string_view event;  // "name: payload"
+};
+
+/** False for a line that tells of no event, as blank lines and comments. */
+bool parseEventLine(std::string_view text, EventLine* line);
 
 /** Splits a text into lines. */
 class LineReader {
@@ -52,6 +67,15 @@ struct TraceMark {
     int64_t line;
 };
 
+/** The form in which a trace writes its marks, which differs between releases. */
+struct MarkStyle {
+    bool hasProcess = false;    // the column "(TGID)"
+    bool hasFlags = false;      // the column "d..3"
+    std::string event = "0";    // "0", "tracing_mark_write" or "print"
+    bool endHasProcess = true;  // "E|pid" rather than "E"
+    int32_t decimals = 0;       // the most that the time of an event has
+};
+
 /**
  * Reads the marks of an ftrace text: with or without the columns for the process and the flags,
  * marks as "0:", "tracing_mark_write:" or "print:" events, times with one to nine decimals.
@@ -72,8 +96,14 @@ class FtraceReader {
     /** Lines that were left out: no event, or its time before that of an earlier line. */
     int64_t strayLines() const { return mStrayLines; }
     int64_t backwardLines() const { return mBackwardLines; }
+    /** Taken from the first mark and the first end of a section. */
+    const MarkStyle& style() const { return mStyle; }
+    /** The threads and processes that events tell of, with the threads' names where known. */
+    const std::unordered_map<int32_t, std::string>& threads() const { return mThreads; }
 
   private:
+    void noteThread(const EventLine& line);
+    void noteStyle(const EventLine& line, std::string_view event, const TraceMark& mark);
     bool parseMark(std::string_view payload, TraceMark* mark) const;
     bool parseCounter(std::string_view fields, TraceMark* mark) const;
     void checkEnd() const;
@@ -85,6 +115,10 @@ class FtraceReader {
     int64_t mEndNs = 0;
     int64_t mStrayLines = 0;
     int64_t mBackwardLines = 0;
+    bool mHasStyle = false;
+    bool mHasEnd = false;
+    MarkStyle mStyle;
+    std::unordered_map<int32_t, std::string> mThreads;
 };
 
 }  // namespace brevold::replay

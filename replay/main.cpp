@@ -1,4 +1,5 @@
 #include <CLI/CLI.hpp>
+#include <fstream>
 #include <iostream>
 #include <optional>
 
@@ -10,6 +11,7 @@
 #include "replay/summary.h"
 #include "replay/summary_json.h"
 #include "replay/timeline.h"
+#include "replay/trace_out.h"
 
 namespace {
 
@@ -24,6 +26,7 @@ struct Options {
     std::vector<std::string> settings;
     std::vector<std::string> vsSettings;
     std::string hints;
+    std::string traceOut;
     bool json = false;
     TimelineOptions timeline;
 };
@@ -51,6 +54,9 @@ void addOptions(CLI::App& app, Options& options) {
             ->type_name("HZ")
             ->check(CLI::Range(1.0, 1000.0));
     app.add_option("--hints", options.hints, "write the hints sent, as CSV")->type_name("FILE");
+    app.add_option("--trace-out", options.traceOut,
+                   "write the trace with the library's marks in it")
+            ->type_name("FILE");
     app.add_flag("--json", options.json, "print the summary as one JSON object");
     app.set_version_flag("--version", BREVOLD_VERSION);
 }
@@ -72,6 +78,14 @@ void writeHints(const std::string& path, const Recording& recording) {
     file.commit();
 }
 
+void writeTrace(const std::string& path, const std::string& trace, const Timeline& timeline,
+                const Recording& recording) {
+    std::ifstream input(trace, std::ios::binary);
+    OutputFile file(path);
+    writeTrace(input, trace, timeline, recording, file.stream());
+    file.commit();
+}
+
 /** Replays one trace, and prints what is not for the whole run. */
 TraceResult replayTrace(const std::string& trace, const Options& options) {
     const Timeline timeline = readTimeline(trace, options.timeline);
@@ -84,6 +98,7 @@ TraceResult replayTrace(const std::string& trace, const Options& options) {
         partings = firstPartings(recording, other, kPartings);
     }
     if (!options.hints.empty()) writeHints(options.hints, recording);
+    if (!options.traceOut.empty()) writeTrace(options.traceOut, trace, timeline, recording);
     if (!options.json && options.traces.size() == 1) {
         print(result.summary, std::cout);
         if (result.vs) {
@@ -93,10 +108,17 @@ TraceResult replayTrace(const std::string& trace, const Options& options) {
     return result;
 }
 
-void run(const Options& options) {
-    if (options.traces.size() > 1 && !options.hints.empty()) {
-        throw std::runtime_error("--hints takes one trace");
+void checkOutputs(const Options& options) {
+    if (options.traces.size() == 1) return;
+    const std::pair<const char*, const std::string&> outputs[] = {
+            {"--hints", options.hints}, {"--trace-out", options.traceOut}};
+    for (const auto& [name, path] : outputs) {
+        if (!path.empty()) throw std::runtime_error(std::string(name) + " takes one trace");
     }
+}
+
+void run(const Options& options) {
+    checkOutputs(options);
     applyProfile(options);
     std::vector<TraceResult> results;
     for (const std::string& trace : options.traces) {

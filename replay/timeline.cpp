@@ -239,7 +239,11 @@ Timeline readTimeline(std::istream& input, const std::string& path,
     timeline.endNs = reader.endNs();
     timeline.strayLines = reader.strayLines();
     timeline.backwardLines = reader.backwardLines();
+    timeline.style = reader.style();
+    timeline.threads = reader.threads();
     const Compositor compositor(marks);
+    timeline.compositorPid = compositor.pid();
+    timeline.compositorTid = compositor.tid();
     TimelineBuilder(compositor, timeline).build(options);
     timeline.focusedLayer = findFocusedLayer(timeline.layers, path, options.layer);
     return timeline;

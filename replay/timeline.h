@@ -4,8 +4,10 @@
 #include <istream>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
+#include "replay/ftrace_reader.h"
 #include "replay/input_error.h"
 
 namespace brevold::replay {
@@ -43,6 +45,11 @@ struct Timeline {
     /** Lines left out: no trace event, or earlier in time than a line above. */
     int64_t strayLines = 0;
     int64_t backwardLines = 0;
+    int32_t compositorPid = 0;
+    int32_t compositorTid = 0;
+    // As the reader's.
+    MarkStyle style;
+    std::unordered_map<int32_t, std::string> threads;
 };
 
 struct TimelineOptions {
