@@ -8,6 +8,7 @@
 #include "replay/hints_csv.h"
 #include "replay/isolated_play.h"
 #include "replay/output_file.h"
+#include "replay/plot.h"
 #include "replay/summary.h"
 #include "replay/summary_json.h"
 #include "replay/timeline.h"
@@ -27,6 +28,7 @@ struct Options {
     std::vector<std::string> vsSettings;
     std::string hints;
     std::string traceOut;
+    std::string plot;
     bool json = false;
     TimelineOptions timeline;
 };
@@ -57,6 +59,8 @@ void addOptions(CLI::App& app, Options& options) {
     app.add_option("--trace-out", options.traceOut,
                    "write the trace with the library's marks in it")
             ->type_name("FILE");
+    app.add_option("--plot", options.plot, "draw the replay, with gnuplot")
+            ->type_name("FILE.svg|.png");
     app.add_flag("--json", options.json, "print the summary as one JSON object");
     app.set_version_flag("--version", BREVOLD_VERSION);
 }
@@ -86,6 +90,13 @@ void writeTrace(const std::string& path, const std::string& trace, const Timelin
     file.commit();
 }
 
+void writePlot(const std::string& path, const std::string& trace, const Timeline& timeline,
+               const Recording& recording) {
+    OutputFile file(path);
+    plot(trace, timeline, recording, plotTerminal(path), file.stream());
+    file.commit();
+}
+
 /** Replays one trace, and prints what is not for the whole run. */
 TraceResult replayTrace(const std::string& trace, const Options& options) {
     const Timeline timeline = readTimeline(trace, options.timeline);
@@ -99,6 +110,7 @@ TraceResult replayTrace(const std::string& trace, const Options& options) {
     }
     if (!options.hints.empty()) writeHints(options.hints, recording);
     if (!options.traceOut.empty()) writeTrace(options.traceOut, trace, timeline, recording);
+    if (!options.plot.empty()) writePlot(options.plot, trace, timeline, recording);
     if (!options.json && options.traces.size() == 1) {
         print(result.summary, std::cout);
         if (result.vs) {
@@ -109,9 +121,11 @@ TraceResult replayTrace(const std::string& trace, const Options& options) {
 }
 
 void checkOutputs(const Options& options) {
+    if (!options.plot.empty()) plotTerminal(options.plot);
     if (options.traces.size() == 1) return;
-    const std::pair<const char*, const std::string&> outputs[] = {
-            {"--hints", options.hints}, {"--trace-out", options.traceOut}};
+    const std::pair<const char*, const std::string&> outputs[] = {{"--hints", options.hints},
+                                                                  {"--trace-out", options.traceOut},
+                                                                  {"--plot", options.plot}};
     for (const auto& [name, path] : outputs) {
         if (!path.empty()) throw std::runtime_error(std::string(name) + " takes one trace");
     }
