@@ -165,7 +165,7 @@ void gameThatFallsBehind(const std::string& path) {
     for (int64_t t = kSlowPanel; t < kEnd; t += kPeriod60)
         game.queue(t + jitter(kMs));
     game.run(kPeriod120, kSlowPanel, kPeriod120);
-    game.run(kSlowPanel, kEnd, kPeriod60);
+    game.run(kSlowPanel + kPeriod60, kEnd, kPeriod60);
     trace.write(path);
 }
 

@@ -106,10 +106,16 @@ std::vector<QueuedLayer> Compositor::layers() const {
                                      : tracks[i].role == CounterRole::Candidate &&
                                                (tracks[i].hasSlots || crossesThreads(mChanges[i]));
         if (!isLayer) continue;
-        QueuedLayer layer{layerName(tracks[i]), {}};
+        QueuedLayer layer{layerName(tracks[i]), {}, {}, {}};
         int32_t last = 0;
         for (const CounterValue& change : mChanges[i]) {
             const int32_t depth = depthOf(change.value);
+            if (change.value < 0) layer.belowZero.add(change.line);
+            // A recording may begin at any depth.
+            const bool isFirst = &change == mChanges[i].data();
+            if (!isFirst && (depth > last ? depth - last : last - depth) > 1) {
+                layer.jumps.add(change.line);
+            }
             if (depth == last) continue;
             layer.depths.push_back({change.timeNs, change.line, depth, depth < last});
             last = depth;

@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "replay/line_count.h"
 #include "replay/trace_marks.h"
 
 namespace brevold::replay {
@@ -19,6 +20,8 @@ struct DepthChange {
 struct QueuedLayer {
     std::string name;
     std::vector<DepthChange> depths;  // not empty
+    LineCount belowZero;              // taken as 0
+    LineCount jumps;                  // up or down by more than one
 };
 
 /** The compositor among the processes of a trace. The marks have to outlive it. */

@@ -1,10 +1,10 @@
 #include "replay/ftrace_reader.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstring>
 
 #include "replay/input_error.h"
+#include "replay/text.h"
 
 namespace brevold::replay {
 namespace {
@@ -16,31 +16,8 @@ constexpr int64_t kFractionScaleNs[] = {1'000'000'000, 100'000'000, 10'000'000, 
                                         10'000,        1'000,       100,        10,        1};
 constexpr std::string_view kMarkEvents[] = {"tracing_mark_write", "print", "0"};
 constexpr std::string_view kUnknownTask = "<...>";
+constexpr std::string_view kHeader = "# tracer";
 constexpr std::string_view kDigits = "0123456789";
-constexpr std::string_view kBlanks = " \t\r";
-
-template <typename T>
-bool parseWhole(std::string_view text, T* number) {
-    const char* end = text.data() + text.size();
-    const auto result = std::from_chars(text.data(), end, *number);
-    return result.ec == std::errc() && result.ptr == end;
-}
-
-std::string_view trimEnd(std::string_view text) {
-    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
-}
-
-std::string_view trimStart(std::string_view text) {
-    return text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));
-}
-
-/** Cuts off what is before the separator; all of the text where there is none. */
-std::string_view takeUntil(char separator, std::string_view* text) {
-    const size_t length = std::min(text->find(separator), text->size());
-    const std::string_view head = text->substr(0, length);
-    text->remove_prefix(std::min(length + 1, text->size()));
-    return head;
-}
 
 /** "TASK-PID" or "TASK-PID (TGID)"; the task may hold anything. */
 bool parseThread(std::string_view text, EventLine* line) {
@@ -115,6 +92,15 @@ bool parseEventLine(std::string_view text, EventLine* line) {
     return false;
 }
 
+bool beginsAsFtrace(std::string_view head) {
+    while (!head.empty()) {
+        const std::string_view text = takeUntil('\n', &head);
+        EventLine line;
+        if (text.substr(0, kHeader.size()) == kHeader || parseEventLine(text, &line)) return true;
+    }
+    return false;
+}
+
 LineReader::LineReader(std::istream& input, std::string path)
       : mInput(input), mPath(std::move(path)), mBuffer(kLongestLine) {}
 
@@ -165,15 +151,15 @@ bool FtraceReader::next(TraceMark* mark) {
     while (mLines.next(&text)) {
         EventLine line;
         if (!parseEventLine(text, &line)) {
-            if (!isBlankOrComment(trimEnd(text))) ++mStrayLines;
+            if (!isBlankOrComment(trimEnd(text))) mStray.add(mLines.lineNumber());
             continue;
         }
-        if (mHasEvents && line.timeNs < mEndNs) {
-            ++mBackwardLines;
+        mIsBackward = mEvents > 0 && line.timeNs < mEndNs;
+        if (mIsBackward) {
+            mBackward.add(mLines.lineNumber());
             continue;
         }
-        if (!mHasEvents) mStartNs = line.timeNs;
-        mHasEvents = true;
+        if (mEvents++ == 0) mStartNs = line.timeNs;
         mEndNs = line.timeNs;
         noteThread(line);
 
@@ -244,10 +230,14 @@ bool FtraceReader::parseCounter(std::string_view fields, TraceMark* mark) const 
 
 void FtraceReader::checkEnd() const {
     if (mLines.isEmpty()) throw InputError(mPath + ": is empty, expected ftrace text");
-    if (!mHasEvents) throw InputError(mPath + ": holds no trace events, expected ftrace text");
+    if (mEvents == 0) throw InputError(mPath + ": holds no trace events, expected ftrace text");
     if (mLines.isCutShort()) {
         throw InputError(mPath + ":" + std::to_string(mLines.lineNumber() + 1) +
                          ": ends in the middle of a line; was the recording cut short?");
+    }
+    if (mBackward.lines > mEvents) {
+        throw InputError(mPath + ":" + std::to_string(mBackward.firstLine) +
+                         ": most lines go back in time from here on; is an earlier time wrong?");
     }
 }
 

@@ -7,6 +7,8 @@
 #include <unordered_map>
 #include <vector>
 
+#include "replay/line_count.h"
+
 namespace brevold::replay {
 
 /** The parts of a line that tells of an event. */
@@ -22,6 +24,9 @@ struct EventLine {
 
 /** False for a line that tells of no event, as blank lines and comments. */
 bool parseEventLine(std::string_view text, EventLine* line);
+
+/** Whether a text of which this is the begin holds the header of an ftrace, or an event. */
+bool beginsAsFtrace(std::string_view head);
 
 /** Splits a text into lines. */
 class LineReader {
@@ -86,7 +91,8 @@ class FtraceReader {
 
     /**
      * The next mark; false at the end of the trace. Throws InputError for an input that is empty,
-     * no text, without any event or cut short, and for a counter whose value is no whole number.
+     * no text, without any event or cut short, for a counter whose value is no whole number, and
+     * when most events go back in time.
      */
     bool next(TraceMark* mark);
 
@@ -94,8 +100,13 @@ class FtraceReader {
     int64_t startNs() const { return mStartNs; }
     int64_t endNs() const { return mEndNs; }
     /** Lines that were left out: no event, or its time before that of an earlier line. */
-    int64_t strayLines() const { return mStrayLines; }
-    int64_t backwardLines() const { return mBackwardLines; }
+    int64_t strayLines() const { return mStray.lines; }
+    int64_t backwardLines() const { return mBackward.lines; }
+    /** The same with their first lines. */
+    const LineCount& stray() const { return mStray; }
+    const LineCount& backward() const { return mBackward; }
+    /** Whether the last event is a backward one, as the mark that recorders close with. */
+    bool endsBackward() const { return mIsBackward; }
     /** Taken from the first mark and the first end of a section. */
     const MarkStyle& style() const { return mStyle; }
     /** The threads and processes that events tell of, with the threads' names where known. */
@@ -110,11 +121,12 @@ class FtraceReader {
 
     const std::string mPath;
     LineReader mLines;
-    bool mHasEvents = false;
+    int64_t mEvents = 0;
     int64_t mStartNs = 0;
     int64_t mEndNs = 0;
-    int64_t mStrayLines = 0;
-    int64_t mBackwardLines = 0;
+    LineCount mStray;
+    LineCount mBackward;
+    bool mIsBackward = false;
     bool mHasStyle = false;
     bool mHasEnd = false;
     MarkStyle mStyle;

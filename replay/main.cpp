@@ -1,5 +1,4 @@
 #include <CLI/CLI.hpp>
-#include <fstream>
 #include <iostream>
 #include <optional>
 
@@ -34,7 +33,8 @@ struct Options {
 };
 
 void addOptions(CLI::App& app, Options& options) {
-    app.add_option("TRACE", options.traces, "ftrace text, as atrace or systrace writes it")
+    app.add_option("TRACE", options.traces,
+                   "ftrace text, systrace page or latency dump, also as gzip; - for standard input")
             ->required();
     app.add_option("--profile", options.profile, "the device to play: a file of key=value lines")
             ->type_name("FILE");
@@ -82,11 +82,10 @@ void writeHints(const std::string& path, const Recording& recording) {
     file.commit();
 }
 
-void writeTrace(const std::string& path, const std::string& trace, const Timeline& timeline,
+void writeTrace(const std::string& path, TraceInput& input, const Timeline& timeline,
                 const Recording& recording) {
-    std::ifstream input(trace, std::ios::binary);
     OutputFile file(path);
-    writeTrace(input, trace, timeline, recording, file.stream());
+    writeTrace(input.openText(), input.name(), timeline, recording, file.stream());
     file.commit();
 }
 
@@ -98,8 +97,13 @@ void writePlot(const std::string& path, const std::string& trace, const Timeline
 }
 
 /** Replays one trace, and prints what is not for the whole run. */
-TraceResult replayTrace(const std::string& trace, const Options& options) {
-    const Timeline timeline = readTimeline(trace, options.timeline);
+TraceResult replayTrace(const std::string& path, const Options& options) {
+    TraceInput input(path);
+    const std::string& trace = input.name();
+    if (!options.traceOut.empty() && input.kind() != TraceInput::Kind::Ftrace) {
+        throw InputError(trace + ": --trace-out needs a trace, and this is a latency dump");
+    }
+    const Timeline timeline = readTimeline(input, options.timeline);
     const Recording recording = playIsolated(timeline, {});
     TraceResult result = {summarise(trace, timeline, recording), {}};
     std::vector<Parting> partings;
@@ -109,7 +113,7 @@ TraceResult replayTrace(const std::string& trace, const Options& options) {
         partings = firstPartings(recording, other, kPartings);
     }
     if (!options.hints.empty()) writeHints(options.hints, recording);
-    if (!options.traceOut.empty()) writeTrace(options.traceOut, trace, timeline, recording);
+    if (!options.traceOut.empty()) writeTrace(options.traceOut, input, timeline, recording);
     if (!options.plot.empty()) writePlot(options.plot, trace, timeline, recording);
     if (!options.json && options.traces.size() == 1) {
         print(result.summary, std::cout);
@@ -131,20 +135,31 @@ void checkOutputs(const Options& options) {
     }
 }
 
-void run(const Options& options) {
+void printError(const std::exception& error) {
+    std::cerr << "brevold-replay: " << error.what() << '\n';
+}
+
+/** False where a trace could not be replayed; the others are, all the same. */
+bool run(const Options& options) {
     checkOutputs(options);
     applyProfile(options);
     std::vector<TraceResult> results;
     for (const std::string& trace : options.traces) {
-        results.push_back(replayTrace(trace, options));
+        try {
+            results.push_back(replayTrace(trace, options));
+        } catch (const std::exception& error) {
+            printError(error);
+        }
     }
+    if (results.empty()) return false;
     if (options.json) {
         printJson(results, std::cout);
-    } else if (results.size() > 1) {
+    } else if (options.traces.size() > 1) {
         printRows(results, std::cout);
     }
     std::cout.flush();
     if (!std::cout) throw OutputError("the summary cannot be written to standard output");
+    return results.size() == options.traces.size();
 }
 
 }  // namespace
@@ -158,10 +173,9 @@ int main(int argc, char** argv) {
     addOptions(app, options);
     CLI11_PARSE(app, argc, argv);
     try {
-        run(options);
+        return run(options) ? 0 : 1;
     } catch (const std::exception& error) {
-        std::cerr << "brevold-replay: " << error.what() << '\n';
+        printError(error);
         return 1;
     }
-    return 0;
 }

@@ -11,6 +11,7 @@
 #include "brevold/brevold.h"
 #include "brevold/frame_rate.h"
 #include "host/device_profile.h"
+#include "replay/progress.h"
 
 namespace brevold::replay {
 
@@ -71,7 +72,10 @@ class Player {
                         atoi(host::profileProperty("vendor.perf.brevold.debug", "0").c_str()) == 1;
         setMode(mTimeline.startNs, android::kModeUnclassified);
         host::settle();
+        Progress progress("replaying", static_cast<int64_t>(mTimeline.events.size()));
+        int64_t played = 0;
         for (const TimelineEvent& event : mTimeline.events) {
+            progress.update(played++);
             host::setTimeNs(event.timeNs);
             apply(event);
             host::settle();

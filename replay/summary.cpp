@@ -141,6 +141,7 @@ Summary summarise(const std::string& trace, const Timeline& timeline, const Reco
     summary.rateSource = timeline.periodSource;
     summary.compositionSource = timeline.compositionSource;
     summary.vsyncSource = timeline.vsyncSource;
+    summary.warnings = timeline.warnings;
     summary.boostVerdicts = static_cast<int32_t>(recording.verdictTimesNs.size());
     summary.isAnyFeatureOn = recording.isAnyFeatureOn;
     countEvents(timeline, summary);
@@ -179,6 +180,9 @@ void print(const Summary& summary, std::ostream& out) {
         << " of them measuring windows\n";
     for (const auto& [text, count] : summary.errors)
         out << "  " << count << " x " << text << '\n';
+    if (!summary.warnings.empty()) out << '\n';
+    for (const std::string& warning : summary.warnings)
+        out << "warning: " << warning << '\n';
 }
 
 void printRows(const std::vector<TraceResult>& results, std::ostream& out) {
@@ -189,6 +193,10 @@ void printRows(const std::vector<TraceResult>& results, std::ostream& out) {
     for (const TraceResult& result : results) {
         printRow(result.summary, "", out);
         if (result.vs) printRow(*result.vs, " (--vs)", out);
+    }
+    for (const TraceResult& result : results) {
+        for (const std::string& warning : result.summary.warnings)
+            out << "warning: " << result.summary.trace << ": " << warning << '\n';
     }
 }
 

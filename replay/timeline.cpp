@@ -1,13 +1,10 @@
 #include "replay/timeline.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <fstream>
 #include <tuple>
 
 #include "replay/compositor.h"
+#include "replay/latency_dump.h"
 #include "replay/refresh_period.h"
 #include "replay/trace_marks.h"
 
@@ -23,6 +20,12 @@ constexpr int64_t kLongestPeriodNs = 1'000'000'000;
 /** Order of the events that stem from one line, or from the lines around it. */
 enum class Place : uint8_t { Before, At, After };
 
+void warn(const char* what, const LineCount& count, Timeline& timeline) {
+    if (count.lines == 0) return;
+    timeline.warnings.push_back(std::string(what) + ": " + std::to_string(count.lines) +
+                                ", the first in line " + std::to_string(count.firstLine));
+}
+
 class TimelineBuilder {
   public:
     TimelineBuilder(const Compositor& compositor, Timeline& timeline)
@@ -37,6 +40,7 @@ class TimelineBuilder {
             return std::tie(a.event.timeNs, a.line, a.place) <
                    std::tie(b.event.timeNs, b.line, b.place);
         });
+        mTimeline.events.reserve(mEvents.size());
         for (const PlacedEvent& placed : mEvents)
             mTimeline.events.push_back(placed.event);
     }
@@ -57,6 +61,8 @@ class TimelineBuilder {
     }
 
     void addDepths() {
+        LineCount belowZero;
+        LineCount jumps;
         for (const QueuedLayer& layer : mCompositor.layers()) {
             const auto index = static_cast<int32_t>(mTimeline.layers.size());
             int32_t frames = 0;
@@ -75,7 +81,11 @@ class TimelineBuilder {
                 lastFrameNs = change.timeNs;
             }
             mTimeline.layers.push_back({layer.name, frames});
+            belowZero.add(layer.belowZero);
+            jumps.add(layer.jumps);
         }
+        warn("queue depths below 0, taken as 0", belowZero, mTimeline);
+        warn("queue depths that jump by more than one", jumps, mTimeline);
     }
 
     void addCompositions() {
@@ -226,6 +236,34 @@ size_t findFocusedLayer(const std::vector<Layer>& layers, const std::string& pat
 
 }  // namespace
 
+namespace {
+
+void build(const TraceMarks& marks, const std::string& path, const TimelineOptions& options,
+           Timeline& timeline) {
+    const Compositor compositor(marks);
+    timeline.compositorPid = compositor.pid();
+    timeline.compositorTid = compositor.tid();
+    TimelineBuilder(compositor, timeline).build(options);
+    timeline.focusedLayer = findFocusedLayer(timeline.layers, path, options.layer);
+}
+
+Timeline readLatencyTimeline(TraceInput& input, const TimelineOptions& options) {
+    const LatencyDump dump = readLatencyDump(input.openText(), input.name(),
+                                             options.layer ? *options.layer : "layer");
+    Timeline timeline;
+    timeline.startNs = dump.startNs;
+    timeline.endNs = dump.endNs;
+    warn("lines that are no row of a latency dump", dump.strayRows, timeline);
+    warn("rows left out, as they go back in time", dump.backwardRows, timeline);
+    build(dump.marks, input.name(), options, timeline);
+    if (!options.refreshRateHz) timeline.periodSource = "the dump's first line";
+    timeline.compositionSource = "present times, less a refresh";
+    timeline.vsyncSource = "present times";
+    return timeline;
+}
+
+}  // namespace
+
 Timeline readTimeline(std::istream& input, const std::string& path,
                       const TimelineOptions& options) {
     FtraceReader reader(input, path);
@@ -237,27 +275,24 @@ Timeline readTimeline(std::istream& input, const std::string& path,
     Timeline timeline;
     timeline.startNs = reader.startNs();
     timeline.endNs = reader.endNs();
-    timeline.strayLines = reader.strayLines();
-    timeline.backwardLines = reader.backwardLines();
     timeline.style = reader.style();
     timeline.threads = reader.threads();
-    const Compositor compositor(marks);
-    timeline.compositorPid = compositor.pid();
-    timeline.compositorTid = compositor.tid();
-    TimelineBuilder(compositor, timeline).build(options);
-    timeline.focusedLayer = findFocusedLayer(timeline.layers, path, options.layer);
+    warn("lines that are no trace events", reader.stray(), timeline);
+    if (reader.backwardLines() > 1 || !reader.endsBackward()) {
+        warn("lines left out, as they go back in time", reader.backward(), timeline);
+    }
+    build(marks, path, options, timeline);
     return timeline;
 }
 
+Timeline readTimeline(TraceInput& input, const TimelineOptions& options) {
+    if (input.kind() == TraceInput::Kind::Latency) return readLatencyTimeline(input, options);
+    return readTimeline(input.openText(), input.name(), options);
+}
+
 Timeline readTimeline(const std::string& path, const TimelineOptions& options) {
-    std::error_code ignored;
-    if (std::filesystem::is_directory(path, ignored)) {
-        throw InputError(path + ": is a directory, expected a file of ftrace text");
-    }
-    errno = 0;
-    std::ifstream file(path, std::ios::binary);
-    if (!file) throw InputError(path + ": cannot be opened: " + strerror(errno));
-    return readTimeline(file, path, options);
+    TraceInput input(path);
+    return readTimeline(input, options);
 }
 
 }  // namespace brevold::replay

@@ -9,6 +9,7 @@
 
 #include "replay/ftrace_reader.h"
 #include "replay/input_error.h"
+#include "replay/trace_input.h"
 
 namespace brevold::replay {
 
@@ -42,9 +43,8 @@ struct Timeline {
     std::string periodSource;
     std::string compositionSource;
     std::string vsyncSource;
-    /** Lines left out: no trace event, or earlier in time than a line above. */
-    int64_t strayLines = 0;
-    int64_t backwardLines = 0;
+    /** What is odd in the trace, a kind each, with its count and its first line. */
+    std::vector<std::string> warnings;
     int32_t compositorPid = 0;
     int32_t compositorTid = 0;
     // As the reader's.
@@ -60,9 +60,10 @@ struct TimelineOptions {
 };
 
 /** Reads a whole trace. Throws InputError. */
+Timeline readTimeline(TraceInput& input, const TimelineOptions& options);
 Timeline readTimeline(const std::string& path, const TimelineOptions& options);
 
-/** Reads a whole trace from a stream that messages call by the path. Throws InputError. */
+/** Reads a whole ftrace text from a stream that messages call by the path. Throws InputError. */
 Timeline readTimeline(std::istream& input, const std::string& path, const TimelineOptions& options);
 
 }  // namespace brevold::replay
