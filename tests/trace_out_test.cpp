@@ -69,6 +69,7 @@ TEST(TraceOutTest, AddsMarksInTheFormOfTheTrace) {
         std::string decimals;
     } styles[] = {
             {" [000] ", ": 0: ", "E", ""},
+            {" [000] .... ", ": print: ", "E", "00000"},
             {" (   90) [000] .... ", ": tracing_mark_write: ", "E|90", "00"},
     };
     for (const auto& style : styles) {
