@@ -78,7 +78,7 @@ int32_t Compositor::findThread() const {
             last = change.value;
         }
     }
-    return keyOfMost(falls);
+    return falls.empty() ? mPid : keyOfMost(falls);
 }
 
 bool Compositor::crossesThreads(const Values& changes) const {

@@ -29,6 +29,10 @@ class Compositor {
   public:
     explicit Compositor(const TraceMarks& marks);
 
+    int32_t pid() const { return mPid; }
+    /** The thread that composes. */
+    int32_t tid() const { return mTid; }
+
     /** Layers whose queue depth changes, in the order of their first mention. */
     std::vector<QueuedLayer> layers() const;
 

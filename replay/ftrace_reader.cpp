@@ -15,28 +15,26 @@ constexpr int64_t kLatestSecond = 9'000'000'000;
 constexpr int64_t kFractionScaleNs[] = {1'000'000'000, 100'000'000, 10'000'000, 1'000'000, 100'000,
                                         10'000,        1'000,       100,        10,        1};
 constexpr std::string_view kMarkEvents[] = {"tracing_mark_write", "print", "0"};
+constexpr std::string_view kUnknownTask = "<...>";
 constexpr std::string_view kHeader = "# tracer";
 constexpr std::string_view kDigits = "0123456789";
 
-struct EventLine {
-    int64_t timeNs;
-    int32_t tid;
-    std::string_view event;  // "name: payload"
-};
-
 /** "TASK-PID" or "TASK-PID (TGID)"; the task may hold anything. */
-bool parseThread(std::string_view text, int32_t* tid) {
+bool parseThread(std::string_view text, EventLine* line) {
     text = trimEnd(text);
-    if (!text.empty() && text.back() == ')') {
+    line->hasProcess = !text.empty() && text.back() == ')';
+    if (line->hasProcess) {
         const size_t open = text.rfind('(');
         if (open == std::string_view::npos) return false;
         text = trimEnd(text.substr(0, open));
     }
     const size_t dash = text.rfind('-');
-    return dash != std::string_view::npos && parseWhole(text.substr(dash + 1), tid) && *tid >= 0;
+    if (dash == std::string_view::npos) return false;
+    line->task = trimStart(text.substr(0, dash));
+    return parseWhole(text.substr(dash + 1), &line->tid) && line->tid >= 0;
 }
 
-bool parseTime(std::string_view text, int64_t* timeNs) {
+bool parseTime(std::string_view text, EventLine* line) {
     const std::string_view seconds = takeUntil('.', &text);
     uint32_t fraction;
     uint64_t second;
@@ -44,8 +42,9 @@ bool parseTime(std::string_view text, int64_t* timeNs) {
         second > kLatestSecond || !parseWhole(text, &fraction)) {
         return false;
     }
-    *timeNs = static_cast<int64_t>(second) * kFractionScaleNs[0] +
-              fraction * kFractionScaleNs[text.size()];
+    line->decimals = static_cast<int32_t>(text.size());
+    line->timeNs = static_cast<int64_t>(second) * kFractionScaleNs[0] +
+                   fraction * kFractionScaleNs[text.size()];
     return true;
 }
 
@@ -54,27 +53,18 @@ bool parseTimeAndEvent(std::string_view text, EventLine* line) {
     std::string_view time = takeUntil(':', &text);
     time = trimEnd(trimStart(time));
     const size_t blank = time.find_last_of(kBlanks);
-    if (blank != std::string_view::npos) {
+    line->hasFlags = blank != std::string_view::npos;
+    if (line->hasFlags) {
         const std::string_view flags = trimEnd(time.substr(0, blank));
         if (flags.find_first_of(kBlanks) != std::string_view::npos) return false;
         time.remove_prefix(blank + 1);
     }
     line->event = trimStart(text);
-    return parseTime(time, &line->timeNs);
+    return parseTime(time, line);
 }
 
-bool parseEventLine(std::string_view text, EventLine* line) {
-    // A task's name may hold brackets too, so that the first pair need not be the processor's.
-    for (size_t open = text.find('['); open != std::string_view::npos;
-         open = text.find('[', open + 1)) {
-        const size_t close = text.find_first_not_of(kDigits, open + 1);
-        if (close == std::string_view::npos) return false;
-        if (text[close] == ']' && close > open + 1 &&
-            parseThread(text.substr(0, open), &line->tid)) {
-            return parseTimeAndEvent(text.substr(close + 1), line);
-        }
-    }
-    return false;
+bool isBlankOrComment(std::string_view text) {
+    return text.empty() || text.front() == '#';
 }
 
 std::string quote(std::string_view text) {
@@ -86,6 +76,21 @@ std::string quote(std::string_view text) {
 }
 
 }  // namespace
+
+bool parseEventLine(std::string_view text, EventLine* line) {
+    text = trimEnd(text);
+    if (isBlankOrComment(text)) return false;
+    // A task's name may hold brackets too, so that the first pair need not be the processor's.
+    for (size_t open = text.find('['); open != std::string_view::npos;
+         open = text.find('[', open + 1)) {
+        const size_t close = text.find_first_not_of(kDigits, open + 1);
+        if (close == std::string_view::npos) return false;
+        if (text[close] == ']' && close > open + 1 && parseThread(text.substr(0, open), line)) {
+            return parseTimeAndEvent(text.substr(close + 1), line);
+        }
+    }
+    return false;
+}
 
 bool beginsAsFtrace(std::string_view head) {
     while (!head.empty()) {
@@ -144,11 +149,9 @@ FtraceReader::FtraceReader(std::istream& input, std::string path)
 bool FtraceReader::next(TraceMark* mark) {
     std::string_view text;
     while (mLines.next(&text)) {
-        text = trimEnd(text);
-        if (text.empty() || text.front() == '#') continue;
         EventLine line;
         if (!parseEventLine(text, &line)) {
-            mStray.add(mLines.lineNumber());
+            if (!isBlankOrComment(trimEnd(text))) mStray.add(mLines.lineNumber());
             continue;
         }
         mIsBackward = mEvents > 0 && line.timeNs < mEndNs;
@@ -158,6 +161,7 @@ bool FtraceReader::next(TraceMark* mark) {
         }
         if (mEvents++ == 0) mStartNs = line.timeNs;
         mEndNs = line.timeNs;
+        noteThread(line);
 
         const std::string_view event = takeUntil(':', &line.event);
         if (std::find(std::begin(kMarkEvents), std::end(kMarkEvents), event) ==
@@ -168,10 +172,33 @@ bool FtraceReader::next(TraceMark* mark) {
         mark->timeNs = line.timeNs;
         mark->tid = line.tid;
         mark->line = mLines.lineNumber();
-        if (parseMark(trimStart(line.event), mark)) return true;
+        if (parseMark(trimStart(line.event), mark)) {
+            noteStyle(line, event, *mark);
+            return true;
+        }
     }
     checkEnd();
     return false;
+}
+
+void FtraceReader::noteThread(const EventLine& line) {
+    mStyle.decimals = std::max(mStyle.decimals, line.decimals);
+    std::string& name = mThreads[line.tid];
+    if (name.empty() && line.task != kUnknownTask) name = line.task;
+}
+
+void FtraceReader::noteStyle(const EventLine& line, std::string_view event, const TraceMark& mark) {
+    if (mark.kind != TraceMark::Kind::End) {
+        mThreads[mark.pid];
+    } else if (!mHasEnd) {
+        mHasEnd = true;
+        mStyle.endHasProcess = line.event.find('|') != std::string_view::npos;
+    }
+    if (mHasStyle) return;
+    mHasStyle = true;
+    mStyle.hasProcess = line.hasProcess;
+    mStyle.hasFlags = line.hasFlags;
+    mStyle.event = event;
 }
 
 bool FtraceReader::parseMark(std::string_view payload, TraceMark* mark) const {

@@ -4,11 +4,26 @@
 #include <istream>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "replay/line_count.h"
 
 namespace brevold::replay {
+
+/** The parts of a line that tells of an event. */
+struct EventLine {
+    int64_t timeNs;
+    int32_t decimals;  // of the time as written
+    std::string_view task;
+    int32_t tid;
+    bool hasProcess;
+    bool hasFlags;
+    std::string_view event;  // "name: payload"
+};
+
+/** False for a line that tells of no event, as blank lines and comments. */
+bool parseEventLine(std::string_view text, EventLine* line);
 
 /** Whether a text of which this is the begin holds the header of an ftrace, or an event. */
 bool beginsAsFtrace(std::string_view head);
@@ -57,6 +72,15 @@ struct TraceMark {
     int64_t line;
 };
 
+/** The form in which a trace writes its marks, which differs between releases. */
+struct MarkStyle {
+    bool hasProcess = false;    // the column "(TGID)"
+    bool hasFlags = false;      // the column "d..3"
+    std::string event = "0";    // "0", "tracing_mark_write" or "print"
+    bool endHasProcess = true;  // "E|pid" rather than "E"
+    int32_t decimals = 0;       // the most that the time of an event has
+};
+
 /**
  * Reads the marks of an ftrace text: with or without the columns for the process and the flags,
  * marks as "0:", "tracing_mark_write:" or "print:" events, times with one to nine decimals.
@@ -83,8 +107,14 @@ class FtraceReader {
     const LineCount& backward() const { return mBackward; }
     /** Whether the last event is a backward one, as the mark that recorders close with. */
     bool endsBackward() const { return mIsBackward; }
+    /** Taken from the first mark and the first end of a section. */
+    const MarkStyle& style() const { return mStyle; }
+    /** The threads and processes that events tell of, with the threads' names where known. */
+    const std::unordered_map<int32_t, std::string>& threads() const { return mThreads; }
 
   private:
+    void noteThread(const EventLine& line);
+    void noteStyle(const EventLine& line, std::string_view event, const TraceMark& mark);
     bool parseMark(std::string_view payload, TraceMark* mark) const;
     bool parseCounter(std::string_view fields, TraceMark* mark) const;
     void checkEnd() const;
@@ -97,6 +127,10 @@ class FtraceReader {
     LineCount mStray;
     LineCount mBackward;
     bool mIsBackward = false;
+    bool mHasStyle = false;
+    bool mHasEnd = false;
+    MarkStyle mStyle;
+    std::unordered_map<int32_t, std::string> mThreads;
 };
 
 }  // namespace brevold::replay

@@ -8,29 +8,27 @@ namespace {
 
 constexpr int64_t kNsPerMs = 1000000;
 
-enum Channel { Qb, Sf, Display, kChannelCount };
+}  // namespace
 
 Channel channelOf(HintKind kind) {
     switch (kind) {
         case HintKind::Down:
         case HintKind::Up:
-            return Qb;
+            return Channel::Qb;
         case HintKind::JankBoost:
         case HintKind::Release:
-            return Sf;
+            return Channel::Sf;
         case HintKind::RefreshRate:
-            return Display;
+            return Channel::Display;
     }
-    return Display;
+    return Channel::Display;
 }
-
-}  // namespace
 
 std::vector<HintSpan> hintSpans(const std::vector<Hint>& hints, int64_t traceEndNs) {
     std::vector<HintSpan> spans;
-    int64_t nextNs[kChannelCount] = {traceEndNs, traceEndNs, traceEndNs};
+    int64_t nextNs[std::size(kChannels)] = {traceEndNs, traceEndNs, traceEndNs};
     for (auto hint = hints.rbegin(); hint != hints.rend(); ++hint) {
-        int64_t& endNs = nextNs[channelOf(hint->kind)];
+        int64_t& endNs = nextNs[static_cast<size_t>(channelOf(hint->kind))];
         const bool isTimed = hint->kind != HintKind::RefreshRate;
         if (hint->kind != HintKind::Release) {
             const int64_t expiryNs = hint->timeNs + hint->durationMs * kNsPerMs;

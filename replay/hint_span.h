@@ -7,6 +7,12 @@
 
 namespace brevold::replay {
 
+/** What a hint acts on: DOWN and UP; jank boost and release; refresh rate. */
+enum class Channel : uint8_t { Qb, Sf, Display };
+constexpr Channel kChannels[] = {Channel::Qb, Channel::Sf, Channel::Display};
+
+Channel channelOf(HintKind kind);
+
 /** A hint and the time for which it holds. */
 struct HintSpan {
     Hint hint;
@@ -15,8 +21,8 @@ struct HintSpan {
 
 /**
  * How long each hint holds: for its duration, or until the next of the same channel, or until the
- * end of the trace. DOWN and UP share a channel; a release ends its boost and has no span itself; a
- * refresh rate holds until the next.
+ * end of the trace. A release ends its boost and has no span itself; a refresh rate holds until the
+ * next.
  */
 std::vector<HintSpan> hintSpans(const std::vector<Hint>& hints, int64_t traceEndNs);
 

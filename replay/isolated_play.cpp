@@ -82,6 +82,7 @@ void transfer(Archive& archive, Record& recording) {
         archive(line.tag);
         archive(line.text);
     });
+    archive.list(recording.threads, [&](auto& name) { archive(name); });
     archive.list(recording.traceMarks, [&](auto& mark) {
         archive(mark.timeNs);
         archive(mark.thread);

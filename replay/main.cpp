@@ -7,9 +7,11 @@
 #include "replay/hints_csv.h"
 #include "replay/isolated_play.h"
 #include "replay/output_file.h"
+#include "replay/plot.h"
 #include "replay/summary.h"
 #include "replay/summary_json.h"
 #include "replay/timeline.h"
+#include "replay/trace_out.h"
 
 namespace {
 
@@ -24,6 +26,8 @@ struct Options {
     std::vector<std::string> settings;
     std::vector<std::string> vsSettings;
     std::string hints;
+    std::string traceOut;
+    std::string plot;
     bool json = false;
     TimelineOptions timeline;
 };
@@ -52,6 +56,11 @@ void addOptions(CLI::App& app, Options& options) {
             ->type_name("HZ")
             ->check(CLI::Range(1.0, 1000.0));
     app.add_option("--hints", options.hints, "write the hints sent, as CSV")->type_name("FILE");
+    app.add_option("--trace-out", options.traceOut,
+                   "write the trace with the library's marks in it")
+            ->type_name("FILE");
+    app.add_option("--plot", options.plot, "draw the replay, with gnuplot")
+            ->type_name("FILE.svg|.png");
     app.add_flag("--json", options.json, "print the summary as one JSON object");
     app.set_version_flag("--version", BREVOLD_VERSION);
 }
@@ -73,10 +82,27 @@ void writeHints(const std::string& path, const Recording& recording) {
     file.commit();
 }
 
+void writeTrace(const std::string& path, TraceInput& input, const Timeline& timeline,
+                const Recording& recording) {
+    OutputFile file(path);
+    writeTrace(input.openText(), input.name(), timeline, recording, file.stream());
+    file.commit();
+}
+
+void writePlot(const std::string& path, const std::string& trace, const Timeline& timeline,
+               const Recording& recording) {
+    OutputFile file(path);
+    plot(trace, timeline, recording, plotTerminal(path), file.stream());
+    file.commit();
+}
+
 /** Replays one trace, and prints what is not for the whole run. */
 TraceResult replayTrace(const std::string& path, const Options& options) {
     TraceInput input(path);
     const std::string& trace = input.name();
+    if (!options.traceOut.empty() && input.kind() != TraceInput::Kind::Ftrace) {
+        throw InputError(trace + ": --trace-out needs a trace, and this is a latency dump");
+    }
     const Timeline timeline = readTimeline(input, options.timeline);
     const Recording recording = playIsolated(timeline, {});
     TraceResult result = {summarise(trace, timeline, recording), {}};
@@ -87,6 +113,8 @@ TraceResult replayTrace(const std::string& path, const Options& options) {
         partings = firstPartings(recording, other, kPartings);
     }
     if (!options.hints.empty()) writeHints(options.hints, recording);
+    if (!options.traceOut.empty()) writeTrace(options.traceOut, input, timeline, recording);
+    if (!options.plot.empty()) writePlot(options.plot, trace, timeline, recording);
     if (!options.json && options.traces.size() == 1) {
         print(result.summary, std::cout);
         if (result.vs) {
@@ -96,15 +124,24 @@ TraceResult replayTrace(const std::string& path, const Options& options) {
     return result;
 }
 
+void checkOutputs(const Options& options) {
+    if (!options.plot.empty()) plotTerminal(options.plot);
+    if (options.traces.size() == 1) return;
+    const std::pair<const char*, const std::string&> outputs[] = {{"--hints", options.hints},
+                                                                  {"--trace-out", options.traceOut},
+                                                                  {"--plot", options.plot}};
+    for (const auto& [name, path] : outputs) {
+        if (!path.empty()) throw std::runtime_error(std::string(name) + " takes one trace");
+    }
+}
+
 void printError(const std::exception& error) {
     std::cerr << "brevold-replay: " << error.what() << '\n';
 }
 
 /** False where a trace could not be replayed; the others are, all the same. */
 bool run(const Options& options) {
-    if (options.traces.size() > 1 && !options.hints.empty()) {
-        throw std::runtime_error("--hints takes one trace");
-    }
+    checkOutputs(options);
     applyProfile(options);
     std::vector<TraceResult> results;
     for (const std::string& trace : options.traces) {

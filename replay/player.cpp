@@ -81,6 +81,8 @@ class Player {
             host::settle();
             takeOutput();
         }
+        for (const host::StartedThread& thread : host::startedThreads())
+            mRecording.threads.push_back(thread.name);
     }
 
   private:

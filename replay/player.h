@@ -25,6 +25,8 @@ struct Recording {
     /** The vsyncs at which brevoldMonitor gave its verdict. */
     std::vector<int64_t> verdictTimesNs;
     std::vector<host::LogLine> log;
+    /** The library's workers, by the index that a mark has for its thread. */
+    std::vector<std::string> threads;
     std::vector<host::TraceMark> traceMarks;
 };
 

@@ -241,6 +241,8 @@ namespace {
 void build(const TraceMarks& marks, const std::string& path, const TimelineOptions& options,
            Timeline& timeline) {
     const Compositor compositor(marks);
+    timeline.compositorPid = compositor.pid();
+    timeline.compositorTid = compositor.tid();
     TimelineBuilder(compositor, timeline).build(options);
     timeline.focusedLayer = findFocusedLayer(timeline.layers, path, options.layer);
 }
@@ -273,6 +275,8 @@ Timeline readTimeline(std::istream& input, const std::string& path,
     Timeline timeline;
     timeline.startNs = reader.startNs();
     timeline.endNs = reader.endNs();
+    timeline.style = reader.style();
+    timeline.threads = reader.threads();
     warn("lines that are no trace events", reader.stray(), timeline);
     if (reader.backwardLines() > 1 || !reader.endsBackward()) {
         warn("lines left out, as they go back in time", reader.backward(), timeline);

@@ -4,8 +4,10 @@
 #include <istream>
 #include <optional>
 #include <string>
+#include <unordered_map>
 #include <vector>
 
+#include "replay/ftrace_reader.h"
 #include "replay/input_error.h"
 #include "replay/trace_input.h"
 
@@ -43,6 +45,11 @@ struct Timeline {
     std::string vsyncSource;
     /** What is odd in the trace, a kind each, with its count and its first line. */
     std::vector<std::string> warnings;
+    int32_t compositorPid = 0;
+    int32_t compositorTid = 0;
+    // As the reader's.
+    MarkStyle style;
+    std::unordered_map<int32_t, std::string> threads;
 };
 
 struct TimelineOptions {
