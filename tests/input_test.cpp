@@ -26,8 +26,8 @@ const std::string kOldPage =
         "s-90 [000] 1.003: 0: C|90|BufferTX - a#1|0\\n\\\n"
         "s-90 [000] 1.004: 0: E|90\";\n</script></html>";
 
-std::string pageOf(const std::string& trace) {
-    return "<!DOCTYPE html>\n<script>" + std::string(300'000, 'x') + "</script>\n" + kElement +
+std::string pageOf(const std::string& trace, size_t padding = 300'000) {
+    return "<!DOCTYPE html>\n<script>" + std::string(padding, 'x') + "</script>\n" + kElement +
            "PROCESS DUMP\n  </script>\n" + kElement + trace + "  </script>\n</html>\n";
 }
 
@@ -91,6 +91,21 @@ TEST(InputTest, TellsTheKindByItsContent) {
         EXPECT_EQ(file.text(), text) << bytes.substr(0, 40);
         file.write(file.compress(bytes));
         EXPECT_EQ(file.text(), text) << "compressed " << bytes.substr(0, 40);
+    }
+}
+
+TEST(InputTest, ReadsPagesAcrossItsBlocks) {
+    InputFile file;
+    const std::string longTrace = kTrace + "#" + std::string(6'000, 'x') + "\n";
+    for (size_t shift = 0; shift < 450; ++shift) {
+        const size_t padding = 32'768 - shift;
+        file.write(pageOf(kTrace, padding));
+        ASSERT_EQ(file.text(), kTrace) << shift;
+        file.write("<html>" + std::string(padding, 'x') + kOldPage);
+        ASSERT_EQ(file.text(), kTrace) << shift << " old";
+        if (shift >= 60) continue;
+        file.write(pageOf(longTrace, padding - (pageOf(longTrace, 0).size() - 40)));
+        ASSERT_EQ(file.text(), longTrace) << shift << " long";
     }
 }
 
