@@ -51,7 +51,7 @@ class Window {
         return static_cast<size_t>(near) * 3 >= mSize * 2;
     }
 
-    /** The period it tells; the current one (0 for none yet) where it tells no other. */
+    /** The period it tells, given the current one (0 for none yet); 0 where it tells none. */
     int64_t readPeriodNs(int64_t currentNs, UnknownRate unknown) const {
         const int64_t lengthNs = medianNs();
         if (currentNs > 0 && isWithin(kStayPercent, lengthNs, currentNs)) return currentNs;
@@ -61,7 +61,7 @@ class Window {
         for (const int64_t periodNs : kKnownPeriodsNs) {
             if (isTicksOf(lengthNs, periodNs)) return periodNs;
         }
-        return unknown == UnknownRate::Keep && isSteady() ? lengthNs : currentNs;
+        return unknown == UnknownRate::Keep && isSteady() ? lengthNs : 0;
     }
 
   private:
@@ -113,11 +113,13 @@ std::vector<PeriodChange> followPeriod(const std::vector<Interval>& all, Unknown
     const size_t window = std::min(kWindow, intervals.size());
     int64_t currentNs = 0;
     int64_t pendingNs = 0;
+    size_t pendingSince = 0;
     size_t confirmations = 0;
     size_t sinceChange = 0;
     for (size_t last = window - 1; last < intervals.size(); ++last) {
         const Interval* end = intervals.data() + last + 1;
         const int64_t readNs = Window(end - window, end).readPeriodNs(currentNs, unknown);
+        if (readNs == 0) continue;
         if (readNs == currentNs) {
             confirmations = 0;
             continue;
@@ -129,11 +131,11 @@ std::vector<PeriodChange> followPeriod(const std::vector<Interval>& all, Unknown
         }
         const bool isSame = confirmations > 0 && isWithin(kSnapPercent, readNs, pendingNs);
         confirmations = isSame ? confirmations + 1 : 1;
+        if (!isSame) pendingSince = last + 1 - window;
         pendingNs = readNs;
         if (confirmations < kConfirmations) continue;
 
-        const size_t earliest = last + 1 - std::min(last + 1, 2 * kWindow);
-        const size_t first = firstOfNewPeriod(intervals, std::max(earliest, sinceChange), last,
+        const size_t first = firstOfNewPeriod(intervals, std::max(pendingSince, sinceChange), last,
                                               currentNs, readNs);
         changes.push_back({intervals[first].endNs - intervals[first].lengthNs, readNs});
         currentNs = readNs;

@@ -84,6 +84,15 @@ TEST(RefreshPeriodTest, ReadsThePeriods) {
              Ticks().add(40, 16'700'000).add(1, 600'000'000).add(40, 8'300'000),
              kKeep,
              {kPeriod60Ns, kPeriod120Ns}},
+            {"a change among readings that tell nothing",
+             Ticks().add(40, 16'700'000)
+                     .add(9, 11'100'000)
+                     .add(8, 12'300'000)
+                     .add(9, 11'100'000)
+                     .add(8, 12'300'000)
+                     .add(9, 11'100'000),
+             kIgnore,
+             {kPeriod60Ns, kPeriod90Ns}},
             {"the edge of a snap",
              Ticks().add(60, 17'100'000).add(60, 17'250'000).add(60, 17'100'000),
              kKeep,
