@@ -66,18 +66,29 @@ static_assert(kWorkerPriority == -9);
 void resetState() NO_THREAD_SAFETY_ANALYSIS {
     gAppType = -1;
     gMode = kModeUnclassified;
-    gPrevQueueBusy = gLayerUnchanged = gTargetApp = false;
-    gCurrentLayerKeyA = gCurrentLayerKeyB = 0;
+    gPrevQueueBusy = false;
+    gLayerUnchanged = false;
+    gTargetApp = false;
+    gCurrentLayerKeyA = 0;
+    gCurrentLayerKeyB = 0;
     gWindowStart = 0;
     gFpsWindowActive = false;
     gFrameCount = 0;
     gFps = 0.0f;
     gIntervalSum = 0.0f;
-    gDownCount = gUpCount = gIdleCount = 0;
-    gLastFrameStamp = gLastRefreshTime = gVsyncPeriod = 0;
-    gInitDone = gJr10Enabled = gScalingEnabled = false;
+    gDownCount = 0;
+    gUpCount = 0;
+    gIdleCount = 0;
+    gLastFrameStamp = 0;
+    gLastRefreshTime = 0;
+    gVsyncPeriod = 0;
+    gInitDone = false;
+    gJr10Enabled = false;
+    gScalingEnabled = false;
     gFpsSwitchEnabled = 0;
-    gSmoothMotion = gDebug = gPfarDownEnabled = false;
+    gSmoothMotion = false;
+    gDebug = false;
+    gPfarDownEnabled = false;
 }
 
 bool isOn(const char* text) {

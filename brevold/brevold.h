@@ -69,7 +69,7 @@ extern "C" {
  * access, and on another brevoldInit. Must not run concurrently with the other entries.
  *
  * @return true when any of jank boost, energy scaling and the refresh-rate hint is on. While it is
- *         false every other entry makes no request.
+ *         false no entry that is called for a frame, a tick or a vsync makes a request.
  */
 BREVOLD_EXPORT bool brevoldInit();
 
@@ -93,9 +93,9 @@ BREVOLD_EXPORT bool brevoldCheck(const char* name);
 BREVOLD_EXPORT int brevoldOnFrameAvailable(LayerFrameInfo* info);
 
 /**
- * The verdict at a vsync: 1 when a target application on an unchanged layer, at 60 Hz and in one of
- * the two lowest frame-rate modes, is shortly past a refresh tick with a queue that was not busy
- * twice in a row; else 0. Any thread; blocks for gLock only.
+ * The verdict at a vsync: 1 when, with jank boost on, a target application on an unchanged layer,
+ * at 60 Hz and in one of the two lowest frame-rate modes, is shortly past a refresh tick with a
+ * queue that was not busy twice in a row; else 0. Any thread; blocks for gLock only.
  *
  * @param queuedFrames frames now queued; 2 or more counts as busy, also for the next call.
  * @param periodNs current refresh period in nanoseconds; outside 16000001..16999999 gives 0.
@@ -103,10 +103,11 @@ BREVOLD_EXPORT int brevoldOnFrameAvailable(LayerFrameInfo* info);
 BREVOLD_EXPORT int brevoldMonitor(int queuedFrames, int64_t periodNs);
 
 /**
- * After composition: posts a jank boost when a target application at a steady refresh rate has two
- * or more frames queued (three or more in mode 1). Any thread; blocks for gLock and, when it posts,
- * for the "SF" worker while that is sending a hint. It holds gLock meanwhile, so whoever blocks for
- * gLock waits as long.
+ * After composition: posts a jank boost when, with energy scaling on, a target application at a
+ * steady refresh rate has two or more frames queued (in mode 1 three or more, and only with jank
+ * boost or smooth motion on). Any thread; blocks for gLock and, when it posts, for the "SF" worker
+ * while that is sending a hint. It holds gLock meanwhile, so whoever blocks for gLock waits as
+ * long.
  *
  * @param queuedFrames frames now queued.
  * @param suppress non-zero: decide, but post nothing.
@@ -116,8 +117,8 @@ BREVOLD_EXPORT int brevoldScaling(int queuedFrames, int suppress);
 
 /**
  * A refresh tick: feeds the frame-rate window and withdraws a pending jank boost. Call it once per
- * refresh, always from the same thread. Blocks for gLock about once a second, and for the "SF"
- * worker while it is sending a hint.
+ * refresh, always from the same thread. Blocks for gLock about once a second and after an idle
+ * gap, and for the "SF" worker while it is sending a hint.
  */
 BREVOLD_EXPORT void brevoldRefresh();
 
@@ -198,7 +199,8 @@ BREVOLD_EXPORT bool isDebugLayer(std::string name);
 BREVOLD_EXPORT void clearConfigs();
 
 /**
- * Asks the service for the application type of a layer whose name differs from the current one.
+ * Asks the service for the application type of a layer whose name differs from the current one; not
+ * of a debug layer, of one without a package name, or without the service's function.
  * One caller thread at a time; takes no lock, may block in the service (query 5633).
  */
 BREVOLD_EXPORT void brevoldAppTypeCheck(std::string layerName);

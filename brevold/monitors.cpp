@@ -121,34 +121,44 @@ void postJankBoostWhenDue(int queuedFrames, int suppress) REQUIRES(gLock) {
     gIdleCount = checkedAdd(gIdleCount, 1);
 }
 
-// The entries take names by value; a frame report lends its own instead of copying them.
+}  // namespace
 
-void checkAppType(const std::string& layerName) {
+std::string getPackageName(const std::string& layerName) {
+    const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+", std::regex::ECMAScript);
+    const LayerNameExcerpt excerpt(layerName);
+    std::smatch match;
+    if (!std::regex_match(excerpt.text, match, expression)) return {};
+    const size_t begin = excerpt.packageBegin(static_cast<size_t>(match.position(1)));
+    return layerName.substr(begin, excerpt.stop - begin);
+}
+
+void brevoldAppTypeCheck(std::string layerName) {
     if (isListedLayer(layerName)) return;
     const std::string package = getPackageName(layerName);
     if (gPerfGetFeedback == nullptr || layerName == gCurrentLayer || package.empty()) return;
     gAppType = gPerfGetFeedback(kAppTypeQuery, package.c_str());
 }
 
-void checkLayerStatus(bool skip, const std::string& layerName, int keyA, int keyB) {
+void brevoldLayerStatusCheck(bool skip, std::string layerName, int keyA, int keyB) {
     lockOrAbort(gLock);
     if (!isListedLayer(layerName) && !skip) {
         gTargetApp = gAppType == kTargetAppType;
-        gLayerUnchanged = layerName == gCurrentLayer && keyA == gCurrentLayerKeyA &&
-                          keyB == gCurrentLayerKeyB;
-        if (!gLayerUnchanged) {
-            gCurrentLayer = layerName;
+        if (layerName == gCurrentLayer && keyA == gCurrentLayerKeyA && keyB == gCurrentLayerKeyB) {
+            gLayerUnchanged = true;
+        } else {
+            gCurrentLayer = std::move(layerName);
             gCurrentLayerKeyA = keyA;
             gCurrentLayerKeyB = keyB;
+            gLayerUnchanged = false;
             gMode = kModeUnclassified;
         }
     }
     gLock.unlock();
 }
 
-void monitorBuffer(int lastMaxQueuedFrames, const std::string& peerLayerName,
-                   const std::string& layerName, int64_t diffSFToQB, int64_t diffQB, int64_t sfTime,
-                   int64_t refreshPeriod) {
+void brevoldBufferMonitor(int lastMaxQueuedFrames, std::string peerLayerName, std::string layerName,
+                          int64_t diffSFToQB, int64_t diffQB, int64_t sfTime, int64_t /*reserved*/,
+                          int64_t refreshPeriod) {
     gVsyncPeriod = refreshPeriod;
     if (gScalingEnabled && gTargetApp && peerLayerName == layerName && gLastFrameStamp != 0 &&
         lastMaxQueuedFrames >= 1) {
@@ -165,32 +175,6 @@ void monitorBuffer(int lastMaxQueuedFrames, const std::string& peerLayerName,
         }
     }
     gLastFrameStamp = sfTime;
-}
-
-}  // namespace
-
-std::string getPackageName(const std::string& layerName) {
-    const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+", std::regex::ECMAScript);
-    const LayerNameExcerpt excerpt(layerName);
-    std::smatch match;
-    if (!std::regex_match(excerpt.text, match, expression)) return {};
-    const size_t begin = excerpt.packageBegin(static_cast<size_t>(match.position(1)));
-    return layerName.substr(begin, excerpt.stop - begin);
-}
-
-void brevoldAppTypeCheck(std::string layerName) {
-    checkAppType(layerName);
-}
-
-void brevoldLayerStatusCheck(bool skip, std::string layerName, int keyA, int keyB) {
-    checkLayerStatus(skip, layerName, keyA, keyB);
-}
-
-void brevoldBufferMonitor(int lastMaxQueuedFrames, std::string peerLayerName, std::string layerName,
-                          int64_t diffSFToQB, int64_t diffQB, int64_t sfTime, int64_t /*reserved*/,
-                          int64_t refreshPeriod) {
-    monitorBuffer(lastMaxQueuedFrames, peerLayerName, layerName, diffSFToQB, diffQB, sfTime,
-                  refreshPeriod);
 }
 
 void checkRefreshRateChange(void* info) {
@@ -253,16 +237,27 @@ int brevoldOnFrameAvailable(LayerFrameInfo* info) {
     if (info == nullptr) return 0;
     if (!gScalingEnabled && !gJr10Enabled) return 0;
 
+    // All of the record is read before the service is asked: what it holds by then counts.
     const bool skip = info->skipLayerCheck != 0;
-    if (!skip) checkAppType(info->layerName);
-    checkLayerStatus(skip, info->layerName, info->layerKeyA, info->layerKeyB);
+    const int32_t keyB = info->layerKeyB;
+    const int32_t keyA = info->layerKeyA;
+    const int32_t lastMaxQueuedFrames = info->lastMaxQueuedFrames;
+    std::string peerLayerName = info->peerLayerName;
+    std::string layerName = info->layerName;
+    const int64_t qbTime = info->qbTime;
+    const int64_t lastQbTime = info->lastQbTime;
+    const int64_t sfTime = info->sfTime;
+    const int64_t refreshPeriod = info->refreshPeriod;
+
+    if (!skip) brevoldAppTypeCheck(layerName);
+    brevoldLayerStatusCheck(skip, layerName, keyA, keyB);
 
     // Extreme stamps overflow, and abort, also where the monitor is not called below.
-    const int64_t diffSFToQB = checkedSub(info->qbTime, info->sfTime);
-    const int64_t diffQB = checkedSub(info->qbTime, info->lastQbTime);
-    if (info->lastQbTime != -1) {
-        monitorBuffer(info->lastMaxQueuedFrames, info->peerLayerName, info->layerName, diffSFToQB,
-                      diffQB, info->sfTime, info->refreshPeriod);
+    const int64_t diffSFToQB = checkedSub(qbTime, sfTime);
+    const int64_t diffQB = checkedSub(qbTime, lastQbTime);
+    if (lastQbTime != -1) {
+        brevoldBufferMonitor(lastMaxQueuedFrames, std::move(peerLayerName), std::move(layerName),
+                             diffSFToQB, diffQB, sfTime, 0, refreshPeriod);
     }
     return 0;
 }

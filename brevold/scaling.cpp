@@ -16,11 +16,14 @@ constexpr int32_t kSfDuration = 2000;
 constexpr uint32_t kQbChannelBit = 1u << 22;
 constexpr int kReleaseDuration = 0;
 
-template <typename Fn>
-void bind(Fn& function, void* handle, const char* symbol, const char* name) {
-    function = reinterpret_cast<Fn>(dlsym(handle, symbol));
-    if (function == nullptr) BREVOLD_LOGE("Unable to get %s function handle.\n", name);
-}
+// A macro, as each message is one literal.
+#define BREVOLD_BIND(function, handle, symbol)                                  \
+    do {                                                                        \
+        function = reinterpret_cast<decltype(function)>(dlsym(handle, symbol)); \
+        if (function == nullptr) {                                              \
+            BREVOLD_LOGE("Unable to get " #function " function handle.\n");     \
+        }                                                                       \
+    } while (false)
 
 void* openPerfClient() {
     void* const handle = dlopen(kPerfClientLibrary, RTLD_NOW);
@@ -42,10 +45,10 @@ void* initPerfLock() {
         BREVOLD_LOGE("Failed to get hwopt handle.\n");
         return nullptr;
     }
-    bind(gPerfGetFeedback, handle, "perf_get_feedback", "gPerfGetFeedback");
-    bind(gPerfGetProp, handle, "perf_get_prop", "gPerfGetProp");
-    bind(gPerfHintUpdate, handle, "perf_hint", "gPerfHintUpdate");
-    bind(gPerfLockRel, handle, "perf_lock_rel", "gPerfLockRel");
+    BREVOLD_BIND(gPerfGetFeedback, handle, "perf_get_feedback");
+    BREVOLD_BIND(gPerfGetProp, handle, "perf_get_prop");
+    BREVOLD_BIND(gPerfHintUpdate, handle, "perf_hint");
+    BREVOLD_BIND(gPerfLockRel, handle, "perf_lock_rel");
     return handle;
 }
 
@@ -55,7 +58,7 @@ ScalingSyncThread::ScalingSyncThread(void* handle, std::string channel, bool deb
         BREVOLD_LOGE("Failed to get hwopt handle.\n");
         return;
     }
-    bind(mPerfHint, handle, "perf_hint", "mPerfHint");
+    BREVOLD_BIND(mPerfHint, handle, "perf_hint");
 }
 
 void ScalingSyncThread::post(float scale, uint32_t direction, uint32_t boostLevel,
@@ -125,8 +128,10 @@ void ScalingSyncThread::sendBoostOrRelease() {
         mBoosted = false;
         mBoostCount = 0;
     } else if (!mBoosted) {
-        const TraceSection section(mDebug, "energyScaling[jank]");
-        mPerfHint(kEnergyScalingHint, nullptr, mDuration, static_cast<int>(typeWord()));
+        {
+            const TraceSection section(mDebug, "energyScaling[jank]");
+            mPerfHint(kEnergyScalingHint, nullptr, mDuration, static_cast<int>(typeWord()));
+        }
         mBoosted = true;
     }
 }

@@ -4,6 +4,7 @@
 
 #include <charconv>
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <map>
 #include <string_view>
@@ -93,6 +94,7 @@ void setProfileEntry(const std::string& entry) {
 }
 
 void loadProfile(const std::string& path) {
+    if (std::filesystem::is_directory(path)) throw ProfileError(path + ": is a directory");
     std::ifstream file(path);
     if (!file) throw ProfileError(path + ": cannot be opened: " + strerror(errno));
     std::string line;

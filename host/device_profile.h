@@ -12,10 +12,13 @@
  * A profile is text, one key=value a line; empty lines and lines that start with # are skipped. The
  * value is everything behind the first '=', to the end of the line.
  *
- *   vendor.perf.pfar.enable=1       a system property, one of those that the library reads
- *   feature.5=1                     1 allows feature 4 (jank boost) or 5 (energy scaling), 0 does
- * not app-type.com.example.game=2     application type of a package app-type.*=0 application type
- * of every other package
+ *   vendor.perf.pfar.enable=1     a system property, one of those that the library reads
+ *
+ *   feature.5=1                   feature 4 (jank boost) or 5 (energy scaling): 1 allowed, 0 not
+ *
+ *   app-type.com.example.game=2   application type of a package
+ *
+ *   app-type.*=0                  application type of every other package
  */
 namespace brevold::host {
 

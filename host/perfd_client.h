@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-/** What the stand-in of the performance service's client library was asked. */
+/** What the stand-in of the performance service's client library was asked, but for settings. */
 namespace brevold::host {
 
 struct ServiceCall {
@@ -24,7 +24,7 @@ struct ServiceCall {
 /** Called within each call of the client library, on the caller's thread, one call at a time. */
 using ServiceListener = void (*)(const ServiceCall& call, void* context);
 
-/** The symbol of setServiceListener in the library, for dlsym. */
+/** The symbol of the function below in the library, for dlsym. */
 constexpr char kSetServiceListener[] = "perfd_set_listener";
 
 /** Sets the one listener; null for none. */

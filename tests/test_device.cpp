@@ -136,7 +136,9 @@ using brevold::test::gDevice;
 
 int property_get(const char* key, char* value, const char* fallback) {
     const std::string text = brevold::test::propertyOf(key, fallback);
-    return static_cast<int>(text.copy(value, PROPERTY_VALUE_MAX - 1));
+    const size_t length = text.copy(value, PROPERTY_VALUE_MAX - 1);
+    value[length] = '\0';
+    return static_cast<int>(length);
 }
 
 extern "C" {
