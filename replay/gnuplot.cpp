@@ -66,14 +66,16 @@ std::string runGnuplot(const std::string& script) {
     const int error = posix_spawnp(&child, arguments[0], &actions, nullptr,
                                    const_cast<char* const*>(arguments), environ);
     posix_spawn_file_actions_destroy(&actions);
-    if (error == ENOENT) {
+    int status = 0;
+    if (error == 0) waitpid(child, &status, 0);
+    // A child that could not become gnuplot may tell so only by this status.
+    constexpr int kNotFound = 127;
+    if (error == ENOENT || (WIFEXITED(status) && WEXITSTATUS(status) == kNotFound)) {
         throw std::runtime_error(
                 "--plot needs gnuplot, which is not installed: "
                 "apt-get install gnuplot-nox");
     }
     if (error != 0) throw std::runtime_error(std::string("gnuplot: ") + strerror(error));
-    int status = 0;
-    waitpid(child, &status, 0);
     std::string picture = output.bytes();
     if (status != 0 || picture.empty()) {
         throw std::runtime_error("gnuplot failed: " + trimLines(messages.bytes()));
