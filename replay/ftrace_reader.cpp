@@ -11,6 +11,8 @@ namespace {
 
 // Far above the 4 KiB that the kernel takes for a mark.
 constexpr size_t kLongestLine = 256 * 1024;
+// Recorders merge what each processor wrote, and neighbours may come out in the wrong order.
+constexpr int64_t kMostDisorderNs = 1'000'000;
 constexpr int64_t kLatestSecond = 9'000'000'000;
 constexpr int64_t kFractionScaleNs[] = {1'000'000'000, 100'000'000, 10'000'000, 1'000'000, 100'000,
                                         10'000,        1'000,       100,        10,        1};
@@ -154,12 +156,13 @@ bool FtraceReader::next(TraceMark* mark) {
             if (!isBlankOrComment(trimEnd(text))) mStray.add(mLines.lineNumber());
             continue;
         }
-        mIsBackward = mEvents > 0 && line.timeNs < mEndNs;
+        mIsBackward = mEvents > 0 && line.timeNs < mEndNs - kMostDisorderNs;
         if (mIsBackward) {
             mBackward.add(mLines.lineNumber());
             continue;
         }
         if (mEvents++ == 0) mStartNs = line.timeNs;
+        line.timeNs = std::max(line.timeNs, mEndNs);
         mEndNs = line.timeNs;
         noteThread(line);
 

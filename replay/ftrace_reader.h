@@ -99,7 +99,10 @@ class FtraceReader {
     /** Times of the first and the last event so far, whatever its kind. */
     int64_t startNs() const { return mStartNs; }
     int64_t endNs() const { return mEndNs; }
-    /** Lines that were left out: no event, or its time before that of an earlier line. */
+    /**
+     * Lines that were left out: no event, or its time more than 1 ms before that of an earlier line.
+     * A smaller step back is only disorder; such a line takes the earlier one's time.
+     */
     int64_t strayLines() const { return mStray.lines; }
     int64_t backwardLines() const { return mBackward.lines; }
     /** The same with their first lines. */
