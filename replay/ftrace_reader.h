@@ -100,8 +100,8 @@ class FtraceReader {
     int64_t startNs() const { return mStartNs; }
     int64_t endNs() const { return mEndNs; }
     /**
-     * Lines that were left out: no event, or its time more than 1 ms before that of an earlier line.
-     * A smaller step back is only disorder; such a line takes the earlier one's time.
+     * Lines that were left out: no event, or more than 1 ms earlier than a line above. A smaller
+     * step back is only disorder; such a line takes the other's time.
      */
     int64_t strayLines() const { return mStray.lines; }
     int64_t backwardLines() const { return mBackward.lines; }
