@@ -1,213 +1,171 @@
 #include <dlfcn.h>
 
-#include <cstring>
-
 #include "tests/test_device.h"
 
 namespace brevold::test {
 namespace {
 
-using InitTest = DeviceTest;
+struct InitTest : DeviceTest {
+    void SetUp() override { provide(kClient); }
+};
+using MissingLibraryTest = DeviceTest;
+
+constexpr char kReadsWithoutFeatures[] =
+        "vendor.display.use_smooth_motion=0; vendor.perf.fps_switch.enable=0";
 
 TEST_F(InitTest, ReadsEverySwitchInOrderWithItsDefault) {
-    provideClient();
-    provideFeatures();
-    gDevice.features = {4, 5};
-    EXPECT_TRUE(initialise());  // jank boost is on unless its setting says otherwise
+    provide(kFeatures);
+    gDevice.isOn = false;
+    EXPECT_TRUE(brevoldInit());  // jank boost is on unless its setting says otherwise
     EXPECT_EQ(gDevice.reads,
-              (Texts{"vendor.display.use_smooth_motion=0", "feature 4", "feature 5",
-                     "vendor.perf.fps_switch.enable=0", "vendor.perf.jr10.enable=1",
-                     "vendor.perf.pfar.enable=0", "vendor.perf.brevold.debug=0",
-                     "vendor.perf.pfar.down.enable=0", "vendor.perf.brevold.debug.layers=NONE"}));
+              "vendor.display.use_smooth_motion=0; feature 4; feature 5; "
+              "vendor.perf.fps_switch.enable=0; vendor.perf.jr10.enable=1; "
+              "vendor.perf.pfar.enable=0; vendor.perf.brevold.debug=0; "
+              "vendor.perf.pfar.down.enable=0; vendor.perf.brevold.debug.layers=NONE");
     EXPECT_TRUE(host::startedThreads().empty());
     gDevice.reads.clear();
-    EXPECT_TRUE(initialise());
-    EXPECT_TRUE(gDevice.reads.empty());
+    EXPECT_TRUE(brevoldInit());
+    EXPECT_EQ(gDevice.reads, "");
 }
 
-TEST_F(InitTest, WithoutAllowedFeaturesOnlyTheRefreshRateSwitchIsRead) {
-    provideClient();
-    switchEverythingOn();
-    for (const bool hasLibrary : {false, true}) {
-        if (hasLibrary) provideFeatures("without_function");
-        android::clearConfigs();
-        EXPECT_TRUE(initialise());
-        EXPECT_EQ(std::exchange(gDevice.reads, {}),
-                  (Texts{"vendor.display.use_smooth_motion=0", "vendor.perf.fps_switch.enable=0"}));
-        EXPECT_TRUE(host::startedThreads().empty());
-        EXPECT_TRUE(takeLogTexts().empty());
-    }
+TEST_F(InitTest, WithoutTheFeatureLibraryOnlyTheRefreshRateSwitchIsRead) {
+    EXPECT_TRUE(brevoldInit());
+    EXPECT_EQ(std::exchange(gDevice.reads, {}), kReadsWithoutFeatures);
+    provide(kFeatures, "IsFeatureEnabled");
+    EXPECT_TRUE(restart());
+    EXPECT_EQ(gDevice.reads, kReadsWithoutFeatures);
+    EXPECT_TRUE(host::startedThreads().empty());
+    EXPECT_EQ(takeLogTexts(), "");
 }
-
-struct SwitchCase {
-    std::set<int> features;
-    // Settings; null is not set.
-    const char *pfar, *jr10, *fpsSwitch;
-    bool anyFeature;
-    size_t workers;
-};
 
 TEST_F(InitTest, SwitchesDecideFeaturesAndWorkers) {
-    provideClient();
-    provideFeatures();
-    const SwitchCase cases[] = {
-            {{}, nullptr, nullptr, nullptr, false, 0},
-            {{5}, "1", nullptr, nullptr, true, 2},
-            {{5}, " 1x", nullptr, nullptr, true, 2},  // as atoi reads it
-            {{5}, "2", nullptr, nullptr, false, 0},
-            {{5}, "on", nullptr, nullptr, false, 0},
-            {{5}, nullptr, nullptr, nullptr, false, 0},
-            {{4}, "1", "0", nullptr, false, 0},
-            {{4}, nullptr, nullptr, nullptr, true, 0},
-            {{4}, nullptr, "0", nullptr, false, 0},
-            {{}, "1", "1", "1", true, 0},
+    provide(kFeatures);
+    gDevice.isOn = false;
+    struct Row {
+        std::set<int> features;
+        const char *pfar, *jr10, *fpsSwitch;
+        bool anyFeature;
+        size_t workers;
+    };
+    const Row rows[] = {
+            {{}, "0", "1", "0", false, 0},   {{5}, "1", "1", "0", true, 2},
+            {{5}, "2", "1", "0", false, 0},  {{5}, " 1x", "1", "0", true, 2},  // as atoi reads it
+            {{5}, "on", "1", "0", false, 0}, {{5}, "0", "1", "0", false, 0},
+            {{4}, "1", "0", "0", false, 0},  {{4}, "0", "1", "0", true, 0},
+            {{4}, "0", "0", "0", false, 0},  {{}, "1", "1", "1", true, 0},
     };
     size_t workers = 0;
-    for (const SwitchCase& c : cases) {
-        gDevice.features = c.features;
-        gDevice.properties.clear();
-        if (c.pfar != nullptr) gDevice.properties["vendor.perf.pfar.enable"] = c.pfar;
-        if (c.jr10 != nullptr) gDevice.properties["vendor.perf.jr10.enable"] = c.jr10;
-        if (c.fpsSwitch != nullptr) {
-            gDevice.properties["vendor.perf.fps_switch.enable"] = c.fpsSwitch;
-        }
-        android::clearConfigs();
-        EXPECT_EQ(initialise(), c.anyFeature) << &c - cases;
-        EXPECT_EQ(initialise(), c.anyFeature) << &c - cases;
-        workers += c.workers;
-        EXPECT_EQ(host::startedThreads().size(), workers) << &c - cases;
+    for (const Row& row : rows) {
+        gDevice.features = row.features;
+        gDevice.properties = {{"vendor.perf.pfar.enable", row.pfar},
+                              {"vendor.perf.jr10.enable", row.jr10},
+                              {"vendor.perf.fps_switch.enable", row.fpsSwitch}};
+        EXPECT_EQ(restart(), row.anyFeature) << &row - rows;
+        EXPECT_EQ(brevoldInit(), row.anyFeature) << &row - rows;
+        workers += row.workers;
+        ASSERT_EQ(host::startedThreads().size(), workers) << &row - rows;
     }
-}
-
-TEST_F(InitTest, StartsBothWorkersAndNewOnesAfterAClear) {
-    provideClient();
-    provideFeatures();
-    switchEverythingOn();
-    EXPECT_TRUE(initialise());
-    android::clearConfigs();
-    EXPECT_FALSE(brevoldCheck("sf"));
-    EXPECT_TRUE(initialise());
     const auto threads = host::startedThreads();
-    ASSERT_EQ(threads.size(), 4u);
-    for (size_t i = 0; i < threads.size(); ++i) {
+    for (size_t i = 0; i < workers; ++i) {
         EXPECT_EQ(threads[i].name, i % 2 == 0 ? "Monitor0" : "Monitor1");
         EXPECT_EQ(threads[i].priority, -9);
         EXPECT_EQ(threads[i].stackBytes, 0u);
     }
 }
 
-TEST_F(InitTest, WithoutClientLibraryNothingIsOn) {
-    provideFeatures();
-    switchEverythingOn();
-    EXPECT_FALSE(initialise());
-    const Texts log = takeLogTexts();
-    ASSERT_EQ(log.size(), 2u);
-    EXPECT_EQ(log[0].rfind("Unable to open libvnx-perfd-client_system.so: ", 0), 0u);
-    EXPECT_EQ(log[0].substr(log[0].size() - 2), "\n.");
-    EXPECT_EQ(log[1], "Failed to get hwopt handle.\n");
+TEST_F(MissingLibraryTest, WithoutTheClientNothingIsOn) {
+    provide(kFeatures);
+    EXPECT_FALSE(brevoldInit());
+    const std::string log = takeLogTexts();
+    EXPECT_EQ(log.rfind("Unable to open libvnx-perfd-client_system.so: ", 0), 0u) << log;
+    EXPECT_NE(log.find("\n.; Failed to get hwopt handle.\n"), std::string::npos) << log;
     EXPECT_EQ(android::getOptHandle(), nullptr);
-    EXPECT_EQ(takeLogTexts().size(), 1u);
+    EXPECT_EQ(takeLogTexts().find("hwopt"), std::string::npos);
 }
 
-TEST_F(InitTest, FeatureSwitchIsClosedAgain) {
-    provideClient();
-    void* const handle = provideFeatures();
-    initialise();
-    EXPECT_FALSE(gDevice.reads.empty());
-    dlclose(handle);
+TEST_F(InitTest, TheFeatureLibraryIsClosedAgainAndTheClientIsNot) {
+    void* const features = provide(kFeatures);
+    brevoldInit();
+    EXPECT_NE(gDevice.reads, kReadsWithoutFeatures);
+    dlclose(features);
     EXPECT_EQ(dlopen("libfeatgate_system.so", RTLD_LAZY | RTLD_NOLOAD), nullptr);
-}
-
-TEST_F(InitTest, ClientHandleIsTheSameEveryTime) {
-    void* const handle = provideClient();
-    EXPECT_EQ(android::initPerfLock(), handle);
-    EXPECT_EQ(android::initPerfLock(), handle);
-    EXPECT_EQ(android::getOptHandle(), handle);
+    void* const client = provide(kClient);
+    for (int i = 0; i < 2; ++i)
+        EXPECT_EQ(android::initPerfLock(), client);
+    EXPECT_EQ(android::getOptHandle(), client);
 }
 
 class MissingFunctionTest : public DeviceTest, public testing::WithParamInterface<const char*> {};
 
 TEST_P(MissingFunctionTest, IsLoggedAndOnlyItsUserIsOff) {
     const std::string missing = GetParam();
-    provideClient("without_" + missing);
-    provideFeatures();
-    switchEverythingOn();
-    EXPECT_EQ(initialise(), missing != "perf_get_prop");
-    report(1, 0, 0, kPeriod60Ns);
-    report(1, 0, 0, kPeriod90Ns);
-
-    const std::string user = missing == "perf_hint"       ? "gPerfHintUpdate"
-                             : missing == "perf_get_prop" ? "gPerfGetProp"
-                             : missing == "perf_lock_rel" ? "gPerfLockRel"
-                                                          : "gPerfGetFeedback";
-    Texts log = {"Unable to get " + user + " function handle.\n"};
-    Texts calls = {"hint 4244 0 0x3c", "query 5633 com.example.game", "release 1",
-                   "hint 4244 0 0x5a"};
-    if (missing == "perf_get_prop") calls = {};
-    if (missing == "perf_lock_rel") calls.erase(calls.begin() + 2);
-    if (missing == "perf_get_feedback") calls.erase(calls.begin() + 1);
-    if (missing == "perf_hint") {
-        calls = {calls[1]};
-        log.insert(log.end(), 2, "Unable to get mPerfHint function handle.\n");
-    }
-    EXPECT_EQ(takeLogTexts(), log);
-    EXPECT_EQ(takeCalls(), calls);
+    provide(kClient, missing);
+    provide(kFeatures);
+    EXPECT_EQ(brevoldInit(), missing != "perf_get_prop");
+    const std::string calls = submit(frame()) + ", " + submit(frame(0, kLayer, kPeriod90Ns));
+    const std::map<std::string, std::pair<std::string, std::string>> expected = {
+            {"perf_get_prop", {"gPerfGetProp", ", "}},
+            {"perf_lock_rel",
+             {"gPerfLockRel", "hint 4244 0 0x3c; query 5633 com.example.game, hint 4244 0 0x5a"}},
+            {"perf_get_feedback",
+             {"gPerfGetFeedback", "hint 4244 0 0x3c, release 1; hint 4244 0 0x5a"}},
+            {"perf_hint",
+             {"gPerfHintUpdate function handle.\n; Unable to get mPerfHint function handle.\n; "
+              "Unable to get mPerfHint",
+              "query 5633 com.example.game, "}},
+    };
+    const auto& [name, due] = expected.at(missing);
+    EXPECT_EQ(takeLogTexts(), "Unable to get " + name + " function handle.\n");
+    EXPECT_EQ(calls, due);
 }
 
 INSTANTIATE_TEST_SUITE_P(Functions, MissingFunctionTest,
                          testing::Values("perf_hint", "perf_get_prop", "perf_lock_rel",
-                                         "perf_get_feedback"),
-                         [](const auto& test) { return std::string(test.param); });
+                                         "perf_get_feedback"));
 
 TEST_F(InitTest, DebugLayersAreSplitAtSingleBlanks) {
-    const std::pair<const char*, Texts> cases[] = {
-            {"", {}},
-            {"a", {"a"}},
-            {"a b", {"a", "b"}},
-            {"a b ", {"a", "b"}},
-            {"a  b", {"a", "", "b"}},
-            {" a", {"", "a"}},
-            {" ", {""}},
-            {"a\tb,c\nd", {"a\tb,c\nd"}},
+    using Names = std::vector<std::string>;
+    const std::pair<std::string, Names> cases[] = {
+            {"", {}},    {"a", {"a"}},      {"a b", {"a", "b"}},          {"a b ", {"a", "b"}},
+            {" ", {""}}, {" a", {"", "a"}}, {"a\tb,c\nd", {"a\tb,c\nd"}}, {"a  b", {"a", "", "b"}},
     };
-    for (const auto& [setting, layers] : cases) {
-        char list[92];
-        strcpy(list, setting);
-        std::vector<std::string> out = {"kept"};
-        android::addDebugLayers(list, out);
-        Texts expected = {"kept"};
-        expected.insert(expected.end(), layers.begin(), layers.end());
+    for (auto [setting, expected] : cases) {
+        Names out = {"kept"};
+        android::addDebugLayers(setting.data(), out);
+        expected.insert(expected.begin(), "kept");
         EXPECT_EQ(out, expected) << '"' << setting << '"';
     }
 }
 
 TEST_F(InitTest, DebugLayersComeFromTheSettingAndAreNeverForgotten) {
-    provideClient();
-    provideFeatures();
-    switchEverythingOn();
-    std::string& setting = gDevice.properties["vendor.perf.brevold.debug.layers"];
-    const auto reread = [&](const std::string& value) {
-        setting = value;
-        android::clearConfigs();
-        initialise();
+    provide(kFeatures);
+    const auto areListed = [](const char* setting, std::vector<std::string> layers) {
+        gDevice.properties["vendor.perf.brevold.debug.layers"] = setting;
+        restart();
+        std::string answers;
+        for (const std::string& layer : layers)
+            answers += android::isDebugLayer(layer) ? 'y' : 'n';
+        return answers;
     };
-    reread("NONEsuch a");
-    EXPECT_FALSE(android::isDebugLayer("a"));
-    EXPECT_FALSE(android::isDebugLayer("NONEsuch"));
-    reread("a " + std::string(200, 'b'));
-    EXPECT_TRUE(android::isDebugLayer("a"));
-    EXPECT_TRUE(android::isDebugLayer(std::string(89, 'b')));  // the setting's 91 bytes end here
-    for (const char* other : {"", "A", "ab", "aa", " "}) {
-        EXPECT_FALSE(android::isDebugLayer(other)) << other;
-    }
-    reread("c  d");
-    for (const char* layer : {"a", "c", "", "d"})
-        EXPECT_TRUE(android::isDebugLayer(layer)) << layer;
+    EXPECT_EQ(areListed("NONEsuch a", {"a", "NONEsuch"}), "nn");
+    // A setting's 91 bytes end within its second name.
+    EXPECT_EQ(areListed(("a " + std::string(200, 'b')).c_str(),
+                        {"a", std::string(89, 'b'), "", "A", "ab", "aa", " "}),
+              "yynnnnn");
+    EXPECT_EQ(areListed("c  d", {"a", "c", "", "d"}), "yyyy");
 }
 
 TEST_F(InitTest, CheckWantsATargetAppAndTheFirstTwoLetters) {
+    // Nothing is on before the initialisation.
+    EXPECT_EQ(submit(frame(9)), "");
+    brevoldRefresh();
+    EXPECT_EQ(brevoldScaling(9, 0), 0);
+    EXPECT_EQ(brevoldMonitor(0, kPeriod60Ns), 0);
     EXPECT_FALSE(brevoldCheck("sf"));
-    startTargetApp();
+    provide(kFeatures);
+    brevoldInit();
+    EXPECT_FALSE(brevoldCheck("sf"));
+    submit(frame());
     for (const char* name : {"sf", "sfEventThread"})
         EXPECT_TRUE(brevoldCheck(name)) << name;
     for (const char* name : {"s", "", "SF", "fs", "Sf"})
@@ -215,9 +173,9 @@ TEST_F(InitTest, CheckWantsATargetAppAndTheFirstTwoLetters) {
     EXPECT_FALSE(brevoldCheck(nullptr));
     android::clearConfigs();
     EXPECT_FALSE(brevoldCheck("sf"));
-    initialise();
+    brevoldInit();
     EXPECT_FALSE(brevoldCheck("sf"));
-    report(1, 0, 0, kPeriod60Ns);  // its type was forgotten, and its name was not
+    submit(frame());  // its type was forgotten, and its name was not
     EXPECT_FALSE(brevoldCheck("sf"));
 }
 

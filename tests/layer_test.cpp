@@ -5,77 +5,52 @@
 namespace brevold::test {
 namespace {
 
-using LayerTest = DeviceTest;
+struct NameTest : testing::Test {};
+using LayerTest = TargetAppTest;
 
-struct NameCase {
-    std::string layer;
-    const char* package;
-};
-
-TEST_F(LayerTest, PackageNameOfALayerName) {
-    const NameCase cases[] = {
-            {"SurfaceView - com.example.player/com.example.player.MainActivity#0",
-             "com.example.player"},
-            {"com.example.player/com.example.player.MainActivity#0", "com.example.player"},
+TEST_F(NameTest, PackageNameOfALayerName) {
+    const std::pair<std::string, std::string> cases[] = {
+            {"SurfaceView - com.example.player/com.example.player.Main#0", "com.example.player"},
+            {"com.example.player/com.example.player.Main#0", "com.example.player"},
+            {"SurfaceView[com.example.player/Main]#0", "SurfaceView[com.example.player"},
             {"SurfaceView\t\tcom.example.video/Player#5", "com.example.video"},
+            {"com.example.player/com.example.player.Main", ""},
             {"com.example.game#12", "com.example.game"},
-            {"StatusBar#0", "StatusBar"},
-            {"a#1#2", "a#1"},
-            {"a#1/b#2", "a#1"},
-            {"SurfaceView#0", "SurfaceView"},
             {"surfaceview - a#0", "surfaceview - a"},
-            {"SurfaceView[com.example.player/com.example.player.MainActivity]#0",
-             "SurfaceView[com.example.player"},
+            {"SurfaceView#0", "SurfaceView"},
             {"SurfaceView - /x#0", " "},
-            {"SurfaceView -#0", "-"},
             {"SurfaceView-\n x#0", "x"},
-            {"com.example.player/com.example.player.MainActivity", ""},
-            {"#3", ""},
-            {"##3", "#"},
-            {"/x#0", ""},
-            {"a/b#1/c", ""},
-            {"a/b#12 ", ""},
-            {"a/b#", ""},
-            {"", ""},
-            {"a\nb#0", "a\nb"},
-            {"a/b\nc#0", ""},
-            {"a/b\rc#0", ""},
-            {"a\n/b#0", "a\n"},
-            {std::string("a\0b/c#0", 7), "a"},
             {"caf\xc3\xa9/\xff#0", "caf\xc3\xa9"},
+            {{"a\0b/c#0", 7}, {"a\0b", 3}},
+            {"a/b#12 ", ""},
     };
-    for (const NameCase& c : cases) {
-        // The zero byte ends the expected text, so compare that much.
-        EXPECT_STREQ(android::getPackageName(c.layer).c_str(), c.package) << c.layer;
-    }
+    for (const auto& [layer, package] : cases)
+        EXPECT_EQ(android::getPackageName(layer), package) << layer;
 }
 
-/** Every name of up to so many tokens, each also with an end that a package needs. */
-void compareWithExpression(const std::string& name, int tokensLeft, size_t& compared) {
+// Every name that begins so and goes on with up to so many tokens, each also with an end that a
+// package needs.
+void compareWithExpression(const std::string& name, int tokensLeft) {
     static const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+");
     for (const std::string& layer : {name, name + "#7"}) {
         std::smatch match;
         const bool isMatch = std::regex_match(layer, match, expression);
-        const std::string package = android::getPackageName(layer);
-        ASSERT_EQ(package, isMatch ? match[1].str() : "") << testing::PrintToString(layer);
-        ++compared;
+        ASSERT_EQ(android::getPackageName(layer), isMatch ? match[1].str() : "") << layer;
     }
     if (tokensLeft == 0) return;
     for (const char* token :
          {"SurfaceView", "S", "a", "/", "#", "0", "-", " ", "\t", "\n", "\r", "\xe9"}) {
-        compareWithExpression(name + token, tokensLeft - 1, compared);
+        compareWithExpression(name + token, tokensLeft - 1);
         if (testing::Test::HasFatalFailure()) return;
     }
 }
 
-TEST_F(LayerTest, PackageNameIsTheExpressionsForEveryShortName) {
-    constexpr int kTokens = 5;
-    size_t compared = 0;
-    compareWithExpression("", kTokens, compared);
-    EXPECT_EQ(compared, 2u * 271453);  // 12^0 + ... + 12^5
+TEST_F(NameTest, PackageNameIsTheExpressionsForEveryShortName) {
+    for (const char* begin : {"", "SurfaceView-"})
+        compareWithExpression(begin, 4);
 }
 
-TEST_F(LayerTest, PackageNameOfALongNameIsFoundWithoutMatchingAllOfIt) {
+TEST_F(NameTest, PackageNameOfALongNameIsFoundWithoutMatchingAllOfIt) {
     constexpr size_t kLongest = 65536;
     const auto filled = [](const std::string& begin, char fill, const std::string& end) {
         return begin + std::string(kLongest - begin.size() - end.size(), fill) + end;
@@ -100,83 +75,69 @@ TEST_F(LayerTest, PackageNameOfALongNameIsFoundWithoutMatchingAllOfIt) {
         EXPECT_TRUE(android::getPackageName(layer) == package) << layer.substr(0, 16);
 }
 
+void setLayer(const char* name, int keyA = 0, int keyB = 0) {
+    android::brevoldLayerStatusCheck(false, name, keyA, keyB);
+}
+
 TEST_F(LayerTest, AsksTheServiceOncePerNewName) {
-    provideClient();
-    provideFeatures();
-    switchEverythingOn();
-    initialise();
-    takeCalls();
-    const auto check = [](const char* name, int keyA, int keyB) {
-        android::brevoldAppTypeCheck(name);
-        android::brevoldLayerStatusCheck(false, name, keyA, keyB);
-        return takeCalls();
+    struct Row {
+        const char* name;
+        int appType;
+        const char* calls;
+        bool isTarget;
     };
-    EXPECT_EQ(check("com.example.a/Main#0", 7, 9), Texts{"query 5633 com.example.a"});
-    EXPECT_TRUE(brevoldCheck("sf"));
-    EXPECT_EQ(check("com.example.a/Main#0", 7, 9), Texts{});
-    EXPECT_EQ(check("com.example.a/Main#0", 7, 8), Texts{});
-    gDevice.appType = 3;
-    EXPECT_EQ(check("com.example.a/Main#1", 7, 8), Texts{"query 5633 com.example.a"});
-    EXPECT_FALSE(brevoldCheck("sf"));
-    gDevice.appType = 2;
-    EXPECT_EQ(check("com.example.b", 7, 8), Texts{});  // no package name: the old type stands
-    EXPECT_FALSE(brevoldCheck("sf"));
-    EXPECT_EQ(check("com.example.b#0", 7, 8), Texts{"query 5633 com.example.b"});
-    EXPECT_TRUE(brevoldCheck("sf"));
+    const Row rows[] = {
+            {"com.example.a/Main#0", 2, "query 5633 com.example.a", true},
+            {"com.example.a/Main#0", 3, "", true},
+            {"com.example.a/Main#1", 3, "query 5633 com.example.a", false},
+            {"com.example.b", 2, "", false},  // no package name: the old type stands
+            {"com.example.b#0", 2, "query 5633 com.example.b", true},
+            {"com.example.c#0", 1, "query 5633 com.example.c", false},
+    };
+    for (const Row& row : rows) {
+        gDevice.appType = row.appType;
+        android::brevoldAppTypeCheck(row.name);
+        EXPECT_EQ(takeCalls(), row.calls) << row.name;
+        setLayer(row.name);
+        EXPECT_EQ(brevoldCheck("sf"), row.isTarget) << row.name;
+    }
 }
 
 TEST_F(LayerTest, SkippedAndDebugLayersChangeNothing) {
     gDevice.properties["vendor.perf.brevold.debug.layers"] = "debug#0";
-    startTargetApp();
-    ASSERT_TRUE(brevoldCheck("sf"));
+    restartWith("com.example.a#0");
     gDevice.appType = 3;
+    takeCalls();
     android::brevoldAppTypeCheck("debug#0");
-    EXPECT_EQ(takeCalls(), Texts{});
+    EXPECT_EQ(takeCalls(), "");
     android::brevoldAppTypeCheck("com.example.b#0");
-    EXPECT_EQ(takeCalls(), Texts{"query 5633 com.example.b"});
     android::brevoldLayerStatusCheck(true, "com.example.b#0", 1, 2);
-    android::brevoldLayerStatusCheck(false, "debug#0", 1, 2);
+    setLayer("debug#0");
     EXPECT_TRUE(brevoldCheck("sf"));
-    android::brevoldLayerStatusCheck(false, "com.example.b#0", 1, 2);
+    setLayer("com.example.b#0");
     EXPECT_FALSE(brevoldCheck("sf"));
 }
 
 TEST_F(LayerTest, ANewLayerForgetsTheModeAndAnUnchangedOneKeepsIt) {
-    startTargetApp();
-    const auto qbHint = [] {
-        android::energyScaling(1.0f, 1, 0, 1);
-        return takeCalls().size();
-    };
-    const auto status = [](const char* name, int keyA, int keyB) {
-        android::brevoldLayerStatusCheck(false, name, keyA, keyB);
-    };
     measure(kPeriod60Ns);
-    takeCalls();
-    status(kLayer, 0, 0);
-    EXPECT_EQ(qbHint(), 1u);
+    setLayer(kLayer);
+    EXPECT_TRUE(hasMode());
     const std::tuple<const char*, int, int> changes[] = {
             {"x", 0, 0}, {"x", 1, 0}, {"x", 1, 1}, {"xy", 1, 1}, {"x", 1, 1}};
     for (const auto& [name, keyA, keyB] : changes) {
         measure(kPeriod60Ns);
-        takeCalls();
-        status(name, keyA, keyB);
-        EXPECT_EQ(qbHint(), 0u) << name << keyA << keyB;
+        setLayer(name, keyA, keyB);
+        EXPECT_FALSE(hasMode()) << name << keyA << keyB;
     }
-}
-
-TEST_F(LayerTest, TheNameOutlivesAClearAndTheKeysDoNot) {
-    startTargetApp();
-    android::brevoldLayerStatusCheck(false, "com.example.b#0", 1, 0);
-    android::clearConfigs();
-    initialise();
+    // The name outlives a reset and the keys do not.
+    setLayer("com.example.b#0", 1, 1);
+    restart();
     takeCalls();
     android::brevoldAppTypeCheck("com.example.b#0");
-    EXPECT_EQ(takeCalls(), Texts{});
+    EXPECT_EQ(takeCalls(), "");
     measure(kPeriod60Ns);
-    takeCalls();
-    android::brevoldLayerStatusCheck(false, "com.example.b#0", 0, 0);  // unchanged: keys are 0
-    android::energyScaling(1.0f, 1, 0, 1);
-    EXPECT_EQ(takeCalls().size(), 1u);
+    setLayer("com.example.b#0");
+    EXPECT_TRUE(hasMode());
 }
 
 }  // namespace

@@ -15,166 +15,167 @@ namespace {
 
 int64_t gNowNs;
 
-void* provide(const std::string& path) {
-    void* const handle = dlopen((BREVOLD_TEST_STANDINS "/" + path).c_str(), RTLD_NOW);
-    EXPECT_NE(handle, nullptr) << dlerror();
-    return handle;
+void append(std::string& list, const std::string& text) {
+    list += (list.empty() ? "" : "; ") + text;
 }
 
-std::string propertyOf(const char* key, const char* fallback) {
-    gDevice.reads.push_back(std::string(key) + "=" + fallback);
+std::string propertyOf(const std::string& key, const std::string& fallback) {
+    append(gDevice.reads, key + "=" + fallback);
     const auto found = gDevice.properties.find(key);
-    return found == gDevice.properties.end() ? fallback : found->second;
+    if (found != gDevice.properties.end()) return found->second;
+    return gDevice.isOn && fallback != "NONE" ? "1" : fallback;
 }
 
 }  // namespace
 
 DeviceTest::DeviceTest() {
-    gNowNs = 100 * kSecondNs;
-    host::setTimeNs(gNowNs);
+    advance(100 * kSecondNs);
 }
 
-void* DeviceTest::provideClient(const std::string& variant) {
-    return provide("perfd_" + variant + "/libvnx-perfd-client_system.so");
+void TargetAppTest::SetUp() {
+    provide(kClient);
+    provide(kFeatures);
+    ASSERT_TRUE(brevoldInit());
+    submit(frame());
 }
 
-void* DeviceTest::provideFeatures(const std::string& variant) {
-    return provide("featgate_" + variant + "/libfeatgate_system.so");
+void* provide(const std::string& library, const std::string& without) {
+    const std::string path = BREVOLD_TEST_STANDINS "/without_" + without + "/" + library;
+    void* const handle = dlopen(path.c_str(), RTLD_NOW);
+    EXPECT_NE(handle, nullptr) << dlerror();
+    return handle;
 }
 
-void DeviceTest::switchEverythingOn() {
-    for (const char* key : {"vendor.display.use_smooth_motion", "vendor.perf.fps_switch.enable",
-                            "vendor.perf.jr10.enable", "vendor.perf.pfar.enable",
-                            "vendor.perf.brevold.debug", "vendor.perf.pfar.down.enable"}) {
-        gDevice.properties[key] = "1";
-    }
-    gDevice.features = {4, 5};
-}
-
-bool DeviceTest::initialise() {
+bool restart() {
+    android::clearConfigs();
     const bool anyFeature = brevoldInit();
     host::settle();
     return anyFeature;
 }
 
-void DeviceTest::restartWith(const std::string& layer) {
-    android::clearConfigs();
-    initialise();
-    for (int i = 0; i < 2; ++i)
-        report(1, 0, 0, kPeriod60Ns, layer);
-    takeCalls();
+void restartWith(const std::string& layer) {
+    restart();
+    submit(frame(0, layer));
+    submit(frame(0, layer));
 }
 
-void DeviceTest::startTargetApp() {
-    provideClient();
-    provideFeatures();
-    switchEverythingOn();
-    ASSERT_TRUE(initialise());
-    report(1, 0, 0, kPeriod60Ns);
-    takeCalls();
-    host::takeTraceMarks();
-}
-
-Texts DeviceTest::takeCalls() {
+std::string takeCalls() {
     host::settle();
     return std::exchange(gDevice.calls, {});
 }
 
-Texts DeviceTest::takeLogTexts() {
-    Texts texts;
+std::string takeLogTexts() {
+    std::string texts;
     for (const host::LogLine& line : host::takeLog()) {
         EXPECT_EQ(line.priority, 6);
         EXPECT_EQ(line.tag, "Brevold");
-        texts.push_back(line.text);
+        append(texts, line.text);
     }
     return texts;
 }
 
-Texts DeviceTest::takeLabels() {
-    Texts labels;
+std::string takeLabels() {
+    std::string labels;
     bool isOpen = false;
     for (const host::TraceMark& mark : host::takeTraceMarks()) {
         EXPECT_EQ(mark.isBegin, !isOpen) << mark.label;
         isOpen = mark.isBegin;
-        if (mark.isBegin) labels.push_back(mark.label);
+        if (mark.isBegin) append(labels, mark.label);
     }
     EXPECT_FALSE(isOpen);
     return labels;
 }
 
-void DeviceTest::advance(int64_t byNs) {
+void advance(int64_t byNs) {
     gNowNs += byNs;
     host::setTimeNs(gNowNs);
 }
 
-void DeviceTest::measure(int64_t intervalNs) {
-    advance(kSecondNs);
-    brevoldRefresh();
-    for (int64_t elapsedNs = 0; elapsedNs <= kSecondNs + intervalNs; elapsedNs += intervalNs) {
+void tick(int64_t intervalNs, int count) {
+    for (; count > 0; --count) {
         advance(intervalNs);
         brevoldRefresh();
     }
-    host::settle();
 }
 
-void DeviceTest::report(int32_t queuedFrames, int64_t diffSFToQBNs, int64_t diffQBNs,
-                        int64_t periodNs, const std::string& name) {
+void measure(int64_t intervalNs) {
+    tick(kSecondNs);
+    tick(intervalNs, static_cast<int>(kSecondNs / intervalNs) + 2);
+    takeCalls();
+}
+
+LayerFrameInfo frame(int32_t queuedFrames, const std::string& name, int64_t periodNs) {
     LayerFrameInfo info = {};
     info.lastMaxQueuedFrames = queuedFrames;
     info.layerName = info.peerLayerName = name;
-    info.qbTime = gNowNs;
-    info.lastQbTime = gNowNs - diffQBNs;
-    info.sfTime = gNowNs - diffSFToQBNs;
+    info.sfTime = 1;
+    info.qbTime = 3000001;
+    info.lastQbTime = info.qbTime - 8000000;
     info.refreshPeriod = periodNs;
+    return info;
+}
+
+std::string submit(LayerFrameInfo info) {
     EXPECT_EQ(brevoldOnFrameAvailable(&info), 0);
-    host::settle();
+    return takeCalls();
+}
+
+std::string request(float scale, unsigned direction, unsigned boostLevel, int channel) {
+    android::energyScaling(scale, direction, boostLevel, channel);
+    return takeCalls();
+}
+
+std::string wake(size_t thread) {
+    host::wakeSpuriously(thread);
+    return takeCalls();
+}
+
+bool hasMode() {
+    return !request(1.0f, 1, 0, kQb).empty();
 }
 
 }  // namespace brevold::test
 
-using brevold::test::gDevice;
+using namespace brevold::test;
 
 int property_get(const char* key, char* value, const char* fallback) {
-    const std::string text = brevold::test::propertyOf(key, fallback);
-    const size_t length = text.copy(value, PROPERTY_VALUE_MAX - 1);
-    value[length] = '\0';
-    return static_cast<int>(length);
+    return snprintf(value, PROPERTY_VALUE_MAX, "%s", propertyOf(key, fallback).c_str());
 }
 
 extern "C" {
 
-int testPerfHint(int hint, const char* package, int duration, int type) {
+int test_perf_hint(int hint, const char* package, int duration, int type) {
     if (gDevice.onHint != nullptr) return gDevice.onHint(hint, duration, type);
     char text[80];
     snprintf(text, sizeof(text), "hint %d %s%d 0x%x", hint, package == nullptr ? "" : package,
              duration, static_cast<unsigned>(type));
-    gDevice.calls.push_back(text);
+    append(gDevice.calls, text);
     const int handle = gDevice.nextHandle > 0 ? gDevice.nextHandle++ : gDevice.nextHandle;
     if (gDevice.duringHint != nullptr) gDevice.duringHint();
     return handle;
 }
 
-android::PerfSetting testPerfGetProp(const char* key, const char* fallback) {
+android::PerfSetting test_perf_get_prop(const char* key, const char* fallback) {
     android::PerfSetting answer;
     // Not terminated where the text fills the record: the library has to bound its copy.
     memset(answer.text, 'x', sizeof(answer.text));
-    const std::string text = brevold::test::propertyOf(key, fallback);
+    const std::string text = propertyOf(key, fallback);
     memcpy(answer.text, text.c_str(), std::min(text.size() + 1, sizeof(answer.text)));
     return answer;
 }
 
-int testPerfLockRel(int handle) {
-    gDevice.calls.push_back("release " + std::to_string(handle));
+int test_perf_lock_rel(int handle) {
+    append(gDevice.calls, "release " + std::to_string(handle));
     return -1;
 }
 
-int testPerfGetFeedback(int query, const char* package) {
-    gDevice.calls.push_back("query " + std::to_string(query) + " " + package);
+int test_perf_get_feedback(int query, const char* package) {
+    append(gDevice.calls, "query " + std::to_string(query) + " " + package);
     return gDevice.appType;
 }
 
-int testIsFeatureEnabled(int feature) {
-    gDevice.reads.push_back("feature " + std::to_string(feature));
+int test_IsFeatureEnabled(int feature) {
+    append(gDevice.reads, "feature " + std::to_string(feature));
     return gDevice.features.count(feature) != 0 ? -1 : 0;
 }
 }

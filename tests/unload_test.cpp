@@ -12,11 +12,9 @@
 #include "host/perfd_client.h"
 #include "host/virtual_platform.h"
 
-namespace {
-
 using namespace brevold::host;
 
-constexpr size_t kSfThread = 0;
+namespace {
 
 int gHints;
 
@@ -26,20 +24,16 @@ void require(bool condition, const char* what) {
     _exit(1);
 }
 
-void* open(const std::string& path) {
-    void* const handle = dlopen(path.c_str(), RTLD_NOW);
-    require(handle != nullptr, dlerror());
-    return handle;
-}
-
 template <typename Function>
-Function find(void* library, const char* symbol) {
-    return reinterpret_cast<Function>(dlsym(library, symbol));
+Function find(const char* library, const char* symbol) {
+    void* const handle = dlopen(library, RTLD_NOW);
+    require(handle != nullptr, library);
+    return reinterpret_cast<Function>(dlsym(handle, symbol));
 }
 
 void wakeWorker(const char* when) {
     const int before = gHints;
-    wakeSpuriously(kSfThread);
+    wakeSpuriously(0);
     settle();
     require(gHints == before + 1, when);
 }
@@ -48,19 +42,20 @@ void wakeWorker(const char* when) {
 
 int main() {
     atexit([] { wakeWorker("no hint after the library's destructors"); });
-    for (const char* entry : {"vendor.perf.pfar.enable=1", "feature.5=1"})
-        setProfileEntry(entry);
-    open(BREVOLD_STANDINS "/libfeatgate_system.so");
-    find<decltype(&perfd_set_listener)>(open(BREVOLD_STANDINS "/libvnx-perfd-client_system.so"),
+    setProfileEntry("vendor.perf.pfar.enable=1");
+    setProfileEntry("feature.5=1");
+    find<void*>(BREVOLD_STANDINS "/libfeatgate_system.so", "IsFeatureEnabled");
+    find<decltype(&perfd_set_listener)>(BREVOLD_STANDINS "/libvnx-perfd-client_system.so",
                                         kSetServiceListener)(
             [](const ServiceCall&, void*) { ++gHints; }, nullptr);
 
-    void* const library = open(BREVOLD_LIBRARY);
-    require(find<bool (*)()>(library, "brevoldInit")(), "no feature is on");
+    void* const library = dlopen(BREVOLD_LIBRARY, RTLD_NOW);
+    require(library != nullptr, dlerror());
+    require(reinterpret_cast<bool (*)()>(dlsym(library, "brevoldInit"))(), "no feature is on");
     settle();
     // Without a boost the "SF" worker sends a release at every wake-up.
-    find<void (*)(float, unsigned, unsigned, int)>(library, "_ZN7android13energyScalingEfjji")(
-            1.0f, 1, 0, 0);
+    reinterpret_cast<void (*)(float, unsigned, unsigned, int)>(
+            dlsym(library, "_ZN7android13energyScalingEfjji"))(1.0f, 1, 0, 0);
     settle();
     require(gHints == 1, "no hint before the library is closed");
     require(dlclose(library) == 0, "the library cannot be closed");

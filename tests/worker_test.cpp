@@ -1,3 +1,5 @@
+#include <semaphore.h>
+
 #include <cerrno>
 #include <cmath>
 #include <cstring>
@@ -7,30 +9,32 @@
 namespace brevold::test {
 namespace {
 
-constexpr int kSf = 0;
-constexpr int kQb = 1;
-constexpr size_t kSfThread = 0;
-constexpr size_t kQbThread = 1;
+constexpr char kHalf[] = "hint 4166 19 0x4101f4";
 
-class WorkerTest : public DeviceTest {
-  protected:
-    static Texts request(float scale, unsigned direction, unsigned boostLevel, int channel) {
-        android::energyScaling(scale, direction, boostLevel, channel);
-        return takeCalls();
+struct WorkerTest : TargetAppTest {
+    void SetUp() override {
+        TargetAppTest::SetUp();
+        takeLabels();
     }
 };
 
-struct WordCase {
-    float scale;
-    unsigned direction;
-    unsigned boostLevel;
-    const char* word;
-};
+std::string requestBoost() {
+    return request(10.0f, 2, 2, kSf);
+}
+
+std::string release() {
+    android::releaseScaling();
+    return takeCalls();
+}
 
 TEST_F(WorkerTest, QbTypeWordIsPackedUnmasked) {
-    startTargetApp();
     measure(kPeriod60Ns);
-    const WordCase cases[] = {
+    struct Row {
+        float scale;
+        unsigned direction, boostLevel;
+        const char* word;
+    };
+    const Row rows[] = {
             {10.0f, 2, 2, "0x522710"},      {0.5f, 1, 0, "0x4101f4"},
             {0.0f, 1, 0, "0x410000"},       {-1.0f, 1, 0, "0x410000"},
             {NAN, 1, 0, "0x410000"},        {65.535f, 1, 0, "0x41ffff"},
@@ -41,148 +45,142 @@ TEST_F(WorkerTest, QbTypeWordIsPackedUnmasked) {
             {1.0f, 8, 1, "0x4803e8"},       {1.0f, 4, 0, "0x4403e8"},
             {1.0f, 0x10001, 0, "0x4103e8"}, {1.0f, 1, 0x2000, "0x4103e8"},
     };
-    for (const WordCase& c : cases) {
-        EXPECT_EQ(request(c.scale, c.direction, c.boostLevel, kQb),
-                  Texts{std::string("hint 4166 19 ") + c.word})
-                << c.scale << ' ' << c.direction << ' ' << c.boostLevel;
-    }
-}
-
-TEST_F(WorkerTest, QbDurationFollowsTheMode) {
-    startTargetApp();
-    EXPECT_EQ(request(0.5f, 1, 0, kQb), Texts{});
-    EXPECT_EQ(takeLogTexts(), Texts{"mPerfHint is null."});
-    const std::pair<int64_t, std::string> cases[] = {
-            {kPeriod60Ns, "19"}, {kPeriod90Ns, "13"}, {kPeriod120Ns, "10"}};
-    for (const auto& [intervalNs, duration] : cases) {
-        measure(intervalNs);
-        takeCalls();
-        EXPECT_EQ(request(0.5f, 1, 0, kQb), Texts{"hint 4166 " + duration + " 0x4101f4"});
+    for (const Row& row : rows) {
+        EXPECT_EQ(request(row.scale, row.direction, row.boostLevel, kQb),
+                  std::string("hint 4166 19 ") + row.word)
+                << row.scale << ' ' << row.direction << ' ' << row.boostLevel;
     }
 }
 
 TEST_F(WorkerTest, QbSendsTheLastRequestAtEveryWakeUp) {
-    startTargetApp();
     measure(kPeriod60Ns);
-    takeCalls();
-    EXPECT_EQ(request(0.25f, 2, 2, kQb), Texts{"hint 4166 19 0x5200fa"});
-    host::takeTraceMarks();
-    host::wakeSpuriously(kQbThread);
-    EXPECT_EQ(takeCalls(), Texts{"hint 4166 19 0x5200fa"});
-    EXPECT_EQ(takeLabels(), Texts{"energyScaling[Scale:0.25]"});
+    takeLabels();
+    host::holdWorkers();
+    android::energyScaling(0.25f, 1, 0, kQb);
+    android::energyScaling(0.5f, 1, 0, kQb);
+    host::letWorkersGo();
+    EXPECT_EQ(takeCalls(), kHalf);
+    EXPECT_EQ(wake(kQb), kHalf);
+    EXPECT_EQ(takeLabels(), "energyScaling[Scale:0.50]; energyScaling[Scale:0.50]");
 }
 
 TEST_F(WorkerTest, SfBoostsOnceAndReleasesWithTheCount) {
-    startTargetApp();
-    EXPECT_EQ(request(10.0f, 2, 2, kSf), Texts{"hint 4166 2000 0x122710"});
-    EXPECT_EQ(request(10.0f, 2, 2, kSf), Texts{});
-    host::wakeSpuriously(kSfThread);
-    EXPECT_EQ(takeCalls(), Texts{});
-    EXPECT_EQ(takeLabels(), Texts{"energyScaling[jank]"});
-
-    android::releaseScaling();
-    EXPECT_EQ(takeCalls(), Texts{"hint 4166 0 0x2"});
-    EXPECT_EQ(takeLabels(), Texts{"energyScaling[jank]-rel"});
+    EXPECT_EQ(requestBoost(), kBoostHint);
+    EXPECT_EQ(requestBoost(), "");
+    EXPECT_EQ(request(1.0f, 1, 0, kSf), "");  // not a boost, and one is pending and sent
+    EXPECT_EQ(wake(kSf), "");
+    EXPECT_EQ(takeLabels(), "energyScaling[jank]");
+    EXPECT_EQ(release(), "hint 4166 0 0x2");
+    EXPECT_EQ(takeLabels(), "energyScaling[jank]-rel");
     const int signals = host::signalCount();
-    android::releaseScaling();
+    EXPECT_EQ(release(), "");
     EXPECT_EQ(host::signalCount(), signals);
-    EXPECT_EQ(takeCalls(), Texts{});
 
-    host::wakeSpuriously(kSfThread);  // a release even with nothing boosted
-    EXPECT_EQ(takeCalls(), Texts{"hint 4166 0 0x0"});
-    EXPECT_EQ(request(10.0f, 2, 2, kSf), Texts{"hint 4166 2000 0x122710"});
-}
-
-TEST_F(WorkerTest, ANewerRequestOverwritesAnUnsentOne) {
-    startTargetApp();
-    measure(kPeriod60Ns);
-    takeCalls();
-    host::holdWorkers();
-    android::energyScaling(0.5f, 1, 0, kQb);
-    android::energyScaling(0.25f, 1, 0, kQb);
-    host::letWorkersGo();
-    EXPECT_EQ(takeCalls(), Texts{"hint 4166 19 0x4100fa"});
-}
-
-TEST_F(WorkerTest, ABoostRequestWhileTheReleaseIsUnsentIsOnlyCounted) {
-    startTargetApp();
-    request(10.0f, 2, 2, kSf);
+    EXPECT_EQ(wake(kSf), "hint 4166 0 0x0");  // a release even with nothing boosted
+    EXPECT_EQ(request(1.0f, 1, 0, kSf), "hint 4166 0 0x0");
+    EXPECT_EQ(request(10.0f, 2, 1, kSf), "hint 4166 2000 0xa2710");
+    // Requested while the release is unsent, a boost is only counted.
     host::holdWorkers();
     android::releaseScaling();
     android::energyScaling(10.0f, 2, 2, kSf);
     host::letWorkersGo();
-    EXPECT_EQ(takeCalls(), Texts{"hint 4166 0 0x2"});
-    host::wakeSpuriously(kSfThread);  // nothing is pending any more
-    EXPECT_EQ(takeCalls(), Texts{"hint 4166 0 0x0"});
+    EXPECT_EQ(takeCalls(), "hint 4166 0 0x2");
+    EXPECT_EQ(wake(kSf), "hint 4166 0 0x0");  // nothing is pending any more
+
+    EXPECT_EQ(requestBoost(), kBoostHint);
+    android::clearConfigs();
+    EXPECT_EQ(release(), "hint 4166 0 0x1");  // with the feature off
 }
 
-TEST_F(WorkerTest, SfPlainRequestReleases) {
-    startTargetApp();
-    EXPECT_EQ(request(10.0f, 2, 2, kSf), Texts{"hint 4166 2000 0x122710"});
-    EXPECT_EQ(request(1.0f, 1, 0, kSf), Texts{});  // still pending and boosted
-    android::releaseScaling();
-    EXPECT_EQ(takeCalls(), Texts{"hint 4166 0 0x1"});
-    EXPECT_EQ(request(1.0f, 1, 0, kSf), Texts{"hint 4166 0 0x0"});
-}
-
-TEST_F(WorkerTest, NothingIsSentBeforeTheFirstRequest) {
-    startTargetApp();
-    for (const size_t thread : {kSfThread, kQbThread}) {
-        host::wakeSpuriously(thread);
-        EXPECT_EQ(takeCalls(), Texts{});
-        EXPECT_EQ(takeLogTexts(), Texts{"mPerfHint is null."});
+TEST_F(WorkerTest, NothingIsSentBeforeTheFirstRequestOrWithoutAMode) {
+    for (const int thread : {kSf, kQb}) {
+        EXPECT_EQ(wake(static_cast<size_t>(thread)), "");
+        EXPECT_EQ(takeLogTexts(), "mPerfHint is null.");
     }
+    EXPECT_FALSE(hasMode());
+    EXPECT_EQ(takeLogTexts(), "mPerfHint is null.");
 }
 
 TEST_F(WorkerTest, DropsRequestsWithoutDirectionChannelOrFeature) {
-    startTargetApp();
-    measure(kPeriod60Ns);
-    takeCalls();
     const int signals = host::signalCount();
-    request(1.0f, 0, 2, kSf);
-    request(1.0f, 0, 2, kQb);
+    for (const int channel : {kSf, kQb})
+        request(1.0f, 0, 2, channel);
     for (const int channel : {-1, 2, 7})
         request(1.0f, 1, 2, channel);
     android::clearConfigs();
-    request(1.0f, 2, 2, kSf);
-    request(1.0f, 2, 2, kQb);
+    for (const int channel : {kSf, kQb})
+        request(1.0f, 2, 2, channel);
     EXPECT_EQ(host::signalCount(), signals);
-    EXPECT_TRUE(takeLogTexts().size() == 1);  // the measuring window's line
-}
-
-TEST_F(WorkerTest, ReleaseWorksWithTheFeatureOff) {
-    startTargetApp();
-    EXPECT_EQ(request(10.0f, 2, 2, kSf), Texts{"hint 4166 2000 0x122710"});
-    android::clearConfigs();
-    android::releaseScaling();
-    EXPECT_EQ(takeCalls(), Texts{"hint 4166 0 0x1"});
 }
 
 TEST_F(WorkerTest, AFailedWaitEndsTheThreadForGood) {
-    startTargetApp();
-    host::failWait(kQbThread, EINVAL);
+    host::failWait(kQb, EINVAL);
     host::settle();
-    EXPECT_EQ(takeLogTexts(), (Texts{std::string("error waiting for new events: ") +
-                                     strerror(EINVAL) + " (" + std::to_string(-EINVAL) + ")"}));
-    EXPECT_EQ(request(1.0f, 1, 0, kQb), Texts{});
-    EXPECT_EQ(request(10.0f, 2, 2, kSf), Texts{"hint 4166 2000 0x122710"});
+    EXPECT_EQ(takeLogTexts(), std::string("error waiting for new events: ") + strerror(EINVAL) +
+                                      " (" + std::to_string(-EINVAL) + ")");
+    EXPECT_EQ(request(1.0f, 1, 0, kQb), "");
+    EXPECT_EQ(requestBoost(), kBoostHint);
 }
 
-TEST_F(WorkerTest, WithoutDebugThereAreNoSections) {
-    provideClient();
-    provideFeatures();
-    switchEverythingOn();
-    gDevice.properties["vendor.perf.brevold.debug"] = "0";
-    initialise();
-    EXPECT_EQ(request(10.0f, 2, 2, kSf), Texts{"hint 4166 2000 0x122710"});
-    EXPECT_EQ(takeLabels(), Texts{});
-}
-
-TEST_F(WorkerTest, SectionsWantTheTag) {
-    startTargetApp();
+TEST_F(WorkerTest, OutputWantsDebugAndSectionsTheTag) {
     host::setEnabledTraceTags(~uint64_t{1});
-    EXPECT_EQ(request(10.0f, 2, 2, kSf), Texts{"hint 4166 2000 0x122710"});
+    EXPECT_EQ(requestBoost(), kBoostHint);
     EXPECT_TRUE(host::takeTraceMarks().empty());
+    host::setEnabledTraceTags(~uint64_t{0});
+    gDevice.properties["vendor.perf.brevold.debug"] = "0";
+    restart();
+    takeLogTexts();
+    measure(kPeriod60Ns);
+    EXPECT_TRUE(hasMode());
+    EXPECT_EQ(requestBoost(), kBoostHint);
+    EXPECT_EQ(release(), "hint 4166 0 0x1");
+    EXPECT_TRUE(host::takeTraceMarks().empty());
+    EXPECT_EQ(takeLogTexts(), "");
+}
+
+sem_t gHintBegun;
+sem_t gHintMayEnd;
+
+struct HintUnderWayTest : TargetAppTest {
+    // Returns while the service still works on a request of the "QB" worker.
+    void SetUp() override {
+        TargetAppTest::SetUp();
+        measure(kPeriod60Ns);
+        sem_init(&gHintBegun, 0, 0);
+        sem_init(&gHintMayEnd, 0, 0);
+        gDevice.duringHint = [] {
+            gDevice.duringHint = nullptr;
+            sem_post(&gHintBegun);
+            sem_wait(&gHintMayEnd);
+        };
+        android::energyScaling(0.5f, 1, 0, kQb);
+        sem_wait(&gHintBegun);
+    }
+
+    static std::string endHint() {
+        sem_post(&gHintMayEnd);
+        return takeCalls();
+    }
+};
+
+TEST_F(HintUnderWayTest, HoldsUpNobodyWhoPostsNothingToItsWorker) {
+    EXPECT_TRUE(brevoldCheck("sf"));
+    brevoldRefresh();
+    EXPECT_EQ(brevoldMonitor(2, kPeriod60Ns), 0);
+    LayerFrameInfo info = frame();
+    EXPECT_EQ(brevoldOnFrameAvailable(&info), 0);
+    EXPECT_EQ(brevoldScaling(2, 0), 0);
+    EXPECT_EQ(endHint(), std::string(kHalf) + "; " + kBoostHint);
+}
+
+TEST_F(HintUnderWayTest, OutlivesANewInitialisation) {
+    android::clearConfigs();
+    EXPECT_TRUE(brevoldInit());
+    EXPECT_EQ(endHint(), kHalf);
+    takeLogTexts();
+    EXPECT_EQ(wake(kSf) + wake(kQb), kHalf);
+    EXPECT_EQ(takeLogTexts(), "mPerfHint is null.");
+    EXPECT_EQ(requestBoost(), kBoostHint);
 }
 
 }  // namespace

@@ -1,0 +1,106 @@
+#include "tests/test_device.h"
+
+namespace brevold::test {
+namespace {
+
+struct ModeTest : TargetAppTest {
+    void SetUp() override {
+        TargetAppTest::SetUp();
+        tick(kSecondNs);
+        takeLogTexts();
+        takeLabels();
+    }
+};
+
+// Feeds the ticks of a window, and after more than a second the one that closes it.
+std::string windowOf(std::initializer_list<int64_t> intervalsNs, int64_t lastNs) {
+    for (const int64_t intervalNs : intervalsNs)
+        android::modeMonitor(intervalNs);
+    advance(kSecondNs + 1);
+    android::modeMonitor(lastNs);
+    return takeLogTexts();
+}
+
+TEST_F(ModeTest, BoundsOfTheModes) {
+    // Around each bound the nearest rates in single precision: above it, on it, below it. None is
+    // 122 exactly.
+    const std::pair<int64_t, char> cases[] = {
+            {100000000, '0'}, {37037038, '0'}, {37037036, '0'}, {37037034, '1'}, {31250002, '1'},
+            {31250000, '5'},  {31249998, '5'}, {21276598, '5'}, {21276596, '5'}, {21276594, '2'},
+            {16129033, '2'},  {16129031, '5'}, {16129030, '5'}, {12987014, '5'}, {12987013, '5'},
+            {12987012, '3'},  {10869566, '3'}, {10869565, '5'}, {10869564, '5'}, {9345795, '5'},
+            {9345794, '5'},   {9345793, '4'},  {8196722, '4'},  {8196721, '5'},  {1, '5'}};
+    for (const auto& [meanNs, mode] : cases) {
+        EXPECT_EQ(windowOf({meanNs, meanNs, meanNs}, meanNs).substr(0, 11),
+                  std::string("[FM]gMode:") + mode)
+                << meanNs;
+    }
+}
+
+TEST_F(ModeTest, WindowClosesPastOneSecond) {
+    tick(1);  // opens
+    tick(100000000, 10);
+    EXPECT_EQ(takeLogTexts(), "");  // its age is one second to the nanosecond
+    tick(1);
+    const std::string line = "[FM]gMode:0 \tFPS:\t12.00 \tDown:\t0 \tUp:\t0";
+    EXPECT_EQ(takeLogTexts(), line + " \tIdle:\t0");
+    EXPECT_EQ(takeLabels(), line + std::string(45, ' ') + "\tIdle:\t0");
+}
+
+TEST_F(ModeTest, OddIntervalsCountOnlyWhileAWindowIsOpen) {
+    EXPECT_EQ(windowOf({0, -5}, 149999999), "");
+    // Five ticks, a sum far below zero.
+    EXPECT_EQ(windowOf({0, INT64_MIN, -50000001}, 1).substr(0, 23), "[FM]gMode:5 \tFPS:\t-0.00");
+    EXPECT_EQ(windowOf({1, 0, 0, 0, 0, 0, 0, 0, 0, 0}, -1).substr(0, 21),
+              "[FM]gMode:5 \tFPS:\tINF");
+}
+
+TEST_F(ModeTest, AnIdleGapDiscardsTheWindowAndTheMode) {
+    measure(kPeriod60Ns);
+    tick(149999999);
+    EXPECT_TRUE(hasMode());
+    tick(150000000);
+    EXPECT_FALSE(hasMode());
+    takeLogTexts();
+    tick(kPeriod60Ns, 60);
+    EXPECT_EQ(takeLogTexts(), "");  // the window opened after the gap is not yet over
+    tick(kPeriod60Ns, 2);
+    EXPECT_EQ(takeLogTexts(), "[FM]gMode:2 \tFPS:\t60.00 \tDown:\t0 \tUp:\t0 \tIdle:\t0");
+}
+
+TEST_F(ModeTest, DifferencesThatOverflowAbort) {
+    restart();
+    host::setTimeNs(INT64_MIN);
+    brevoldRefresh();
+    android::modeMonitor(1);
+    host::setTimeNs(1);
+    EXPECT_ABORT(brevoldRefresh());  // since the tick
+    host::setTimeNs(0);
+    EXPECT_ABORT(android::modeMonitor(1));  // the age of the window
+}
+
+TEST_F(ModeTest, TheFirstTickAfterAResetOnlyRecordsTheTime) {
+    int64_t timeNs = 5000000;
+    for (int round = 0; round < 2; ++round) {
+        restart();
+        for (int i = 0; i < 12; ++i, timeNs += 100000001) {
+            EXPECT_EQ(takeLogTexts(), "") << i;
+            host::setTimeNs(timeNs);
+            brevoldRefresh();
+        }
+        EXPECT_NE(takeLogTexts(), "");  // of the window that the second tick opened
+    }
+}
+
+TEST_F(ModeTest, OnlyJankBoostStillMeasuresAndNothingElseDoes) {
+    gDevice.features = {4};
+    restart();
+    measure(kPeriod60Ns);
+    EXPECT_EQ(takeLogTexts().find("[FM]gMode:2 "), 0u);
+    android::clearConfigs();
+    measure(kPeriod60Ns);
+    EXPECT_EQ(takeLogTexts(), "");
+}
+
+}  // namespace
+}  // namespace brevold::test
