@@ -220,6 +220,19 @@ TEST_F(FrameTest, EachFieldReachesItsPlace) {
     EXPECT_EQ(takeCalls(), "");
 }
 
+TEST_F(FrameTest, TheRecordIsReadBeforeTheServiceIsAsked) {
+    static LayerFrameInfo gReported;
+    gReported = frame(2, "com.example.other#0");
+    gDevice.duringCall = [] {
+        gReported = frame(2, "com.example.third#0");
+        gReported.layerKeyA = gReported.layerKeyB = gReported.skipLayerCheck = 1;
+    };
+    brevoldOnFrameAvailable(&gReported);
+    gDevice.duringCall = nullptr;
+    measure(kPeriod60Ns);
+    EXPECT_EQ(submit(frame(2, "com.example.other#0")), kDown);  // the same layer still
+}
+
 TEST_F(FrameTest, StampsWhoseDifferenceOverflowsAbort) {
     LayerFrameInfo info = frame();
     info.lastQbTime = -1;

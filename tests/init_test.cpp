@@ -73,6 +73,22 @@ TEST_F(InitTest, SwitchesDecideFeaturesAndWorkers) {
     }
 }
 
+TEST_F(InitTest, ClearTurnsEverySwitchOffAndForgetsTheMode) {
+    provide(kFeatures);
+    brevoldInit();
+    submit(frame());
+    measure(kPeriod60Ns);
+    takeLogTexts();
+    android::clearConfigs();
+    EXPECT_EQ(submit(frame(0, "com.example.other#0", kPeriod90Ns)), "");
+    android::modeMonitor(kPeriod90Ns);
+    advance(kSecondNs + 1);
+    android::modeMonitor(kPeriod90Ns);
+    EXPECT_EQ(takeLogTexts(), "");  // mode 3, unlogged
+    brevoldInit();
+    EXPECT_FALSE(hasMode());
+}
+
 TEST_F(MissingLibraryTest, WithoutTheClientNothingIsOn) {
     provide(kFeatures);
     EXPECT_FALSE(brevoldInit());
@@ -102,7 +118,8 @@ TEST_P(MissingFunctionTest, IsLoggedAndOnlyItsUserIsOff) {
     provide(kClient, missing);
     provide(kFeatures);
     EXPECT_EQ(brevoldInit(), missing != "perf_get_prop");
-    const std::string calls = submit(frame()) + ", " + submit(frame(0, kLayer, kPeriod90Ns));
+    const std::string first = submit(frame());
+    const std::string calls = first + ", " + submit(frame(0, kLayer, kPeriod90Ns));
     const std::map<std::string, std::pair<std::string, std::string>> expected = {
             {"perf_get_prop", {"gPerfGetProp", ", "}},
             {"perf_lock_rel",
