@@ -14,6 +14,8 @@
 
 namespace brevold::test {
 
+namespace host = brevold::host;
+
 constexpr int64_t kPeriod60Ns = 16666666;
 constexpr int64_t kPeriod90Ns = 11111111;
 constexpr int64_t kPeriod120Ns = 8333333;
@@ -46,12 +48,14 @@ struct Device {
 
 extern Device gDevice;
 
+void advance(int64_t byNs);
+
 // Each test runs in a process of its own, so that it meets a library that was just loaded.
 struct DeviceTest : testing::Test {
-    DeviceTest();
+    DeviceTest() { advance(100 * kSecondNs); }
 };
 
-// A device with everything on, initialised, with one frame of kLayer reported.
+// A device with everything on, initialised, with two frames of kLayer reported.
 struct TargetAppTest : DeviceTest {
     void SetUp() override;
 };
@@ -72,8 +76,6 @@ std::string takeCalls();
 // The texts logged, and the labels of the sections begun, since the last time.
 std::string takeLogTexts();
 std::string takeLabels();
-
-void advance(int64_t byNs);
 
 // Refresh ticks at that interval.
 void tick(int64_t intervalNs, int count = 1);
