@@ -5,8 +5,6 @@ using namespace brevold::test;
 using FrameTest = TargetAppTest;
 
 constexpr char kDown[] = "hint 4166 19 0x41011a";
-constexpr char kDownFully[] = "hint 4166 19 0x4103e8";
-constexpr char kDownToNothing[] = "hint 4166 19 0x410000";
 
 // Calls the monitor itself, so that each argument is the test's own.
 static std::string monitor(int queued, int64_t diffSFToQBNs, int64_t diffQBNs,
@@ -41,26 +39,30 @@ TEST_F(FrameTest, DecisionsAreMarked) {
 
 TEST_F(FrameTest, Decisions) {
     measure(kPeriod60Ns);
-    const std::tuple<int, int64_t, int64_t, const char*> rows[] = {
-            {2, 3000000, 40000000, kDownFully},
-            {2, 0, 31333332, kDownFully},
-            {3, 0, 23499999, "hint 4166 19 0x4101f4"},
-            {2, 40000000, 8000000, kDownToNothing},  // negative headroom
-            {2, 31333332, 1, kDownFully},            // none
-            {2, 31333332, 0, kDownToNothing},        // an undefined ratio is not capped
-            {2, 0, -8000000, kDownToNothing},
-            {INT_MAX, 0, 0, kDownToNothing},
+    // Down: capped, also without headroom, but not where the ratio is undefined, and never below 0.
+    // Up: above twice the budget only, and not capped.
+    const std::tuple<int, int64_t, int64_t, std::string> rows[] = {
+            {2, 3000000, 40000000, "0x4103e8"},
+            {2, 0, 31333332, "0x4103e8"},
+            {3, 0, 23499999, "0x4101f4"},
+            {2, 40000000, 8000000, "0x410000"},
+            {2, 31333332, 1, "0x4103e8"},
+            {2, 31333332, 0, "0x410000"},
+            {2, 0, -8000000, "0x410000"},
+            {INT_MAX, 0, 0, "0x410000"},
             {0, 3000000, 40000000, ""},
             {-1, 3000000, 40000000, ""},
-            {1, 1333332, 30000000, ""},  // exactly two budgets
-            {1, 1333332, 30000004, "hint 4166 19 0x5203e8"},
-            {1, 1333332, 300000000, "hint 4166 19 0x522710"},  // not capped
-            {1, 31333332, 0, ""},                              // undefined
-            {1, 31333332, 1, "hint 4166 19 0x52ffff"},
+            {1, 1333332, 30000000, ""},
+            {1, 1333332, 30000004, "0x5203e8"},
             {1, 41333332, 300000000, ""},
+            {1, 1333332, 300000000, "0x522710"},
+            {1, 31333332, 0, ""},
+            {1, 31333332, 1, "0x52ffff"},
     };
-    for (const auto& [queued, diffSFToQBNs, diffQBNs, calls] : rows)
-        EXPECT_EQ(monitor(queued, diffSFToQBNs, diffQBNs), calls) << diffSFToQBNs << diffQBNs;
+    for (const auto& [queued, diffSFToQBNs, diffQBNs, word] : rows)
+        EXPECT_EQ(monitor(queued, diffSFToQBNs, diffQBNs),
+                  word.empty() ? "" : "hint 4166 19 " + word)
+                << diffSFToQBNs << ' ' << diffQBNs;
     for (const char* peer : {"com", "com.example.game/com.example.game.Main#8",
                              "com.example.game/com.example.game.Main#77"})
         EXPECT_EQ(monitor(2, 3000000, 8000000, kPeriod60Ns, peer), "") << peer;
@@ -155,18 +157,17 @@ TEST_F(FrameTest, EachFieldReachesItsPlace) {
 TEST_F(DeviceTest, RefreshRateHintFollowsTheBandsAndIsAskedAgainWhereItFailed) {
     provide(kClient);
     ASSERT_TRUE(brevoldInit());
-    const std::pair<int64_t, const char*> rows[] = {
-            {16000000, ""},  {17000000, ""},
-            {-16000001, ""}, {16000001, "hint 4244 0 0x3c"},
-            {16999999, ""},  {10800000, ""},
-            {11700000, ""},  {10800001, "release 1; hint 4244 0 0x5a"},
-            {11699999, ""},  {8000000, ""},
-            {9000000, ""},   {8999999, "release 2; hint 4244 0 0x78"},
-            {8000001, ""},   {0, ""},
-            {INT64_MIN, ""}, {16666666, "release 3; hint 4244 0 0x3c"},
+    const std::pair<int64_t, std::string> rows[] = {
+            {16000000, ""}, {17000000, ""}, {-16000001, ""}, {16000001, "hint 4244 0 0x3c"},
+            {16999999, ""}, {10800000, ""}, {11700000, ""},  {10800001, "hint 4244 0 0x5a"},
+            {11699999, ""}, {8000000, ""},  {9000000, ""},   {8999999, "hint 4244 0 0x78"},
+            {8000001, ""},  {0, ""},        {INT64_MIN, ""}, {16666666, "hint 4244 0 0x3c"},
     };
-    for (const auto& [periodNs, calls] : rows)
-        EXPECT_EQ(submit(frame(0, kLayer, periodNs)), calls) << periodNs;
+    std::string release;  // with every hint but the first
+    for (const auto& [periodNs, hint] : rows) {
+        EXPECT_EQ(submit(frame(0, kLayer, periodNs)), hint.empty() ? "" : release + hint);
+        if (!hint.empty()) release = "release " + std::to_string(gDevice.nextHandle - 1) + "; ";
+    }
     gDevice.nextHandle = 0;
     LayerFrameInfo info = frame(0, kLayer, kPeriod90Ns);
     EXPECT_EQ(submit(info), "release 4; hint 4244 0 0x5a");

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <climits>
 #include <cstdint>
@@ -95,6 +96,8 @@ std::string wake(size_t thread);
 // Whether a mode stands in which the "QB" worker sends requests.
 bool hasMode();
 
-#define EXPECT_ABORT(statement) EXPECT_EXIT(statement, testing::KilledBySignal(SIGABRT), "")
+// The statement runs in a copy of the process that has no workers: what waits for one is ended too.
+#define EXPECT_ABORT(statement) \
+    EXPECT_EXIT((alarm(5), statement), testing::KilledBySignal(SIGABRT), "")
 
 }  // namespace brevold::test

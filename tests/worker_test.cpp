@@ -82,20 +82,15 @@ TEST_F(WorkerTest, SfBoostsOnceAndReleasesWithTheCount) {
 }
 
 TEST_F(WorkerTest, NothingIsSentBeforeTheFirstRequestOrWithoutAMode) {
-    for (const int thread : {kSf, kQb}) {
-        EXPECT_EQ(wake(static_cast<size_t>(thread)), "");
-        EXPECT_EQ(takeLogTexts(), "mPerfHint is null.");
-    }
+    EXPECT_EQ(wake(kSf) + wake(kQb), "");
     EXPECT_FALSE(hasMode());
-    EXPECT_EQ(takeLogTexts(), "mPerfHint is null.");
+    EXPECT_EQ(takeLogTexts(), "mPerfHint is null.; mPerfHint is null.; mPerfHint is null.");
 }
 
 TEST_F(WorkerTest, DropsRequestsWithoutDirectionChannelOrFeature) {
     const int signals = host::signalCount();
-    for (const int channel : {kSf, kQb})
-        request(1.0f, 0, 2, channel);
-    for (const int channel : {-1, 2, 7})
-        request(1.0f, 1, 2, channel);
+    for (const int channel : {-1, kSf, kQb, 2, 7})
+        request(1.0f, channel == kSf || channel == kQb ? 0 : 1, 2, channel);
     android::clearConfigs();
     for (const int channel : {kSf, kQb})
         request(1.0f, 2, 2, channel);
