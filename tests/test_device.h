@@ -17,16 +17,13 @@ namespace brevold::test {
 
 namespace host = brevold::host;
 
-constexpr int64_t kPeriod60Ns = 16666666;
-constexpr int64_t kPeriod90Ns = 11111111;
-constexpr int64_t kPeriod120Ns = 8333333;
+constexpr int64_t kPeriod60Ns = 16666666, kPeriod90Ns = 11111111, kPeriod120Ns = 8333333;
 constexpr int64_t kSecondNs = 1000000000;
 constexpr char kLayer[] = "com.example.game/com.example.game.Main#7";
 constexpr char kBoostHint[] = "hint 4166 2000 0x122710";
 constexpr char kClient[] = "libvnx-perfd-client_system.so";
 constexpr char kFeatures[] = "libfeatgate_system.so";
-constexpr int kSf = 0;
-constexpr int kQb = 1;
+constexpr int kSf = 0, kQb = 1;
 
 // What the run-time bound libraries and the property service answer, and what they were asked.
 struct Device {
