@@ -140,6 +140,22 @@ TEST_F(FrameTest, EachFieldReachesItsPlace) {
     EXPECT_ABORT(brevoldOnFrameAvailable(&info));
 }
 
+static LayerFrameInfo gRecord;
+
+TEST_F(FrameTest, ARecordIsReadBeforeTheServiceIsAsked) {
+    gRecord = frame(2, "com.example.other#0");
+    gDevice.duringCall = [] {
+        gRecord = frame(2, "com.example.third#0", kPeriod90Ns);
+        gRecord.layerKeyA = gRecord.layerKeyB = 1;
+    };
+    EXPECT_EQ(brevoldOnFrameAvailable(&gRecord), 0);
+    gDevice.duringCall = nullptr;
+    measure(kPeriod60Ns);
+    android::brevoldLayerStatusCheck(false, "com.example.other#0", 0, 0);
+    brevoldScaling(2, 0);
+    EXPECT_EQ(takeCalls(), kBoostHint);  // the layer is unchanged, and its period the mode's
+}
+
 TEST_F(DeviceTest, RefreshRateHintFollowsTheBandsAndIsAskedAgainWhereItFailed) {
     provide(kClient);
     ASSERT_TRUE(brevoldInit());

@@ -148,7 +148,7 @@ int test_perf_hint(int hint, const char* package, int duration, int type) {
              duration, static_cast<unsigned>(type));
     append(gDevice.calls, text);
     const int handle = gDevice.nextHandle > 0 ? gDevice.nextHandle++ : gDevice.nextHandle;
-    if (gDevice.duringHint != nullptr) gDevice.duringHint();
+    if (gDevice.duringCall != nullptr) gDevice.duringCall();
     return handle;
 }
 
@@ -168,6 +168,7 @@ int test_perf_lock_rel(int handle) {
 
 int test_perf_get_feedback(int query, const char* package) {
     append(gDevice.calls, "query " + std::to_string(query) + " " + package);
+    if (gDevice.duringCall != nullptr) gDevice.duringCall();
     return gDevice.appType;
 }
 

@@ -36,8 +36,8 @@ struct Device {
     int nextHandle = 1;
     // Asked instead, on whichever thread sends the hint, where not null.
     int (*onHint)(int hint, int duration, int type) = nullptr;
-    // Called while the service works on a hint, on the caller's thread.
-    void (*duringHint)() = nullptr;
+    // Called while the service works on a hint or a query, on the caller's thread.
+    void (*duringCall)() = nullptr;
     // "hint 4166 19 0x4101f4; release 7; query 5633 com.example.game", in order.
     std::string calls;
     // Property names with their defaults, feature numbers, in order.

@@ -131,8 +131,8 @@ static void startHint() {
     measure(kPeriod60Ns);
     sem_init(&gHintBegun, 0, 0);
     sem_init(&gHintMayEnd, 0, 0);
-    gDevice.duringHint = [] {
-        gDevice.duringHint = nullptr;
+    gDevice.duringCall = [] {
+        gDevice.duringCall = nullptr;
         sem_post(&gHintBegun);
         sem_wait(&gHintMayEnd);
     };
