@@ -51,6 +51,7 @@ void advance(int64_t byNs);
 // Each test runs in a process of its own, so that it meets a library that was just loaded.
 struct DeviceTest : testing::Test {
     DeviceTest() { advance(100 * kSecondNs); }
+    void TearDown() override { host::settle(); }
 };
 
 // A device with everything on, initialised, with two frames of kLayer reported.
