@@ -1,20 +1,20 @@
 #include <dlfcn.h>
 
+#include <array>
+
 #include "tests/test_device.h"
 
-namespace brevold::test {
-namespace {
+using namespace brevold::test;
 
 struct InitTest : DeviceTest {
     void SetUp() override { provide(kClient); }
 };
-using MissingLibraryTest = DeviceTest;
 
 constexpr char kReadsWithoutFeatures[] =
         "vendor.display.use_smooth_motion=0; vendor.perf.fps_switch.enable=0";
 
 TEST_F(InitTest, ReadsEverySwitchInOrderWithItsDefault) {
-    provide(kFeatures);
+    void* const features = provide(kFeatures);
     gDevice.isOn = false;
     EXPECT_TRUE(brevoldInit());  // jank boost is on unless its setting says otherwise
     EXPECT_EQ(gDevice.reads,
@@ -26,6 +26,13 @@ TEST_F(InitTest, ReadsEverySwitchInOrderWithItsDefault) {
     gDevice.reads.clear();
     EXPECT_TRUE(brevoldInit());
     EXPECT_EQ(gDevice.reads, "");
+    // The feature library is closed again, and the client is not.
+    dlclose(features);
+    EXPECT_EQ(dlopen(kFeatures, RTLD_LAZY | RTLD_NOLOAD), nullptr);
+    void* const client = provide(kClient);
+    EXPECT_EQ(android::initPerfLock(), client);
+    EXPECT_EQ(android::initPerfLock(), client);
+    EXPECT_EQ(android::getOptHandle(), client);
 }
 
 TEST_F(InitTest, WithoutTheFeatureLibraryOnlyTheRefreshRateSwitchIsRead) {
@@ -41,55 +48,36 @@ TEST_F(InitTest, WithoutTheFeatureLibraryOnlyTheRefreshRateSwitchIsRead) {
 TEST_F(InitTest, SwitchesDecideFeaturesAndWorkers) {
     provide(kFeatures);
     gDevice.isOn = false;
-    struct Row {
-        std::set<int> features;
-        const char *pfar, *jr10, *fpsSwitch;
-        bool anyFeature;
-        size_t workers;
-    };
-    const Row rows[] = {
-            {{}, "0", "1", "0", false, 0},   {{5}, "1", "1", "0", true, 2},
+    // The features that are allowed, the three switches, and what comes of them.
+    const std::tuple<std::set<int>, const char*, const char*, const char*, bool, size_t> rows[] = {
+            {{}, "0", "1", "0", false, 0},   {{4}, "0", "1", "0", true, 0},
+            {{}, "1", "1", "0", false, 0},   {{5}, "1", "1", "0", true, 2},
             {{5}, "2", "1", "0", false, 0},  {{5}, " 1x", "1", "0", true, 2},  // as atoi reads it
-            {{5}, "on", "1", "0", false, 0}, {{5}, "0", "1", "0", false, 0},
-            {{4}, "1", "0", "0", false, 0},  {{4}, "0", "1", "0", true, 0},
-            {{4}, "0", "0", "0", false, 0},  {{}, "1", "1", "1", true, 0},
+            {{5}, "on", "1", "0", false, 0}, {{4}, "1", "0", "0", false, 0},
+            {{5}, "0", "1", "0", false, 0},  {{}, "1", "1", "1", true, 0},
+            {{4}, "0", "0", "0", false, 0},
     };
     size_t workers = 0;
-    for (const Row& row : rows) {
-        gDevice.features = row.features;
-        gDevice.properties = {{"vendor.perf.pfar.enable", row.pfar},
-                              {"vendor.perf.jr10.enable", row.jr10},
-                              {"vendor.perf.fps_switch.enable", row.fpsSwitch}};
-        EXPECT_EQ(restart(), row.anyFeature) << &row - rows;
-        EXPECT_EQ(brevoldInit(), row.anyFeature) << &row - rows;
-        workers += row.workers;
-        ASSERT_EQ(host::startedThreads().size(), workers) << &row - rows;
+    for (const auto& [features, pfar, jr10, fpsSwitch, anyFeature, newWorkers] : rows) {
+        SCOPED_TRACE(std::string("pfar ") + pfar + ", jr10 " + jr10);
+        gDevice.features = features;
+        gDevice.properties = {{"vendor.perf.pfar.enable", pfar},
+                              {"vendor.perf.jr10.enable", jr10},
+                              {"vendor.perf.fps_switch.enable", fpsSwitch}};
+        EXPECT_EQ(restart(), anyFeature);
+        EXPECT_EQ(brevoldInit(), anyFeature);
+        workers += newWorkers;
+        ASSERT_EQ(host::startedThreads().size(), workers);
     }
-    const auto threads = host::startedThreads();
-    for (size_t i = 0; i < workers; ++i) {
-        EXPECT_EQ(threads[i].name, i % 2 == 0 ? "Monitor0" : "Monitor1");
-        EXPECT_EQ(threads[i].priority, -9);
-        EXPECT_EQ(threads[i].stackBytes, 0u);
+    size_t number = 0;
+    for (const host::StartedThread& thread : host::startedThreads()) {
+        EXPECT_EQ(thread.name, number++ % 2 == 0 ? "Monitor0" : "Monitor1");
+        EXPECT_EQ(thread.priority, -9);
+        EXPECT_EQ(thread.stackBytes, 0u);
     }
 }
 
-TEST_F(InitTest, ClearTurnsEverySwitchOffAndForgetsTheMode) {
-    provide(kFeatures);
-    brevoldInit();
-    submit(frame());
-    measure(kPeriod60Ns);
-    takeLogTexts();
-    android::clearConfigs();
-    EXPECT_EQ(submit(frame(0, "com.example.other#0", kPeriod90Ns)), "");
-    android::modeMonitor(kPeriod90Ns);
-    advance(kSecondNs + 1);
-    android::modeMonitor(kPeriod90Ns);
-    EXPECT_EQ(takeLogTexts(), "");  // mode 3, unlogged
-    brevoldInit();
-    EXPECT_FALSE(hasMode());
-}
-
-TEST_F(MissingLibraryTest, WithoutTheClientNothingIsOn) {
+TEST_F(DeviceTest, WithoutTheClientNothingIsOn) {
     provide(kFeatures);
     EXPECT_FALSE(brevoldInit());
     const std::string log = takeLogTexts();
@@ -99,46 +87,36 @@ TEST_F(MissingLibraryTest, WithoutTheClientNothingIsOn) {
     EXPECT_EQ(takeLogTexts().find("hwopt"), std::string::npos);
 }
 
-TEST_F(InitTest, TheFeatureLibraryIsClosedAgainAndTheClientIsNot) {
-    void* const features = provide(kFeatures);
-    brevoldInit();
-    EXPECT_NE(gDevice.reads, kReadsWithoutFeatures);
-    dlclose(features);
-    EXPECT_EQ(dlopen("libfeatgate_system.so", RTLD_LAZY | RTLD_NOLOAD), nullptr);
-    void* const client = provide(kClient);
-    for (int i = 0; i < 2; ++i)
-        EXPECT_EQ(android::initPerfLock(), client);
-    EXPECT_EQ(android::getOptHandle(), client);
-}
-
-class MissingFunctionTest : public DeviceTest, public testing::WithParamInterface<const char*> {};
+// A function of the client; its pointer's name in the log; the calls of two reports without it.
+using Missing = std::array<std::string, 3>;
+class MissingFunctionTest : public DeviceTest, public testing::WithParamInterface<Missing> {};
 
 TEST_P(MissingFunctionTest, IsLoggedAndOnlyItsUserIsOff) {
-    const std::string missing = GetParam();
-    provide(kClient, missing);
+    const auto& [function, pointer, calls] = GetParam();
+    provide(kClient, function);
     provide(kFeatures);
-    EXPECT_EQ(brevoldInit(), missing != "perf_get_prop");
+    EXPECT_EQ(brevoldInit(), function != "perf_get_prop");
     const std::string first = submit(frame());
-    const std::string calls = first + ", " + submit(frame(0, kLayer, kPeriod90Ns));
-    const std::map<std::string, std::pair<std::string, std::string>> expected = {
-            {"perf_get_prop", {"gPerfGetProp", ", "}},
-            {"perf_lock_rel",
-             {"gPerfLockRel", "hint 4244 0 0x3c; query 5633 com.example.game, hint 4244 0 0x5a"}},
-            {"perf_get_feedback",
-             {"gPerfGetFeedback", "hint 4244 0 0x3c, release 1; hint 4244 0 0x5a"}},
-            {"perf_hint",
-             {"gPerfHintUpdate function handle.\n; Unable to get mPerfHint function handle.\n; "
-              "Unable to get mPerfHint",
-              "query 5633 com.example.game, "}},
-    };
-    const auto& [name, due] = expected.at(missing);
-    EXPECT_EQ(takeLogTexts(), "Unable to get " + name + " function handle.\n");
-    EXPECT_EQ(calls, due);
+    EXPECT_EQ(first + "; " + submit(frame(0, kLayer, kPeriod90Ns)), calls);
+    std::string log = "Unable to get " + pointer + " function handle.\n";
+    if (function == "perf_hint") {
+        for (int worker = 0; worker < 2; ++worker)
+            log += "; Unable to get mPerfHint function handle.\n";
+        request(10.0f, 2, 2, kSf);
+        log += "; mPerfHint is null.";
+    }
+    EXPECT_EQ(takeLogTexts(), log);
 }
 
-INSTANTIATE_TEST_SUITE_P(Functions, MissingFunctionTest,
-                         testing::Values("perf_hint", "perf_get_prop", "perf_lock_rel",
-                                         "perf_get_feedback"));
+INSTANTIATE_TEST_SUITE_P(
+        Client, MissingFunctionTest,
+        testing::Values(Missing{"perf_get_prop", "gPerfGetProp", "; "},
+                        Missing{"perf_hint", "gPerfHintUpdate", "query 5633 com.example.game; "},
+                        Missing{"perf_lock_rel", "gPerfLockRel",
+                                "hint 4244 0 0x3c; query 5633 com.example.game; hint 4244 0 0x5a"},
+                        Missing{"perf_get_feedback", "gPerfGetFeedback",
+                                "hint 4244 0 0x3c; release 1; hint 4244 0 0x5a"}),
+        [](const auto& test) { return test.param[0]; });
 
 TEST_F(InitTest, DebugLayersAreSplitAtSingleBlanks) {
     using Names = std::vector<std::string>;
@@ -183,10 +161,10 @@ TEST_F(InitTest, CheckWantsATargetAppAndTheFirstTwoLetters) {
     brevoldInit();
     EXPECT_FALSE(brevoldCheck("sf"));
     submit(frame());
-    for (const char* name : {"sf", "sfEventThread"})
-        EXPECT_TRUE(brevoldCheck(name)) << name;
-    for (const char* name : {"s", "", "SF", "fs", "Sf"})
-        EXPECT_FALSE(brevoldCheck(name)) << name;
+    std::string answers;
+    for (const char* name : {"sf", "sfEventThread", "s", "", "SF", "fs", "Sf"})
+        answers += brevoldCheck(name) ? 'y' : 'n';
+    EXPECT_EQ(answers, "yynnnnn");
     EXPECT_FALSE(brevoldCheck(nullptr));
     android::clearConfigs();
     EXPECT_FALSE(brevoldCheck("sf"));
@@ -195,6 +173,3 @@ TEST_F(InitTest, CheckWantsATargetAppAndTheFirstTwoLetters) {
     submit(frame());  // its type was forgotten, and its name was not
     EXPECT_FALSE(brevoldCheck("sf"));
 }
-
-}  // namespace
-}  // namespace brevold::test

@@ -21,27 +21,24 @@ void append(std::string& list, const std::string& text) {
 
 std::string propertyOf(const std::string& key, const std::string& fallback) {
     append(gDevice.reads, key + "=" + fallback);
-    const auto found = gDevice.properties.find(key);
-    if (found != gDevice.properties.end()) return found->second;
+    if (gDevice.properties.count(key) != 0) return gDevice.properties[key];
     return gDevice.isOn && fallback != "NONE" ? "1" : fallback;
 }
 
 }  // namespace
-
-DeviceTest::DeviceTest() {
-    advance(100 * kSecondNs);
-}
 
 void TargetAppTest::SetUp() {
     provide(kClient);
     provide(kFeatures);
     ASSERT_TRUE(brevoldInit());
     submit(frame());
+    submit(frame());
+    takeLabels();
 }
 
 void* provide(const std::string& library, const std::string& without) {
-    const std::string path = BREVOLD_TEST_STANDINS "/without_" + without + "/" + library;
-    void* const handle = dlopen(path.c_str(), RTLD_NOW);
+    const std::string folder = BREVOLD_TEST_STANDINS "/without_" + without + "/";
+    void* const handle = dlopen((folder + library).c_str(), RTLD_NOW);
     EXPECT_NE(handle, nullptr) << dlerror();
     return handle;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <climits>
 #include <cstdint>
@@ -14,16 +15,15 @@
 
 namespace brevold::test {
 
-constexpr int64_t kPeriod60Ns = 16666666;
-constexpr int64_t kPeriod90Ns = 11111111;
-constexpr int64_t kPeriod120Ns = 8333333;
+namespace host = brevold::host;
+
+constexpr int64_t kPeriod60Ns = 16666666, kPeriod90Ns = 11111111, kPeriod120Ns = 8333333;
 constexpr int64_t kSecondNs = 1000000000;
 constexpr char kLayer[] = "com.example.game/com.example.game.Main#7";
 constexpr char kBoostHint[] = "hint 4166 2000 0x122710";
 constexpr char kClient[] = "libvnx-perfd-client_system.so";
 constexpr char kFeatures[] = "libfeatgate_system.so";
-constexpr int kSf = 0;
-constexpr int kQb = 1;
+constexpr int kSf = 0, kQb = 1;
 
 // What the run-time bound libraries and the property service answer, and what they were asked.
 struct Device {
@@ -46,12 +46,15 @@ struct Device {
 
 extern Device gDevice;
 
+void advance(int64_t byNs);
+
 // Each test runs in a process of its own, so that it meets a library that was just loaded.
 struct DeviceTest : testing::Test {
-    DeviceTest();
+    DeviceTest() { advance(100 * kSecondNs); }
+    void TearDown() override { host::settle(); }
 };
 
-// A device with everything on, initialised, with one frame of kLayer reported.
+// A device with everything on, initialised, with two frames of kLayer reported.
 struct TargetAppTest : DeviceTest {
     void SetUp() override;
 };
@@ -73,8 +76,6 @@ std::string takeCalls();
 std::string takeLogTexts();
 std::string takeLabels();
 
-void advance(int64_t byNs);
-
 // Refresh ticks at that interval.
 void tick(int64_t intervalNs, int count = 1);
 
@@ -93,6 +94,8 @@ std::string wake(size_t thread);
 // Whether a mode stands in which the "QB" worker sends requests.
 bool hasMode();
 
-#define EXPECT_ABORT(statement) EXPECT_EXIT(statement, testing::KilledBySignal(SIGABRT), "")
+// The statement runs in a copy of the process that has no workers: what waits for one is ended too.
+#define EXPECT_ABORT(statement) \
+    EXPECT_EXIT((alarm(5), statement), testing::KilledBySignal(SIGABRT), "")
 
 }  // namespace brevold::test

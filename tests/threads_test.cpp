@@ -4,18 +4,17 @@
 
 #include "tests/test_device.h"
 
-namespace brevold::test {
-namespace {
+using namespace brevold::test;
 
 constexpr size_t kEnoughHints = 300;
 
 using Hint = std::pair<int, int>;  // duration and type word
 
 // What each worker sent. Only the counts are read while they run, and order nothing.
-std::array<std::vector<Hint>, 2> gHints;
-std::array<std::atomic<size_t>, 2> gCounts;
+static std::array<std::vector<Hint>, 2> gHints;
+static std::array<std::atomic<size_t>, 2> gCounts;
 
-int recordHint(int hint, int duration, int type) {
+static int recordHint(int hint, int duration, int type) {
     if (hint != 4166) return 1;
     const size_t channel = (type & 1 << 22) != 0 ? kQb : kSf;
     gHints[channel].push_back({duration, type});
@@ -23,13 +22,13 @@ int recordHint(int hint, int duration, int type) {
     return 1;
 }
 
-bool isEnough() {
+static bool isEnough() {
     return gCounts[kSf].load(std::memory_order_relaxed) >= kEnoughHints &&
            gCounts[kQb].load(std::memory_order_relaxed) >= kEnoughHints;
 }
 
 // Headroom of a half, to scale down, and at every other frame an interval of twice the budget.
-void reportFrame(int number) {
+static void reportFrame(int number) {
     constexpr int64_t kBudgetNs = kPeriod60Ns - 1000000;
     LayerFrameInfo info = frame(1 + number % 2, "com.example.game#" + std::to_string(number / 256));
     info.sfTime = info.qbTime;
@@ -97,6 +96,3 @@ TEST_P(ThreadsTest, WorkersSendWholeRequestsAndReleaseEveryBoost) {
 }
 
 INSTANTIATE_TEST_SUITE_P(TicksApart, ThreadsTest, testing::Bool());
-
-}  // namespace
-}  // namespace brevold::test

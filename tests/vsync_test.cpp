@@ -1,23 +1,57 @@
 #include "tests/test_device.h"
 
-namespace brevold::test {
-namespace {
+using namespace brevold::test;
 
-struct VsyncTest : TargetAppTest {
-    void SetUp() override {
-        TargetAppTest::SetUp();
-        submit(frame());  // the layer is unchanged now
-    }
-};
+using VsyncTest = TargetAppTest;
 
 // At that frame rate, one millisecond past a tick.
-int verdictAt(int fps, int queuedFrames = 0) {
+static int verdictAt(int fps, int queuedFrames = 0) {
     measure(kSecondNs / fps);
     advance(1000000);
     return brevoldMonitor(queuedFrames, kPeriod60Ns);
 }
 
-TEST_F(VsyncTest, VerdictBounds) {
+static std::string boost(int queuedFrames, int suppress = 0) {
+    EXPECT_EQ(brevoldScaling(queuedFrames, suppress), 0);
+    const std::string calls = takeCalls();
+    android::releaseScaling();
+    takeCalls();
+    return calls;
+}
+
+TEST_F(VsyncTest, ModePeriodAndQueueDecide) {
+    const std::tuple<int, int64_t, int64_t, int, std::string> rows[] = {
+            {60, 16000001, 16999999, 2, "hint 4166 19 0x4103e8"},
+            {90, 10800001, 11699999, 2, "hint 4166 13 0x4103e8"},
+            {120, 8000001, 8999999, 2, "hint 4166 10 0x4103e8"},
+            {30, 16000001, 16999999, 3, ""},
+            {24, 1, 0, 2, ""},
+            {40, 1, 0, 2, ""}};
+    for (const auto& [fps, lowNs, highNs, fewestForBoost, downHint] : rows) {
+        measure(kSecondNs / fps);
+        advance(1000000);
+        for (const int64_t periodNs :
+             {16000000l, 16000001l, 16999999l, 17000000l, 10800000l, 10800001l, 11699999l,
+              11700000l, 8000000l, 8000001l, 8999999l, 9000000l, -16666666l, 0l, INT64_MIN}) {
+            SCOPED_TRACE(std::to_string(fps) + " " + std::to_string(periodNs));
+            const bool is60Hz = periodNs >= 16000001 && periodNs <= 16999999;
+            EXPECT_EQ(brevoldMonitor(0, periodNs), is60Hz && fps <= 30 ? 1 : 0);
+            const bool isInBand = periodNs >= lowNs && periodNs <= highNs;
+            android::brevoldBufferMonitor(2, kLayer, kLayer, 0, kSecondNs, 1, 0, periodNs);
+            EXPECT_EQ(takeCalls(), isInBand ? downHint : "");
+            for (const int queued : {INT_MIN, 1, 2, 3})
+                EXPECT_EQ(boost(queued), isInBand && queued >= fewestForBoost ? kBoostHint : "");
+            EXPECT_EQ(boost(3, 1) + boost(3, -1), "");
+        }
+    }
+}
+
+TEST_F(VsyncTest, VerdictWantsATickAndAQueueNotBusyTwice) {
+    android::modeMonitor(100000000);
+    advance(kSecondNs + 1);
+    android::modeMonitor(100000000);  // mode 0, without a tick
+    host::setTimeNs(5000000);
+    EXPECT_EQ(brevoldMonitor(0, kPeriod60Ns), 0);
     measure(kSecondNs / 30);
     const std::pair<int64_t, int> steps[] = {{0, 0}, {1, 1},         {17999998, 1},
                                              {1, 0}, {-20000000, 0}, {3000000, 1}};
@@ -25,23 +59,17 @@ TEST_F(VsyncTest, VerdictBounds) {
         advance(byNs);
         EXPECT_EQ(brevoldMonitor(1, kPeriod60Ns), verdict) << byNs;
     }
-    const std::pair<int64_t, int> periods[] = {{16000000, 0},  {16000001, 1},    {16999999, 1},
-                                               {17000000, 0},  {kPeriod90Ns, 0}, {0, 0},
-                                               {-16666666, 0}, {INT64_MIN, 0}};
-    for (const auto& [periodNs, verdict] : periods)
-        EXPECT_EQ(brevoldMonitor(1, periodNs), verdict) << periodNs;
     EXPECT_EQ(brevoldMonitor(2, kPeriod60Ns), 1);
-    EXPECT_EQ(brevoldMonitor(2, kPeriod60Ns), 0);  // busy twice
-    EXPECT_EQ(brevoldMonitor(1, kPeriod60Ns), 1);
-    EXPECT_EQ(brevoldMonitor(INT_MAX, 0), 0);  // counts as busy even so
     EXPECT_EQ(brevoldMonitor(2, kPeriod60Ns), 0);
+    EXPECT_EQ(brevoldMonitor(1, kPeriod60Ns), 1);
+    EXPECT_EQ(brevoldMonitor(2, 0), 0);  // counts as busy even so
+    EXPECT_EQ(brevoldMonitor(INT_MAX, kPeriod60Ns), 0);
     EXPECT_EQ(brevoldMonitor(INT_MIN, kPeriod60Ns), 1);
+    host::setTimeNs(INT64_MIN);
+    EXPECT_ABORT(brevoldMonitor(0, kPeriod60Ns));
 }
 
-TEST_F(VsyncTest, VerdictWantsALowModeOfTheTargetAppOnAnUnchangedLayer) {
-    const std::pair<int, int> cases[] = {{24, 1}, {30, 1}, {60, 0}, {90, 0}, {120, 0}, {40, 0}};
-    for (const auto& [fps, verdict] : cases)
-        EXPECT_EQ(verdictAt(fps), verdict) << fps;
+TEST_F(VsyncTest, VerdictWantsJankBoostAndTheTargetAppOnAnUnchangedLayer) {
     submit(frame(0, "com.example.other#0"));
     EXPECT_EQ(verdictAt(30), 0);
     submit(frame(0, "com.example.other#0"));
@@ -52,19 +80,34 @@ TEST_F(VsyncTest, VerdictWantsALowModeOfTheTargetAppOnAnUnchangedLayer) {
     restartWith("com.example.fourth#0");
     EXPECT_EQ(verdictAt(30), 0);
     gDevice.appType = 2;
-    gDevice.properties["vendor.perf.jr10.enable"] = "0";
+    gDevice.features = {4};
     restartWith("com.example.fifth#0");
+    EXPECT_EQ(verdictAt(30), 1);
+    gDevice.features = {4, 5};
+    gDevice.properties["vendor.perf.jr10.enable"] = "0";
+    restartWith("com.example.sixth#0");
     EXPECT_EQ(verdictAt(30), 0);
 }
 
-TEST_F(VsyncTest, NoVerdictBeforeATick) {
-    restartWith("com.example.other#0");
-    android::modeMonitor(100000000);
-    advance(kSecondNs + 1);
-    android::modeMonitor(100000000);  // mode 0, without a tick
-    host::setTimeNs(5000000);
-    EXPECT_EQ(brevoldMonitor(0, kPeriod60Ns), 0);
+TEST_F(VsyncTest, SwitchesOfABoost) {
+    for (const int switches : {0, 1, 2, 3}) {
+        gDevice.properties["vendor.display.use_smooth_motion"] = switches % 2 == 1 ? "1" : "0";
+        gDevice.properties["vendor.perf.jr10.enable"] = switches >= 2 ? "1" : "0";
+        restartWith("com.example.app#" + std::to_string(switches));
+        measure(kSecondNs / 30);
+        EXPECT_EQ(boost(3), switches != 0 ? kBoostHint : "") << switches;
+        measure(kPeriod60Ns);
+        EXPECT_EQ(boost(2), kBoostHint);  // the other modes want neither
+    }
+    android::brevoldBufferMonitor(0, "x", kLayer, 0, 0, 0, 0, kPeriod90Ns);
+    EXPECT_EQ(boost(3), "");  // a report that decides nothing still tells the period
+    gDevice.features = {4};
+    restartWith("com.example.third#0");
+    measure(kPeriod60Ns);
+    EXPECT_EQ(boost(3) + submit(frame(2, "com.example.third#0")), "");
+    gDevice.features = {4, 5};
+    gDevice.appType = 0;
+    restartWith("com.example.fourth#0");
+    measure(kPeriod60Ns);
+    EXPECT_EQ(boost(3) + submit(frame(2, "com.example.fourth#0")), "");
 }
-
-}  // namespace
-}  // namespace brevold::test

@@ -6,50 +6,39 @@
 
 #include "tests/test_device.h"
 
-namespace brevold::test {
-namespace {
+using namespace brevold::test;
+
+using WorkerTest = TargetAppTest;
 
 constexpr char kHalf[] = "hint 4166 19 0x4101f4";
 
-struct WorkerTest : TargetAppTest {
-    void SetUp() override {
-        TargetAppTest::SetUp();
-        takeLabels();
-    }
-};
-
-std::string requestBoost() {
+static std::string requestBoost() {
     return request(10.0f, 2, 2, kSf);
 }
 
-std::string release() {
+static std::string release() {
     android::releaseScaling();
     return takeCalls();
 }
 
 TEST_F(WorkerTest, QbTypeWordIsPackedUnmasked) {
     measure(kPeriod60Ns);
-    struct Row {
-        float scale;
-        unsigned direction, boostLevel;
-        const char* word;
+    const std::tuple<float, unsigned, unsigned, std::string> rows[] = {
+            {10.0f, 2, 2, "0x522710"},    {0.5f, 1, 0, "0x4101f4"},
+            {0.0f, 1, 0, "0x410000"},     {-1.0f, 1, 0, "0x410000"},
+            {NAN, 1, 0, "0x410000"},      {65.535f, 1, 0, "0x41ffff"},
+            {65.536f, 1, 0, "0x410000"},  {4294967.0f, 1, 0, "0x41ff00"},
+            {1e9f, 1, 0, "0x41ffff"},     {-INFINITY, 1, 0, "0x410000"},
+            {0.9999f, 1, 0, "0x4103e7"},  {0.7f, 1, 0, "0x4102bc"},
+            {1.0f, 8, 0, "0x4803e8"},     {1.0f, 8, 1, "0x4803e8"},
+            {1.0f, 4, 0, "0x4403e8"},     {1.0f, 0x10001, 0, "0x4103e8"},
+            {1.0f, 1, 0x10, "0xc103e8"},  {1.0f, 1, 0x2000, "0x4103e8"},
+            {INFINITY, 1, 0, "0x41ffff"},
     };
-    const Row rows[] = {
-            {10.0f, 2, 2, "0x522710"},      {0.5f, 1, 0, "0x4101f4"},
-            {0.0f, 1, 0, "0x410000"},       {-1.0f, 1, 0, "0x410000"},
-            {NAN, 1, 0, "0x410000"},        {65.535f, 1, 0, "0x41ffff"},
-            {65.536f, 1, 0, "0x410000"},    {4294967.0f, 1, 0, "0x41ff00"},
-            {1e9f, 1, 0, "0x41ffff"},       {INFINITY, 1, 0, "0x41ffff"},
-            {-INFINITY, 1, 0, "0x410000"},  {0.9999f, 1, 0, "0x4103e7"},
-            {0.7f, 1, 0, "0x4102bc"},       {1.0f, 8, 0, "0x4803e8"},
-            {1.0f, 8, 1, "0x4803e8"},       {1.0f, 4, 0, "0x4403e8"},
-            {1.0f, 0x10001, 0, "0x4103e8"}, {1.0f, 1, 0x2000, "0x4103e8"},
-    };
-    for (const Row& row : rows) {
-        EXPECT_EQ(request(row.scale, row.direction, row.boostLevel, kQb),
-                  std::string("hint 4166 19 ") + row.word)
-                << row.scale << ' ' << row.direction << ' ' << row.boostLevel;
-    }
+    for (const auto& [scale, direction, boostLevel, word] : rows)
+        EXPECT_EQ(request(scale, direction, boostLevel, kQb), "hint 4166 19 " + word) << scale;
+    const std::string labels = takeLabels();
+    EXPECT_EQ(labels.substr(labels.rfind(';')), "; energyScaling[Scale:INF]");
 }
 
 TEST_F(WorkerTest, QbSendsTheLastRequestAtEveryWakeUp) {
@@ -93,20 +82,15 @@ TEST_F(WorkerTest, SfBoostsOnceAndReleasesWithTheCount) {
 }
 
 TEST_F(WorkerTest, NothingIsSentBeforeTheFirstRequestOrWithoutAMode) {
-    for (const int thread : {kSf, kQb}) {
-        EXPECT_EQ(wake(static_cast<size_t>(thread)), "");
-        EXPECT_EQ(takeLogTexts(), "mPerfHint is null.");
-    }
+    EXPECT_EQ(wake(kSf) + wake(kQb), "");
     EXPECT_FALSE(hasMode());
-    EXPECT_EQ(takeLogTexts(), "mPerfHint is null.");
+    EXPECT_EQ(takeLogTexts(), "mPerfHint is null.; mPerfHint is null.; mPerfHint is null.");
 }
 
 TEST_F(WorkerTest, DropsRequestsWithoutDirectionChannelOrFeature) {
     const int signals = host::signalCount();
-    for (const int channel : {kSf, kQb})
-        request(1.0f, 0, 2, channel);
-    for (const int channel : {-1, 2, 7})
-        request(1.0f, 1, 2, channel);
+    for (const int channel : {-1, kSf, kQb, 2, 7})
+        request(1.0f, channel == kSf || channel == kQb ? 0 : 1, 2, channel);
     android::clearConfigs();
     for (const int channel : {kSf, kQb})
         request(1.0f, 2, 2, channel);
@@ -120,6 +104,7 @@ TEST_F(WorkerTest, AFailedWaitEndsTheThreadForGood) {
                                       " (" + std::to_string(-EINVAL) + ")");
     EXPECT_EQ(request(1.0f, 1, 0, kQb), "");
     EXPECT_EQ(requestBoost(), kBoostHint);
+    EXPECT_EQ(takeLogTexts(), "");
 }
 
 TEST_F(WorkerTest, OutputWantsDebugAndSectionsTheTag) {
@@ -138,50 +123,43 @@ TEST_F(WorkerTest, OutputWantsDebugAndSectionsTheTag) {
     EXPECT_EQ(takeLogTexts(), "");
 }
 
-sem_t gHintBegun;
-sem_t gHintMayEnd;
+static sem_t gHintBegun;
+static sem_t gHintMayEnd;
 
-struct HintUnderWayTest : TargetAppTest {
-    // Returns while the service still works on a request of the "QB" worker.
-    void SetUp() override {
-        TargetAppTest::SetUp();
-        measure(kPeriod60Ns);
-        sem_init(&gHintBegun, 0, 0);
-        sem_init(&gHintMayEnd, 0, 0);
-        gDevice.duringCall = [] {
-            gDevice.duringCall = nullptr;
-            sem_post(&gHintBegun);
-            sem_wait(&gHintMayEnd);
-        };
-        android::energyScaling(0.5f, 1, 0, kQb);
-        sem_wait(&gHintBegun);
-    }
+// Returns while the service still works on a request of the "QB" worker.
+static void startHint() {
+    measure(kPeriod60Ns);
+    sem_init(&gHintBegun, 0, 0);
+    sem_init(&gHintMayEnd, 0, 0);
+    gDevice.duringCall = [] {
+        gDevice.duringCall = nullptr;
+        sem_post(&gHintBegun);
+        sem_wait(&gHintMayEnd);
+    };
+    android::energyScaling(0.5f, 1, 0, kQb);
+    sem_wait(&gHintBegun);
+}
 
-    static std::string endHint() {
-        sem_post(&gHintMayEnd);
-        return takeCalls();
-    }
-};
-
-TEST_F(HintUnderWayTest, HoldsUpNobodyWhoPostsNothingToItsWorker) {
+TEST_F(WorkerTest, AHintUnderWayHoldsUpNobodyWhoPostsNothingToItsWorker) {
+    startHint();
     EXPECT_TRUE(brevoldCheck("sf"));
     brevoldRefresh();
     EXPECT_EQ(brevoldMonitor(2, kPeriod60Ns), 0);
     LayerFrameInfo info = frame();
     EXPECT_EQ(brevoldOnFrameAvailable(&info), 0);
     EXPECT_EQ(brevoldScaling(2, 0), 0);
-    EXPECT_EQ(endHint(), std::string(kHalf) + "; " + kBoostHint);
+    sem_post(&gHintMayEnd);
+    EXPECT_EQ(takeCalls(), std::string(kHalf) + "; " + kBoostHint);
 }
 
-TEST_F(HintUnderWayTest, OutlivesANewInitialisation) {
+TEST_F(WorkerTest, AHintUnderWayOutlivesANewInitialisation) {
+    startHint();
     android::clearConfigs();
     EXPECT_TRUE(brevoldInit());
-    EXPECT_EQ(endHint(), kHalf);
+    sem_post(&gHintMayEnd);
+    EXPECT_EQ(takeCalls(), kHalf);
     takeLogTexts();
     EXPECT_EQ(wake(kSf) + wake(kQb), kHalf);
     EXPECT_EQ(takeLogTexts(), "mPerfHint is null.");
     EXPECT_EQ(requestBoost(), kBoostHint);
 }
-
-}  // namespace
-}  // namespace brevold::test
