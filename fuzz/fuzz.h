@@ -1,10 +1,10 @@
 #pragma once
 
-#include <fuzzer/FuzzedDataProvider.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <map>
 #include <string>
 
 namespace brevold::fuzz {
@@ -16,12 +16,19 @@ inline void require(bool holds, const char* what) {
     abort();
 }
 
-/** The functions of the libraries that can be opened, by the libraries' names and theirs. */
-inline std::map<std::string, std::map<std::string, void*>> gLibraries;
+/** A file in memory, of which each input is written into the same one. */
+struct InputFile {
+    const int fd = memfd_create("input", 0);
+    const std::string path = "/proc/self/fd/" + std::to_string(fd);
 
-template <typename Fn>
-void* address(Fn* function) {
-    return reinterpret_cast<void*>(function);
-}
+    void write(const uint8_t* data, size_t size) const {
+        require(ftruncate(fd, 0) == 0 && lseek(fd, 0, SEEK_SET) == 0 &&
+                        ::write(fd, data, size) == static_cast<ssize_t>(size),
+                "the input is written");
+    }
+    void requireNamed(const char* error) const {
+        require(std::string(error).rfind(path + ":", 0) == 0, "an error names the file");
+    }
+};
 
 }  // namespace brevold::fuzz

@@ -1,137 +1,121 @@
-// The frame road: whatever the compositor reports and the service answers, what is sent follows
-// from what was posted.
+// Initialisation and the frame road: switches and debug layers are as set, and whatever the
+// compositor reports and the service answers, what is sent follows from what was posted.
 
 #include <cutils/properties.h>
+#include <fuzzer/FuzzedDataProvider.h>
+#include <utils/Thread.h>
 
 #include <algorithm>
 #include <cstring>
+#include <map>
 #include <mutex>
-#include <string>
-#include <vector>
 
 #include "brevold/brevold.h"
 #include "brevold/state.h"
 #include "fuzz/fuzz.h"
 #include "host/virtual_platform.h"
 
-namespace {
-
+using namespace android;
 using brevold::fuzz::require;
 namespace host = brevold::host;
 
+namespace {
+
 constexpr int64_t kPeriodsNs[] = {16666666, 11111111, 8333333, 33333333, 16000001, 16999999};
-constexpr uint32_t kQbChannelBit = 1u << 22;
+constexpr int kQueues[] = {0, 1, 2, 3, 4};
+constexpr const char* kNames[] = {"com.example.a/Main#0", "com.example.b#1", "1", ""};
 /** Stamps this far apart still have differences, and differences of those, in 64 bits. */
 constexpr int64_t kFarNs = int64_t{1} << 61;
 
-struct Hint {
-    int duration;
-    uint32_t type;
-};
+constexpr char kList[] = "vendor.perf.brevold.debug.layers";
+constexpr const char* kSwitches[] = {
+        "vendor.display.use_smooth_motion", "vendor.perf.fps_switch.enable",
+        "vendor.perf.jr10.enable",          "vendor.perf.pfar.enable",
+        "vendor.perf.brevold.debug",        "vendor.perf.pfar.down.enable"};
 
+/** Duration and type word. */
+using Hint = std::pair<int, uint32_t>;
+
+/** The service, what it was asked, and what was posted to the two workers. */
 struct Service {
-    std::mutex lock;
-    int appType;
-    int nextHandle;
-    int heldHandle;
+    std::map<std::string, std::string> settings;
+    bool allowed[2] = {true, true};
+    /** The feature and the client library; 0: there is none, 1: one without the functions. */
+    int found[2] = {2, 2};
+    int appType, nextHandle, heldHandle;
     bool isAsked;
-    std::vector<Hint> scalingHints;
-};
-Service gService;
-
-/** What was posted to the two workers, and what the service holds of it. */
-struct Posted {
-    Hint sf;
-    Hint qb;
-    int sfCount;
+    std::mutex lock;
+    std::vector<Hint> hints;
+    uint32_t sfType, qbType, sfCount;
     bool isBoostHeld;
 };
-Posted gPosted;
+Service gService;
 int64_t gNowNs;
-
-uint32_t wordOf(float scale, uint32_t direction, uint32_t boostLevel) {
-    const double thousandths = static_cast<double>(scale * 1000.0f);
-    const double bounded = !(thousandths > 0) ? 0 : std::min(thousandths, 4294967295.0);
-    return (static_cast<uint32_t>(bounded) & 0xffff) | direction << 16 | boostLevel << 19;
-}
-
-int perfHint(int hint, const char* package, int duration, int type) {
-    const std::lock_guard lock(gService.lock);
-    gService.isAsked = true;
-    require(package == nullptr, "hints name no package");
-    if (hint == android::kEnergyScalingHint) {
-        gService.scalingHints.push_back({duration, static_cast<uint32_t>(type)});
-        return gService.nextHandle;
-    }
-    require(hint == android::kRefreshRateHint && duration == 0, "the other hint is the rate's");
-    require(type == 60 || type == 90 || type == 120, "the rate is one of three");
-    return gService.heldHandle = gService.nextHandle;
-}
-
-int perfLockRel(int handle) {
-    gService.isAsked = true;
-    require(handle > 0 && handle == gService.heldHandle, "the handle held is released, once");
-    gService.heldHandle = 0;
-    return 0;
-}
-
-int perfGetFeedback(int query, const char* package) {
-    gService.isAsked = true;
-    require(query == android::kAppTypeQuery && package != nullptr, "a package is asked for");
-    return gService.appType;
-}
-
-android::PerfSetting perfGetProp(const char* key, const char*) {
-    const bool isList = std::string(key) == "vendor.perf.brevold.debug.layers";
-    android::PerfSetting setting = {};
-    strcpy(setting.text, isList ? "debug#0  x" : "1");
-    return setting;
-}
-
-int isFeatureEnabled(int) {
-    return 1;
-}
 
 /** What the workers sent against what was posted to them. */
 void compareHints() {
     host::settle();
-    const std::lock_guard lock(gService.lock);
-    for (const Hint& hint : gService.scalingHints) {
-        if (hint.duration == 0) {
-            require(hint.type == static_cast<uint32_t>(gPosted.sfCount), "releases count boosts");
-            gPosted.sfCount = 0;
-            gPosted.isBoostHeld = false;
-        } else if (hint.duration == 2000) {
-            require(hint.type == gPosted.sf.type, "the boost's word is what was posted");
-            require(!gPosted.isBoostHeld, "a boost is sent once");
-            gPosted.isBoostHeld = true;
+    for (const auto& [duration, type] : gService.hints) {
+        if (duration == 0) {
+            require(type == gService.sfCount, "releases count boosts");
+            gService.sfCount = 0;
+            gService.isBoostHeld = false;
+        } else if (duration == 2000) {
+            require(type == gService.sfType, "the boost's word is what was posted");
+            require(!gService.isBoostHeld, "a boost is sent once");
+            gService.isBoostHeld = true;
         } else {
-            require(hint.type == (gPosted.qb.type | kQbChannelBit), "the word is what was posted");
-            require(hint.duration == gPosted.qb.duration && hint.duration > 0, "the mode's time");
+            require(type == gService.qbType && duration > 0, "the word is what was posted");
         }
     }
-    gService.scalingHints.clear();
-    require(android::gMode >= 0 && android::gMode <= 5, "the mode is one of six");
+    gService.hints.clear();
+    require(gMode >= 0 && gMode <= 5, "the mode is one of six");
 }
 
-void switchFeatures(FuzzedDataProvider& input) {
-    for (bool* feature : {&android::gScalingEnabled, &android::gJr10Enabled,
-                          &android::gSmoothMotion, &android::gPfarDownEnabled, &android::gDebug}) {
-        *feature = input.ConsumeIntegralInRange(0, 3) != 0;
+/** Decides the switches as they read; the two workers of the first time serve every input. */
+void initialise(FuzzedDataProvider& input) {
+    static const sp<ScalingSyncThread> workers[] = {gSFThread, gQBThread};
+    for (int& found : gService.found)
+        found = std::min(input.ConsumeIntegralInRange(0, 7), 2);
+    for (bool& allowed : gService.allowed)
+        allowed = input.ConsumeIntegralInRange(0, 3) != 0;
+    for (const char* setting : kSwitches)
+        gService.settings[setting] =
+                input.ConsumeIntegralInRange(0, 5) ? "1" : input.ConsumeRandomLengthString(100);
+    gService.settings[kList] = input.ConsumeRandomLengthString(100);
+    clearConfigs();
+    gPerfGetProp = nullptr;
+    const size_t listed = gDebugLayers.size();
+    const bool isAnyOn = brevoldInit();
+
+    require(isAnyOn == (gJr10Enabled || gScalingEnabled || gFpsSwitchEnabled), "any feature");
+    require((gSFThread != workers[0]) == gScalingEnabled, "workers with energy scaling only");
+    gSFThread = workers[0];
+    gQBThread = workers[1];
+    if (input.ConsumeBool()) gPerfLockRel = nullptr;
+
+    const auto textOf = [](const char* setting) -> std::string {
+        return gService.settings[setting].substr(0, kSettingSize - 1).c_str();
+    };
+    const bool switches[] = {gSmoothMotion, gFpsSwitchEnabled == 1, gJr10Enabled, gScalingEnabled,
+                             gDebug,        gPfarDownEnabled};
+    for (size_t i = 0; i < std::size(switches); ++i)
+        require(!switches[i] || atoi(textOf(kSwitches[i]).c_str()) == 1, kSwitches[i]);
+    const bool readsList = gService.found[0] + gService.found[1] == 4 &&
+                           (gService.allowed[0] || gService.allowed[1]) &&
+                           textOf(kList).compare(0, 4, "NONE") != 0;
+    const std::string list = readsList ? textOf(kList) : "";
+    std::string joined;
+    for (size_t i = listed; i < gDebugLayers.size(); ++i) {
+        require(isDebugLayer(gDebugLayers[i]), "listed layers are debug layers");
+        joined += gDebugLayers[i] + " ";
     }
-    android::gFpsSwitchEnabled = input.ConsumeBool() ? 1 : 0;
-    android::gPerfHintUpdate = input.ConsumeBool() ? perfHint : nullptr;
-    android::gPerfLockRel = input.ConsumeBool() ? perfLockRel : nullptr;
-    android::gPerfGetFeedback = input.ConsumeIntegralInRange(0, 3) != 0 ? perfGetFeedback : nullptr;
+    require(joined == list || joined == list + " ", "the list is split at blanks and appended");
 }
 
-int64_t anyPeriodNs(FuzzedDataProvider& input) {
-    return input.ConsumeBool() ? input.PickValueInArray(kPeriodsNs)
-                               : input.ConsumeIntegral<int64_t>();
-}
-
-int anyQueue(FuzzedDataProvider& input) {
-    return input.ConsumeBool() ? input.ConsumeIntegralInRange(0, 4) : input.ConsumeIntegral<int>();
+template <typename T, size_t N>
+T any(FuzzedDataProvider& input, const T (&likely)[N]) {
+    return input.ConsumeBool() ? input.PickValueInArray(likely) : input.ConsumeIntegral<T>();
 }
 
 /** Near now, as stamps are; or far away. */
@@ -141,7 +125,6 @@ int64_t anyStampNs(FuzzedDataProvider& input) {
 }
 
 std::string anyName(FuzzedDataProvider& input) {
-    constexpr const char* kNames[] = {"com.example.a/Main#0", "com.example.b#1", "debug#0", ""};
     return input.ConsumeBool() ? input.PickValueInArray(kNames)
                                : input.ConsumeRandomLengthString(40);
 }
@@ -150,13 +133,13 @@ void reportFrame(FuzzedDataProvider& input) {
     LayerFrameInfo info = {};
     info.skipLayerCheck = input.ConsumeIntegralInRange<uint8_t>(0, 7) == 0 ? 1 : 0;
     info.layerKeyA = input.ConsumeIntegralInRange(0, 1);
-    info.lastMaxQueuedFrames = anyQueue(input);
+    info.lastMaxQueuedFrames = any(input, kQueues);
     info.layerName = anyName(input);
     info.peerLayerName = input.ConsumeBool() ? info.layerName : anyName(input);
     info.qbTime = anyStampNs(input);
     info.lastQbTime = input.ConsumeBool() ? -1 : anyStampNs(input);
     info.sfTime = anyStampNs(input);
-    info.refreshPeriod = anyPeriodNs(input);
+    info.refreshPeriod = any(input, kPeriodsNs);
     require(brevoldOnFrameAvailable(&info) == 0, "a report always returns 0");
 }
 
@@ -165,13 +148,12 @@ void tick(FuzzedDataProvider& input) {
     const bool isWindow = input.ConsumeBool();
     const int64_t intervalNs = isWindow ? input.PickValueInArray(kPeriodsNs)
                                         : input.ConsumeIntegralInRange<int64_t>(-1000, 200000000);
-    const int64_t ticks = isWindow ? 1000000000 / intervalNs + 2 : 1;
-    for (int64_t i = 0; i < ticks; ++i) {
+    for (int64_t i = isWindow ? 1000000000 / intervalNs + 2 : 1; i > 0; --i) {
         host::setTimeNs(gNowNs += intervalNs);
         brevoldRefresh();
     }
     compareHints();
-    if (android::gScalingEnabled) require(!gPosted.isBoostHeld, "a tick releases every boost");
+    require(!gScalingEnabled || !gService.isBoostHeld, "a tick releases every boost");
 }
 
 void step(FuzzedDataProvider& input) {
@@ -179,94 +161,125 @@ void step(FuzzedDataProvider& input) {
         case 0:
             return tick(input);
         case 1:
-            require(brevoldScaling(anyQueue(input), input.ConsumeBool()) == 0, "gLock is released");
-            return;
+            return require(brevoldScaling(any(input, kQueues), input.ConsumeBool()) == 0, "0");
         case 2: {
-            const int verdict = brevoldMonitor(anyQueue(input), anyPeriodNs(input));
-            require(verdict == 0 || (verdict == 1 && android::gMode <= 1), "verdict in low modes");
-            return;
+            const int verdict = brevoldMonitor(any(input, kQueues), any(input, kPeriodsNs));
+            return require(verdict == 0 || (verdict == 1 && gMode <= 1), "verdict in low modes");
         }
         case 3:
-            return android::energyScaling(
+            return energyScaling(
                     input.ConsumeFloatingPoint<float>(), input.ConsumeIntegralInRange(0u, 3u),
                     input.ConsumeIntegralInRange(0u, 2u), input.ConsumeIntegralInRange(-1, 2));
         case 4:
-            return android::modeMonitor(input.ConsumeIntegral<int64_t>());
+            return modeMonitor(input.ConsumeIntegral<int64_t>());
         case 5:
             gService.appType = input.ConsumeIntegralInRange(-1, 3);
             gService.nextHandle = input.ConsumeIntegralInRange(-2, 9);
             return;
         case 6:
-            return switchFeatures(input);
-        case 7:
-            return android::clearConfigs();
+            return initialise(input);
         default:
             return reportFrame(input);
     }
 }
 
-void releaseBoost() {
-    android::releaseScaling();
-    compareHints();
-    require(!gPosted.isBoostHeld, "a boost that is withdrawn is released");
-}
-
 }  // namespace
 
-/** Stands before the library's own, so that what it posts is seen. */
-extern "C" void __real__ZN7android13energyScalingEfjji(float, unsigned, unsigned, int);
-extern "C" void __wrap__ZN7android13energyScalingEfjji(float scale, unsigned direction,
-                                                       unsigned boostLevel, int channel) {
-    constexpr int kDurations[] = {-1, -1, 19, 13, 10, -1};
-    if (android::gScalingEnabled && direction != 0) {
-        const uint32_t word = wordOf(scale, direction, boostLevel);
-        if (channel == 0) gPosted.sf = {2000, word};
-        if (channel == 0 && boostLevel != 0) ++gPosted.sfCount;
-        if (channel == 1) gPosted.qb = {kDurations[android::gMode], word};
+extern "C" {
+
+// The service's functions, found by name in the program.
+int perf_hint(int hint, const char* package, int duration, int type) {
+    const std::lock_guard lock(gService.lock);
+    gService.isAsked = true;
+    require(package == nullptr, "hints name no package");
+    if (hint == kRefreshRateHint) return gService.heldHandle = gService.nextHandle;
+    gService.hints.push_back({duration, static_cast<uint32_t>(type)});
+    return gService.nextHandle;
+}
+int perf_lock_rel(int handle) {
+    gService.isAsked = true;
+    require(handle > 0 && handle == gService.heldHandle, "the handle held is released, once");
+    return gService.heldHandle = 0;
+}
+int perf_get_feedback(int, const char*) {
+    gService.isAsked = true;
+    return gService.appType;
+}
+/** Not terminated where a text fills the setting. */
+PerfSetting perf_get_prop(const char* key, const char*) {
+    PerfSetting setting;
+    strncpy(setting.text, gService.settings[key].c_str(), sizeof(setting.text));
+    return setting;
+}
+int IsFeatureEnabled(int feature) {
+    return gService.allowed[feature - 4];
+}
+
+// In place of the library's own calls.
+void* __real_dlopen(const char*, int);
+void* __wrap_dlopen(const char* name, int mode) {
+    const int found = gService.found[strcmp(name, kPerfClientLibrary) == 0];
+    return found == 0 ? nullptr : __real_dlopen(found == 1 ? "libc.so.6" : nullptr, mode);
+}
+
+// Stands before the library's own, so that what it posts is seen.
+void __real__ZN7android13energyScalingEfjji(float, unsigned, unsigned, int);
+void __wrap__ZN7android13energyScalingEfjji(float scale, unsigned direction, unsigned boostLevel,
+                                            int channel) {
+    if (gScalingEnabled && direction != 0) {
+        const double thousandths = static_cast<double>(scale * 1000.0f);
+        const double bounded = !(thousandths > 0) ? 0 : std::min(thousandths, 4294967295.0);
+        const uint32_t word =
+                (static_cast<uint32_t>(bounded) & 0xffff) | direction << 16 | boostLevel << 19;
+        if (channel == 0) gService.sfType = word;
+        if (channel == 0 && boostLevel != 0) ++gService.sfCount;
+        if (channel == 1) gService.qbType = word | 1u << 22;
     }
     __real__ZN7android13energyScalingEfjji(scale, direction, boostLevel, channel);
 }
 
-int property_get(const char*, char* value, const char*) {
-    value[0] = '1';
-    value[1] = '\0';
-    return 1;
+// Workers of a later initialisation never run.
+int __real__ZN7android6Thread3runEPKcim(void*, const char*, int, size_t);
+int __wrap__ZN7android6Thread3runEPKcim(void* thread, const char* name, int priority, size_t size) {
+    if (host::startedThreads().size() >= 2) return OK;
+    return __real__ZN7android6Thread3runEPKcim(thread, name, priority, size);
 }
 
-extern "C" int LLVMFuzzerInitialize(int*, char***) {
-    using brevold::fuzz::address;
-    brevold::fuzz::gLibraries = {
-            {android::kPerfClientLibrary,
-             {{"perf_hint", address(perfHint)},
-              {"perf_lock_rel", address(perfLockRel)},
-              {"perf_get_feedback", address(perfGetFeedback)},
-              {"perf_get_prop", address(perfGetProp)}}},
-            {"libfeatgate_system.so", {{"IsFeatureEnabled", address(isFeatureEnabled)}}}};
+int LLVMFuzzerInitialize(int*, char***) {
+    for (const char* setting : kSwitches)
+        gService.settings[setting] = "1";
     require(brevoldInit(), "everything is on");
     return 0;
 }
 
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzedDataProvider input(data, size);
     // The workers live as long as the process; all else begins as it was loaded.
-    releaseBoost();
-    android::clearConfigs();
-    android::gCurrentLayer.clear();
-    android::gRefreshRate = android::gRefreshRateHandle = 0;
+    releaseScaling();
+    compareHints();
+    require(!gService.isBoostHeld, "a boost that is withdrawn is released");
+    gCurrentLayer.clear();
+    gDebugLayers.clear();
+    gRefreshRate = gRefreshRateHandle = gService.heldHandle = 0;
     host::takeLog();
     host::takeTraceMarks();
     host::setTimeNs(gNowNs = 100000000000);
-    gService.heldHandle = 0;
     gService.appType = 2;
     gService.nextHandle = 1;
-    switchFeatures(input);
+    initialise(input);
     while (input.remaining_bytes() > 0) {
         gService.isAsked = false;
-        const bool isOff = !android::gScalingEnabled && !android::gJr10Enabled &&
-                           android::gFpsSwitchEnabled == 0;
+        const bool isOff = !gScalingEnabled && !gJr10Enabled && gFpsSwitchEnabled == 0;
         step(input);
         compareHints();
         require(!isOff || !gService.isAsked, "with every feature off the service is not asked");
     }
     return 0;
+}
+
+}  // extern "C"
+
+int property_get(const char* key, char* value, const char*) {
+    strcpy(value, gService.settings[key].substr(0, PROPERTY_VALUE_MAX - 1).c_str());
+    return static_cast<int>(strlen(value));
 }

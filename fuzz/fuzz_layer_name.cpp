@@ -1,12 +1,9 @@
 // Layer names: the library's package is that of the plain expression on the whole name.
 
 #include <regex>
-#include <string>
 
 #include "brevold/brevold.h"
 #include "fuzz/fuzz.h"
-
-namespace {
 
 /** Up to here the expression always finishes: it gives up after 4096 steps a byte. */
 constexpr size_t kComparedBytes = 64;
@@ -14,28 +11,19 @@ constexpr size_t kLongest = 65536;
 constexpr char kRun = '\x01';
 constexpr char kWord = '\x02';
 
-/** A name of the input's bytes; two of them stand for what mutation seldom finds. */
-std::string layerName(const uint8_t* data, size_t size) {
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+");
+    // A name of the input's bytes; two of them stand for what mutation seldom finds.
     std::string name;
     for (size_t i = 0; i < size && name.size() < kLongest; ++i) {
         const char c = static_cast<char>(data[i]);
         if (c == kRun && i + 2 < size) {
             name.append(size_t{1} << (data[i + 1] % 16), static_cast<char>(data[i + 2]));
             i += 2;
-        } else if (c == kWord) {
-            name += "SurfaceView";
         } else {
-            name += c;
+            name += c == kWord ? "SurfaceView" : std::string(1, c);
         }
     }
-    return name;
-}
-
-}  // namespace
-
-extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+");
-    const std::string name = layerName(data, size);
     const std::string package = android::getPackageName(name);
     if (name.size() > kComparedBytes) return 0;
     std::smatch match;

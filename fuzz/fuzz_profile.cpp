@@ -1,10 +1,6 @@
 // Profile files: whatever they hold, reading one ends with a profile or with a ProfileError.
 
 #include <cutils/properties.h>
-#include <sys/mman.h>
-#include <unistd.h>
-
-#include <string>
 
 #include "fuzz/fuzz.h"
 // The source itself, to begin each input with an empty profile.
@@ -14,15 +10,13 @@ using namespace brevold::host;
 using brevold::fuzz::require;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static const int file = memfd_create("profile", 0);
-    static const std::string path = "/proc/self/fd/" + std::to_string(file);
-    require(ftruncate(file, 0) == 0 && pwrite(file, data, size, 0) == static_cast<ssize_t>(size),
-            "the input is written");
+    static const brevold::fuzz::InputFile file;
+    file.write(data, size);
     gProfile = {};
     try {
-        loadProfile(path);
+        loadProfile(file.path);
     } catch (const ProfileError& error) {
-        require(std::string(error.what()).rfind(path + ":", 0) == 0, "an error names the file");
+        file.requireNamed(error.what());
     }
     for (const std::string_view key : kProperties) {
         char value[PROPERTY_VALUE_MAX];

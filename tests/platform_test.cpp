@@ -57,7 +57,7 @@ TEST_F(PlatformTest, AFailedLockAbortsButForTheWindowsAndTheWorkers) {
                                  [] { brevoldScaling(0, 0); },
                                  [] { android::brevoldLayerStatusCheck(true, "", 0, 0); }};
     for (const auto entry : entries) {
-        EXPECT_ABORT(tLockError = EINVAL; entry());
+        EXPECT_ABORT((tLockError = EINVAL, entry()));
     }
     tLockError = EINVAL;
     android::modeMonitor(kSecondNs);

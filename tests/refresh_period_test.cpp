@@ -2,118 +2,84 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
+#include <tuple>
 
 namespace brevold::replay {
 namespace {
 
-/** Intervals that follow one another, a run of equal ones at a time. */
-class Ticks {
-  public:
-    Ticks& add(int count, int64_t lengthNs, int64_t jitterNs = 0) {
-        for (int i = 0; i < count; ++i) {
-            // The jitter of one end is taken back at the next one.
-            const int64_t shiftNs = i % 3 == 0 ? jitterNs : i % 3 == 1 ? -jitterNs : 0;
-            mTimeNs += lengthNs + shiftNs;
-            mIntervals.push_back({mTimeNs, lengthNs + shiftNs});
-        }
-        return *this;
-    }
-    int64_t timeNs() const { return mTimeNs; }
-    std::vector<int64_t> periods(UnknownRate unknown) const {
-        std::vector<int64_t> periodsNs;
-        for (const PeriodChange& change : followPeriod(mIntervals, unknown)) {
-            periodsNs.push_back(change.periodNs);
-        }
-        return periodsNs;
-    }
-    const std::vector<Interval>& intervals() const { return mIntervals; }
+constexpr int64_t k60Ns = kPeriod60Ns;
+constexpr int64_t k90Ns = kPeriod90Ns;
 
-  private:
-    int64_t mTimeNs = 0;
-    std::vector<Interval> mIntervals;
+struct Ticks {
+    int count;
+    int64_t lengthUs;
+    int64_t jitterUs = 0;
 };
 
+/** Intervals that follow one another; the jitter of one end is taken back at the next. */
+std::vector<Interval> intervalsOf(const std::vector<Ticks>& runs) {
+    std::vector<Interval> intervals;
+    int64_t timeNs = 0;
+    for (const Ticks& run : runs) {
+        for (int i = 0; i < run.count; ++i) {
+            const int64_t shiftUs = i % 3 == 0 ? run.jitterUs : i % 3 == 1 ? -run.jitterUs : 0;
+            const int64_t lengthNs = (run.lengthUs + shiftUs) * 1000;
+            intervals.push_back({timeNs += lengthNs, lengthNs});
+        }
+    }
+    return intervals;
+}
+
 TEST(RefreshPeriodTest, SnapsAndRounds) {
-    EXPECT_EQ(snapPeriod(17'166'665), kPeriod60Ns);
+    EXPECT_EQ(snapPeriod(17'166'665), k60Ns);
     EXPECT_EQ(snapPeriod(17'166'667), 17'166'667);
-    EXPECT_EQ(snapPeriod(10'777'778), kPeriod90Ns);
+    EXPECT_EQ(snapPeriod(10'777'778), k90Ns);
     EXPECT_EQ(snapPeriod(8'100'000), kPeriod120Ns);
-    EXPECT_EQ(periodOfRate(60), kPeriod60Ns);
-    EXPECT_EQ(periodOfRate(90), kPeriod90Ns);
-    EXPECT_EQ(periodOfRate(120), kPeriod120Ns);
+    EXPECT_EQ(periodOfRate(60), k60Ns);
     EXPECT_EQ(periodOfRate(59.94), 16'683'350);
-    EXPECT_EQ(periodOfRate(144), 6'944'444);
 }
 
 TEST(RefreshPeriodTest, ReadsThePeriods) {
     constexpr auto kKeep = UnknownRate::Keep;
     constexpr auto kIgnore = UnknownRate::Ignore;
-    const struct {
-        const char* what;
-        Ticks ticks;
-        UnknownRate unknown;
-        std::vector<int64_t> periodsNs;
-    } cases[] = {
-            {"one interval tells nothing", Ticks().add(1, 16'600'000), kKeep, {}},
-            {"two do", Ticks().add(2, 16'600'000), kKeep, {kPeriod60Ns}},
-            {"jitter", Ticks().add(300, 11'200'000, 3'000'000), kIgnore, {kPeriod90Ns}},
-            {"half of 60 Hz", Ticks().add(40, 33'300'000), kIgnore, {kPeriod60Ns}},
-            {"third of 60 Hz", Ticks().add(40, 50'000'000), kIgnore, {kPeriod60Ns}},
-            {"half of 90 Hz", Ticks().add(40, 22'200'000), kIgnore, {kPeriod90Ns}},
-            {"third of 120 Hz", Ticks().add(40, 25'000'000), kIgnore, {kPeriod120Ns}},
-            {"third of the current 90 Hz",
-             Ticks().add(40, 11'100'000).add(40, 33'300'000),
-             kIgnore,
-             {kPeriod90Ns}},
-            {"144 Hz vsyncs", Ticks().add(99, 6'950'000, 40'000), kKeep, {6'950'000}},
-            {"144 Hz frames", Ticks().add(99, 6'950'000, 40'000), kIgnore, {}},
-            {"no steady rate", Ticks().add(99, 20'000'000, 9'000'000), kKeep, {}},
-            {"50 Hz after 60 Hz",
-             Ticks().add(40, 16'700'000).add(40, 20'000'000),
-             kKeep,
-             {kPeriod60Ns, 20'000'000}},
+    const std::tuple<const char*, std::vector<Ticks>, UnknownRate, std::vector<int64_t>> cases[] = {
+            {"one interval tells nothing", {{1, 16'600}}, kKeep, {}},
+            {"two do", {{2, 16'600}}, kKeep, {k60Ns}},
+            {"jitter", {{300, 11'200, 3'000}}, kIgnore, {k90Ns}},
+            {"half of 60 Hz", {{40, 33'300}}, kIgnore, {k60Ns}},
+            {"third of 60 Hz", {{40, 50'000}}, kIgnore, {k60Ns}},
+            {"half of 90 Hz", {{40, 22'200}}, kIgnore, {k90Ns}},
+            {"third of 120 Hz", {{40, 25'000}}, kIgnore, {kPeriod120Ns}},
+            {"third of the 90 Hz so far", {{40, 11'100}, {40, 33'300}}, kIgnore, {k90Ns}},
+            {"144 Hz vsyncs", {{99, 6'950, 40}}, kKeep, {6'950'000}},
+            {"144 Hz frames", {{99, 6'950, 40}}, kIgnore, {}},
+            {"no steady rate", {{99, 20'000, 9'000}}, kKeep, {}},
+            {"50 Hz after 60 Hz", {{40, 16'700}, {40, 20'000}}, kKeep, {k60Ns, 20'000'000}},
             {"pauses and odd ones",
-             Ticks().add(40, 16'700'000)
-                     .add(30, 600'000'000)
-                     .add(10, 8'300'000)
-                     .add(40, 16'700'000),
+             {{40, 16'700}, {30, 600'000}, {10, 8'300}, {40, 16'700}},
              kKeep,
-             {kPeriod60Ns}},
+             {k60Ns}},
             {"a change during a pause",
-             Ticks().add(40, 16'700'000).add(1, 600'000'000).add(40, 8'300'000),
+             {{40, 16'700}, {1, 600'000}, {40, 8'300}},
              kKeep,
-             {kPeriod60Ns, kPeriod120Ns}},
-            {"a change among readings that tell nothing",
-             Ticks().add(40, 16'700'000)
-                     .add(9, 11'100'000)
-                     .add(8, 12'300'000)
-                     .add(9, 11'100'000)
-                     .add(8, 12'300'000)
-                     .add(9, 11'100'000),
-             kIgnore,
-             {kPeriod60Ns, kPeriod90Ns}},
-            {"the edge of a snap",
-             Ticks().add(60, 17'100'000).add(60, 17'250'000).add(60, 17'100'000),
-             kKeep,
-             {kPeriod60Ns}},
+             {k60Ns, kPeriod120Ns}},
+            {"the edge of a snap", {{60, 17'100}, {60, 17'250}, {60, 17'100}}, kKeep, {k60Ns}},
     };
-    for (const auto& c : cases)
-        EXPECT_EQ(c.ticks.periods(c.unknown), c.periodsNs) << c.what;
+    for (const auto& [what, ticks, unknown, expectedNs] : cases) {
+        std::vector<int64_t> periodsNs;
+        for (const PeriodChange& change : followPeriod(intervalsOf(ticks), unknown))
+            periodsNs.push_back(change.periodNs);
+        EXPECT_EQ(periodsNs, expectedNs) << what;
+    }
 }
 
 TEST(RefreshPeriodTest, DatesAChangeBack) {
-    Ticks ticks;
-    ticks.add(100, kPeriod60Ns, 1'000'000);
-    const int64_t firstNs = ticks.timeNs();
-    ticks.add(100, kPeriod90Ns, 1'000'000);
-    const int64_t secondNs = ticks.timeNs();
-    ticks.add(25, kPeriod60Ns, 1'000'000);
-
-    const auto changes = followPeriod(ticks.intervals(), UnknownRate::Keep);
+    const auto changes = followPeriod(
+            intervalsOf({{100, 16'667, 1'000}, {100, 11'111, 1'000}, {25, 16'667, 1'000}}),
+            UnknownRate::Keep);
     ASSERT_EQ(changes.size(), 3u);
-    EXPECT_LE(std::abs(changes[1].timeNs - firstNs), kPeriod60Ns);
-    EXPECT_LE(std::abs(changes[2].timeNs - secondNs), kPeriod60Ns);
+    EXPECT_NEAR(static_cast<double>(changes[1].timeNs), 1'667'700'000, k60Ns);
+    EXPECT_NEAR(static_cast<double>(changes[2].timeNs), 2'779'800'000, k60Ns);
 }
 
 }  // namespace

@@ -1,186 +1,253 @@
+// From a file's bytes to a timeline: the kinds of input, the lines of a trace, what they tell of
+// the compositor, and what is wrong or odd in one.
+
 #include "replay/timeline.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
+#include <zlib.h>
 
+#include <fstream>
+#include <iterator>
+#include <regex>
 #include <sstream>
+#include <tuple>
 
 #include "replay/refresh_period.h"
+#include "replay/text.h"
 
 namespace brevold::replay {
 namespace {
 
 using Texts = std::vector<std::string>;
 
-constexpr int kMain = 90;
-constexpr int kBinder = 91;
+const std::string kPath = testing::TempDir() + "timeline" + std::to_string(getpid());
+/** The mode is one of gzopen: "wbT" writes the bytes as they are, "wb" compresses them. */
+void write(const std::string& bytes, const char* mode = "wbT") {
+    const gzFile file = gzopen(kPath.c_str(), mode);
+    gzwrite(file, bytes.data(), static_cast<unsigned>(bytes.size()));
+    gzclose(file);
+}
 
-/** A trace of the compositor, process 90, with times in tenths of a millisecond. */
-class Trace {
-  public:
-    Trace& add(int time, int tid, const std::string& mark) {
-        char line[32];
-        snprintf(line, sizeof(line), "a b-%d [000] %d.%04d: 0: ", tid, time / 10000, time % 10000);
-        mText += line + mark + "\n";
-        return *this;
-    }
-    /** A frame at a time, latched a millisecond later. */
-    Trace& frame(int time, const std::string& counter) {
-        return add(time, kBinder, "C|90|" + counter + "|1")
-                .add(time + 10, kMain, "C|90|" + counter + "|0");
-    }
-    Timeline read(const TimelineOptions& options = {}) const {
-        std::istringstream input(mText);
-        return readTimeline(input, "trace", options);
-    }
-    std::string error(const TimelineOptions& options = {}) const {
-        try {
-            read(options);
-        } catch (const InputError& error) {
-            return error.what();
-        }
-        return "";
-    }
+std::string rest(std::istream& stream) {
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
 
-  private:
-    std::string mText;
-};
+/** Where there is none, what is wrong, without the path, stands as its one warning. */
+Timeline read(const std::string& bytes, const TimelineOptions& options = {}) {
+    write(bytes);
+    Timeline timeline;
+    try {
+        timeline = readTimeline(kPath, options);
+    } catch (const InputError& error) {
+        timeline.warnings = {std::string(error.what()).substr(kPath.size())};
+    }
+    unlink(kPath.c_str());
+    return timeline;
+}
 
-/** Events as "<time> <what>", time in tenths of a millisecond; all but the periods. */
-Texts eventsOf(const Timeline& timeline) {
-    Texts texts;
+/**
+ * A trace of the compositor, process 90, of "<time> <thread> <mark>;" with times in tenths of a
+ * millisecond; the mark "+name" is a frame in that counter, latched a millisecond later.
+ */
+std::string trace(const std::string& marks) {
+    std::istringstream input(marks);
+    std::string text;
+    for (int time, tid; input >> time >> tid;) {
+        std::string mark;
+        std::getline(input.ignore(), mark, ';');
+        const bool isFrame = mark[0] == '+';
+        if (isFrame) mark = "C|90|" + mark.substr(1) + "|1";
+        text += format("a b-%d [000] %d.%04d: 0: ", tid, time / 10000, time % 10000) + mark + "\n";
+        if (!isFrame) continue;
+        mark.back() = '0';
+        text += trace(std::to_string(time + 10) + " 90 " + mark);
+    }
+    return text;
+}
+
+std::string layersOf(const Timeline& timeline) {
+    std::string text;
+    for (const Layer& layer : timeline.layers)
+        text += layer.name + "*" + std::to_string(layer.frames) + " ";
+    return text;
+}
+
+/** Times in tenths of a millisecond; < and > for a composition's begin and end, | for a vsync. */
+std::string describe(const Timeline& timeline) {
+    std::string text;
     for (const TimelineEvent& event : timeline.events) {
-        const std::string when = std::to_string(event.timeNs / 100'000) + " ";
-        switch (event.kind) {
-            case TimelineEvent::Kind::Period:
-                break;
-            case TimelineEvent::Kind::Depth:
-                texts.push_back(when + timeline.layers[static_cast<size_t>(event.layer)].name +
-                                "=" + std::to_string(event.depth));
-                break;
-            case TimelineEvent::Kind::CompositionBegin:
-                texts.push_back(when + "begin");
-                break;
-            case TimelineEvent::Kind::CompositionEnd:
-                texts.push_back(when + "end");
-                break;
-            case TimelineEvent::Kind::Vsync:
-                texts.push_back(when + "vsync");
-                break;
+        text += std::to_string(event.timeNs / 100'000);
+        if (event.kind == TimelineEvent::Kind::Period) {
+            text += " " + std::to_string(event.periodNs);
+        } else if (event.kind == TimelineEvent::Kind::Depth) {
+            text += timeline.layers[static_cast<size_t>(event.layer)].name + "=" +
+                    std::to_string(event.depth);
+        } else {
+            text += "  <>|"[static_cast<size_t>(event.kind)];
+        }
+        text += " ";
+    }
+    return text + "to " + std::to_string(timeline.endNs / 100'000) + "; " + layersOf(timeline) +
+           "; " + timeline.compositionSource + ", " + timeline.vsyncSource;
+}
+
+TEST(TimelineTest, TellsTheKindOfInputByItsContent) {
+    const std::string text = "# tracer: nop\n" + trace("0 91 +a;20 90 B|90|composite \"1\\2\";");
+    std::string longText = text;
+    for (int i = 1; i <= 20'000; ++i)
+        longText += format("a-%d [000] 2.0: 0: C|90|a|%d\n", 90 + i % 2, i % 2);
+    const std::string element = "<script class=\"trace-data\" type=\"application/text\">\n";
+    const auto pageOf = [&](const std::string& content) {
+        return "<!DOCTYPE html>\n<script>" + std::string(300'000, 'x') + "</script>\n" + element +
+               "PROCESS DUMP\n  </script>\n" + element + content + "  </script>\n</html>\n";
+    };
+    const std::string escaped = std::regex_replace(text, std::regex("[\"\\\\]"), "\\$&");
+    const std::string oldPage =
+            "<html><script>\n  var linuxPerfData = \"\\\n" +
+            std::regex_replace(escaped.substr(0, escaped.size() - 1), std::regex("\n"), "\\n\\\n") +
+            "\";\n</script></html>";
+    for (const auto& [bytes, expected] :
+         {std::pair(text, text), std::pair(oldPage, text),
+          std::pair(pageOf(text) + pageOf(longText), text + longText)}) {
+        for (const char* mode : {"wbT", "wb"}) {
+            write(bytes, mode);
+            TraceInput input(kPath);
+            EXPECT_EQ(rest(input.openText()), expected) << mode << bytes.substr(0, 40);
+            input.openText().ignore(10);
+            EXPECT_EQ(rest(input.openText()), expected) << mode << bytes.substr(0, 40);
         }
     }
-    return texts;
-}
+    EXPECT_EQ(layersOf(read(longText)), "a#0*10001 ");
 
-std::vector<std::pair<int64_t, int64_t>> periodsOf(const Timeline& timeline) {
-    std::vector<std::pair<int64_t, int64_t>> periods;
-    for (const TimelineEvent& event : timeline.events) {
-        if (event.kind != TimelineEvent::Kind::Period) continue;
-        periods.emplace_back(event.timeNs / 100'000, event.periodNs);
+    write(text, "wb");
+    std::ifstream file(kPath, std::ios::binary);
+    const std::string gzip = rest(file);
+    const std::string page = pageOf(text);
+    const char* const cutShort = ": ends inside of a script element; was the file cut short?";
+    for (const auto& [bytes, wrong] :
+         {std::pair(gzip.substr(0, gzip.size() - 1),
+                    ": ends inside of its gzip data; was the file cut short?"),
+          std::pair(gzip.substr(0, gzip.size() - 8) + "12345678", ": its gzip data is damaged"),
+          std::pair(page.substr(0, page.size() - 30), cutShort),
+          std::pair(oldPage.substr(0, 100), cutShort),
+          std::pair(pageOf("USER PID\n"), ": is a web page without an ftrace text in it")}) {
+        EXPECT_EQ(read(bytes).warnings, Texts{wrong});
     }
-    return periods;
 }
 
-Texts layersOf(const Timeline& timeline) {
-    Texts names;
-    for (const Layer& layer : timeline.layers) {
-        names.push_back(layer.name + " " + std::to_string(layer.frames));
-    }
-    return names;
+TEST(TimelineTest, SaysWhatIsWrongOrOdd) {
+    const std::string event = "a-7 [001] 1.0: sched_wakeup: comm=b\n";
+    const std::string start = trace("40 9 C|9|BufferTX - a|3;50 9 C|9|BufferTX - a|2;");
+    const std::string early = trace("0 9 E;");
+    const std::pair<std::string, Texts> cases[] = {
+            {"", {": is empty, expected ftrace text"}},
+            {"# tracer\nhello [1] x\n", {": holds no trace events, expected ftrace text"}},
+            {event, {": no layer has frames; were the graphics events recorded?"}},
+            {event + std::string(1, '\0') + "\n",
+             {": is binary, expected ftrace text (it has a NUL byte at 36)"}},
+            {event + "a-7 [001] 1.0: 0: C|9|a|1",
+             {":2: ends in the middle of a line; was the recording cut short?"}},
+            {event + "a-7 [001] 1.0: 0: C|9|a\n",
+             {":2: expected a whole number as value of the counter 'a', got ''"}},
+            {event + "a-7 [001] 1.0: 0: C|9|a|9223372036854775808\n",
+             {":2: expected a whole number as value of the counter 'a', got "
+              "'9223372036854775808'"}},
+            {event + std::string(300'000, 'x') + "\n",
+             {":2: expected a line of ftrace text, got one of more than 262144 bytes"}},
+            {start + early + early + early,
+             {":3: most lines go back in time from here on; is an earlier time wrong?"}},
+            {start + early, {}},
+            {start + early + early,
+             {"lines left out, as they go back in time: 2, the first in line 3"}},
+            {start + early + trace("60 9 C|9|BufferTX - a|1;"),
+             {"lines left out, as they go back in time: 1, the first in line 3"}},
+            {"capturing trace... done\n" + start + "a-7 [001] 99999999999.0: 0: beyond 64 bits\n" +
+                     "a-99999999999 [001] 4.0: 0: beyond 32 bits\n" +
+                     "a-7 [001] 4.0000000001: 0: ten decimals\nstray\n",
+             {"lines that are no trace events: 5, the first in line 1"}},
+            {start + trace("60 9 C|9|BufferTX - a|0;70 9 C|9|BufferTX - a|-1;"
+                           "80 9 C|9|BufferTX - a|0;90 9 C|9|BufferTX - a|2;"),
+             {"queue depths below 0, taken as 0: 1, the first in line 4",
+              "queue depths that jump by more than one: 2, the first in line 3"}},
+            {"999999\n",
+             {":1: expected a refresh period of 1000000 to 1000000000 ns, got '999999'"}},
+            {"16666666\n0\t0\t0\n5\t9223372036854775807\t6\n",
+             {": no row tells of a frame that was shown"}},
+            {"16666666\n5000\t6000\t50",
+             {":2: ends in the middle of a line; was the dump cut short?"}},
+            {"16666666\n5\t6000\t5\nx\n5\t7000\t4\n5\t8000\t9000000000000000001\n",
+             {"lines that are no row of a latency dump: 2, the first in line 3",
+              "rows left out, as they go back in time: 1, the first in line 4"}},
+    };
+    for (const auto& [bytes, warnings] : cases)
+        EXPECT_EQ(read(bytes).warnings, warnings) << bytes.substr(0, 300);
 }
 
-TEST(TimelineTest, KeepsTheOrderOfTheTrace) {
-    const Timeline timeline = Trace().add(0, 5, "sched_switch: x")
-                                      .add(10, 92, "C|90|VSYNC|1")
-                                      .add(20, kBinder, "C|90|BufferTX - a#3|-4")
-                                      .add(20, kBinder, "C|90|BufferTX - a#3|2")
-                                      .add(30, kMain, "B|90|commit 7")
-                                      .add(30, kMain, "C|90|BufferTX - a#3|1")
-                                      .add(30, kMain, "E|90")
-                                      .add(30, 92, "C|90|VSYNC|1")
-                                      .add(30, 92, "C|90|VSYNC|0")
-                                      .add(50, 5, "sched_switch: x")
-                                      .read();
-    EXPECT_EQ(eventsOf(timeline),
-              (Texts{"10 vsync", "20 a#3=2", "30 begin", "30 a#3=1", "30 end", "30 vsync"}));
-    EXPECT_EQ(timeline.events.front().kind, TimelineEvent::Kind::Period);
-    EXPECT_EQ(timeline.startNs, 0);
-    EXPECT_EQ(timeline.endNs, 5'000'000);
-    EXPECT_EQ(timeline.compositionSource, "commit sections");
-    EXPECT_EQ(timeline.vsyncSource, "VSYNC");
-    EXPECT_EQ(layersOf(timeline), Texts{"a#3 1"});
+TEST(TimelineTest, ReadsWhatTheCompositorDid) {
+    const std::pair<std::string, const char*> cases[] = {
+            // The line shapes of all releases, and lines that tell nothing.
+            {"# tracer: nop\n\n surfaceflinger-90  [000] 5.25: 0: C|90|BufferTX - a|b|1\n"
+             "<...>-7 (-----) [001] ...1 6.0: tracing_mark_write: B|90|composite x|y\n"
+             "a b-c (1) [0]-7 [011] 7.000001: 0: B|9\n"
+             "a-7 [001] 8.0: 0: C|9|heap|1.5|cat\na-7 [001] 8.0: 0: S|9|a|2\n"
+             "a-7 [001] 8.0: sched_wakeup: comm=C|90|BufferTX - a|b|2\n"
+             "a-7 ( 990) [001] .... 8.200000000: print: E|9\na-7 [001] d..3 50260.929925: 0: E\r\n",
+             "52500 16666666 52500a|b#0=1 60000< 502609299> to 502609299; a|b#0*1 ; "
+             "composite sections, none in the trace"},
+            // What happens at one time stays in the order of the trace.
+            {trace("0 5 x;10 92 C|90|VSYNC-sf|1;12 92 C|90|VSYNC|1;20 91 C|90|BufferTX - a#3|-4;"
+                   "20 91 C|90|BufferTX - a#3|2;25 9 C|90|VSR-setPeriod|999999;"
+                   "26 9 C|90|VSR-setPeriod|11000000;27 9 C|90|VSR-setPeriod|11000001;"
+                   "28 9 C|90|VSR-setPeriod|7000000;30 90 B|90|commit 7;"
+                   "30 90 C|90|BufferTX - a#3|1;30 90 E|90;30 92 C|90|VSYNC-sf|1;"
+                   "30 92 C|90|VSYNC-sf|0;50 5 x"),
+             "0 11111111 10| 20a#3=2 28 7000000 30< 30a#3=1 30> 30| to 50; a#3*1 ; "
+             "commit sections, VSYNC-sf"},
+            // The outermost compositions, without those that lack an end.
+            {trace("0 90 E;1 91 +BufferTX - a#0;20 90 B|90|commit 1;21 90 E;"
+                   "22 90 B|90|commitTransaction;23 90 B|90|handleMessageRefresh;"
+                   "24 90 B|90|postFramebuffer;24 91 B|90|queueBuffer;25 90 E|90;26 91 E|90;"
+                   "27 90 E|90;28 90 E|90;30 90 B|90|composite 1;31 90 B|90|lost;"
+                   "40 90 B|90|composite 2;41 90 E;50 90 B|90|composite;51 90 E;"
+                   "60 90 B|90|composite 3;"),
+             "0 16666666 1a#0=1 11a#0=0 23< 27> 40< 41> 50< 51> to 60; a#0*1 ; "
+             "composite sections, none in the trace"},
+            // Without compositions latches tell of them.
+            {trace("0 91 +BufferTX - a#1;41 91 +BufferTX - b#2;60 91 C|90|BufferTX - a#1|1;"
+                   "90 90 C|90|BufferTX - a#1|0;100 91 +BufferTX - b#2;"),
+             "0 16666666 0a#1=1 10< 10a#1=0 10> 41b#2=1 51< 51b#2=0 60a#1=1 90a#1=0 90> 100b#2=1 "
+             "110< 110b#2=0 110> to 110; a#1*2 b#2*2 ; latches, none in the trace"},
+            // The fourth row is ready late; the first is unused, the last two are pending.
+            {"WARNING: something\n16700000\n0\t0\t0\n5\t50000000\t10000000\n5\t67000000\t20000000\n"
+             "5\t84000000\t75000000\n90000000\t9223372036854775807\t80000000\n0\t0\t90000000\n\n",
+             "100 16666666 100layer#0=1 200layer#0=2 333< 333layer#0=1 333> 500| 503< "
+             "503layer#0=0 503> 670| 750layer#0=1 750< 750layer#0=0 750> 840| to 840; layer#0*3 ; "
+             "present times, less a refresh, present times"},
+    };
+    for (const auto& [bytes, timeline] : cases)
+        EXPECT_EQ(describe(read(bytes)), timeline);
 }
 
 TEST(TimelineTest, TellsLayersFromOtherCounters) {
-    Trace trace;
-    trace.add(0, kMain, "B|90|postFramebuffer").add(1, kMain, "E");
-    trace.add(2, kBinder, "B|90|Slotted: 3").add(3, kBinder, "E");
-    trace.add(4, kBinder, "B|90|FramebufferSurface: 1").add(5, kBinder, "E");
-    int time = 100;
-    for (const char* name : {"Crossing", "aq:x", "oq:x", "wq:x", "iq", "x fps", "x duration",
-                             "FrameMissed", "PrevFrameMissed", "FramebufferSurface", "VSP-mode",
-                             "VirtualDisplaySurface-1", "HW_VSYNC_ON_0", "VSYNC-app"}) {
-        trace.frame(time += 20, name);
-    }
-    trace.add(500, kMain, "C|90|OnMain|1").add(501, kMain, "C|90|OnMain|0");
-    trace.add(502, kBinder, "C|90|OnBinder|1").add(503, kBinder, "C|90|OnBinder|0");
-    trace.add(504, 7, "C|77|Elsewhere|1").add(505, kMain, "C|77|Elsewhere|0");
-    trace.add(900, kMain, "C|90|Slotted|1");
-    EXPECT_EQ(layersOf(trace.read()), (Texts{"Slotted#0 1", "Crossing#0 1"}));
-    trace.frame(950, "BufferTX - Newer#12");
-    EXPECT_EQ(layersOf(trace.read()), Texts{"Newer#12 1"});
-}
-
-TEST(TimelineTest, CountsOnlyTheOutermostCompositions) {
-    const Timeline timeline = Trace().add(0, kMain, "E")
-                                      .frame(1, "BufferTX - a#0")
-                                      .add(20, kMain, "B|90|commit 1")
-                                      .add(21, kMain, "E")
-                                      .add(22, kMain, "B|90|commitTransaction")
-                                      .add(23, kMain, "B|90|handleMessageRefresh")
-                                      .add(24, kMain, "B|90|postFramebuffer")
-                                      .add(24, kBinder, "B|90|queueBuffer")
-                                      .add(25, kMain, "E|90")
-                                      .add(26, kBinder, "E|90")
-                                      .add(27, kMain, "E|90")
-                                      .add(28, kMain, "E|90")
-                                      .add(30, kMain, "B|90|composite 1")
-                                      .add(31, kMain, "B|90|its end and that around it are lost")
-                                      .add(40, kMain, "B|90|composite 2")
-                                      .add(41, kMain, "E")
-                                      .add(50, kMain, "B|90|composite")
-                                      .add(51, kMain, "E")
-                                      .add(60, kMain, "B|90|composite 3")
-                                      .read();
-    EXPECT_EQ(eventsOf(timeline), (Texts{"1 a#0=1", "11 a#0=0", "23 begin", "27 end", "40 begin",
-                                         "41 end", "50 begin", "51 end"}));
-    EXPECT_EQ(timeline.compositionSource, "composite sections");
-}
-
-TEST(TimelineTest, TakesLatchesForCompositions) {
-    const Timeline timeline = Trace().frame(0, "BufferTX - a#1")
-                                      .frame(41, "BufferTX - b#2")
-                                      .add(60, kBinder, "C|90|BufferTX - a#1|1")
-                                      .add(90, kMain, "C|90|BufferTX - a#1|0")
-                                      .frame(100, "BufferTX - b#2")
-                                      .read();
-    EXPECT_EQ(eventsOf(timeline), (Texts{"0 a#1=1", "10 begin", "10 a#1=0", "10 end", "41 b#2=1",
-                                         "51 begin", "51 b#2=0", "60 a#1=1", "90 a#1=0", "90 end",
-                                         "100 b#2=1", "110 begin", "110 b#2=0", "110 end"}));
-    EXPECT_EQ(timeline.compositionSource, "latches");
-    EXPECT_EQ(timeline.vsyncSource, "none in the trace");
+    const std::string marks =
+            "0 90 B|90|postFramebuffer;1 90 E;2 91 B|90|Slotted: 3;3 91 E;"
+            "4 91 B|90|FramebufferSurface: 1;5 91 E;120 91 +Crossing;140 91 +aq:x;160 91 +oq:x;"
+            "180 91 +wq:x;200 91 +iq;220 91 +x fps;240 91 +x duration;260 91 +FrameMissed;"
+            "280 91 +PrevFrameMissed;300 91 +FramebufferSurface;320 91 +VSP-mode;"
+            "340 91 +VirtualDisplaySurface-1;360 91 +HW_VSYNC_ON_0;380 91 +VSYNC-app;"
+            "500 90 C|90|OnMain|1;501 90 C|90|OnMain|0;502 91 C|90|OnBinder|1;"
+            "503 91 C|90|OnBinder|0;504 7 C|77|Elsewhere|1;505 90 C|77|Elsewhere|0;"
+            "900 90 C|90|Slotted|1;";
+    EXPECT_EQ(layersOf(read(trace(marks))), "Slotted#0*1 Crossing#0*1 ");
+    EXPECT_EQ(layersOf(read(trace(marks + "950 91 +BufferTX - Newer#12;"))), "Newer#12*1 ");
 }
 
 TEST(TimelineTest, PicksTheSourceOfThePeriod) {
-    Trace trace;
+    std::string marks;
     for (int i = 0; i < 20; ++i)
-        trace.frame(i * 167, "BufferTX - a#0");
-    const struct {
-        const char* counter;
-        int interval;
-        int value;
-        const char* source;
-        int64_t periodNs;
-    } steps[] = {
+        marks += std::to_string(i * 167) + " 91 +BufferTX - a#0;";
+    const std::tuple<const char*, int, int, const char*, int64_t> steps[] = {
             {"HW_VSYNC_ON_0", 100, 0, "frame intervals, as the trace has no vsyncs", kPeriod60Ns},
             {"VSYNC-sf", 222, 0, "frame intervals, as the trace has no vsyncs", kPeriod60Ns},
             {"HW_VSYNC_0", 111, 0, "HW_VSYNC_0 toggles", kPeriod90Ns},
@@ -189,48 +256,27 @@ TEST(TimelineTest, PicksTheSourceOfThePeriod) {
             {"VSR-setPeriod", 100, 11'000'000, "VSR-setPeriod", kPeriod90Ns},
     };
     int time = 10'000;
-    for (const auto& step : steps) {
-        for (int i = 0; i < 6; ++i) {
-            time += step.interval;
-            trace.add(time, 92,
-                      "C|90|" + std::string(step.counter) + "|" +
-                              std::to_string(step.value > 0 ? step.value : i % 2));
-        }
-        const Timeline timeline = trace.read();
-        EXPECT_EQ(timeline.periodSource, step.source);
-        EXPECT_EQ(periodsOf(timeline), (decltype(periodsOf(timeline)){{0, step.periodNs}}));
+    for (const auto& [counter, interval, value, source, periodNs] : steps) {
+        for (int i = 0; i < 6; ++i)
+            marks += format("%d 92 C|90|%s|%d;", time += interval, counter, value + i % 2);
+        const Timeline timeline = read(trace(marks));
+        EXPECT_EQ(timeline.periodSource, source);
+        EXPECT_EQ(timeline.events[0].periodNs, periodNs) << source;
     }
-    trace.add(time + 10, 92, "C|90|VSR-setPeriod|7000000");
-    EXPECT_EQ(periodsOf(trace.read()).back().second, 7'000'000);
-    EXPECT_EQ(periodsOf(trace.read({{}, 59.94})).front().second, 16'683'350);
+    EXPECT_EQ(read(trace(marks), {{}, 59.94}).events[0].periodNs, 16'683'350);
 }
 
 TEST(TimelineTest, FindsTheLayerAskedFor) {
-    Trace trace;
-    trace.frame(0, "BufferTX - StatusBar").frame(100, "BufferTX - com.a/com.a.Main#7");
-    trace.frame(200, "BufferTX - com.a/com.a.Main#7").frame(300, "BufferTX - Wallpaper#1");
-    trace.frame(400, "BufferTX - Wallpaper#1").frame(500, "BufferTX - Other#5");
-    EXPECT_EQ(trace.read().focusedLayer, 1u);
-    EXPECT_EQ(trace.read({"StatusBar", {}}).focusedLayer, 0u);
-    EXPECT_EQ(trace.read({"StatusBar#0", {}}).focusedLayer, 0u);
-    EXPECT_EQ(trace.error({"com.a.Main", {}}),
-              "trace: no layer 'com.a.Main' has frames, the closest are "
-              "'com.a/com.a.Main#7', 'StatusBar#0', 'Wallpaper#1'");
-}
-
-TEST(TimelineTest, SaysWhatIsWrongWithAnInput) {
-    EXPECT_EQ(Trace().add(0, kMain, "B|90|composite").error(),
-              "trace: no layer has frames; were the graphics events recorded?");
-    for (const auto& [path, message] :
-         {std::pair("/nonexistent", "/nonexistent: cannot be opened: No such file or directory"),
-          std::pair("/tmp", "/tmp: is a directory, expected a file of ftrace text")}) {
-        try {
-            readTimeline(path, {});
-            ADD_FAILURE() << path;
-        } catch (const InputError& error) {
-            EXPECT_STREQ(error.what(), message);
-        }
-    }
+    const std::string text =
+            trace("0 91 +BufferTX - StatusBar;100 91 +BufferTX - com.a/com.a.Main#7;"
+                  "200 91 +BufferTX - com.a/com.a.Main#7;300 91 +BufferTX - Wall#1;"
+                  "400 91 +BufferTX - Wall#1;500 91 +BufferTX - Other;");
+    EXPECT_EQ(read(text).focusedLayer, 1u);
+    EXPECT_EQ(read(text, {"Other", {}}).focusedLayer, 3u);
+    EXPECT_EQ(read(text, {"com.a.Main", {}}).warnings,
+              Texts{": no layer 'com.a.Main' has frames, the closest are 'com.a/com.a.Main#7', "
+                    "'StatusBar#0', 'Wall#1'"});
+    EXPECT_EQ(layersOf(read("16666666\n5\t60000\t5\n", {"com.a#7", {}})), "com.a#7*1 ");
 }
 
 }  // namespace
