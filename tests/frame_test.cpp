@@ -83,6 +83,8 @@ TEST_F(FrameTest, DecisionsAreCountedPerWindow) {
         for (const int queued : {2, 2, 2, 1})
             brevoldScaling(queued, 0);
         brevoldScaling(2, 1);
+        android::releaseScaling();
+        takeCalls();
         takeLabels();
         takeLogTexts();
     };

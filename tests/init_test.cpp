@@ -96,8 +96,8 @@ TEST_P(MissingFunctionTest, IsLoggedAndOnlyItsUserIsOff) {
     provide(kClient, function);
     provide(kFeatures);
     EXPECT_EQ(brevoldInit(), function != "perf_get_prop");
-    const std::string first = submit(frame());
-    EXPECT_EQ(first + "; " + submit(frame(0, kLayer, kPeriod90Ns)), calls);
+    const std::string callsAt60Hz = submit(frame());
+    EXPECT_EQ(callsAt60Hz + "; " + submit(frame(0, kLayer, kPeriod90Ns)), calls);
     std::string log = "Unable to get " + pointer + " function handle.\n";
     if (function == "perf_hint") {
         for (int worker = 0; worker < 2; ++worker)
