@@ -1,12 +1,12 @@
 #include "replay/hint.h"
 
+#include "brevold/perf_client.h"
 #include "replay/text.h"
 
 namespace brevold::replay {
 
 namespace {
 
-constexpr int32_t kRefreshRateHint = 4244;
 constexpr uint32_t kQbChannelBit = 1u << 22;
 constexpr uint32_t kDirectionDown = 1;
 
@@ -47,7 +47,7 @@ Hint decodeHint(const host::ServiceCall& call) {
     const auto type = static_cast<uint32_t>(call.type);
     Hint hint = {
             call.timeNs, HintKind::RefreshRate, call.identifier, call.duration, type, 0.0, 0, 0};
-    if (call.identifier == kRefreshRateHint) return hint;
+    if (call.identifier == android::kRefreshRateHint) return hint;
     if (call.duration == 0) {
         hint.kind = HintKind::Release;
         return hint;
