@@ -18,7 +18,7 @@
 
 #include "bench/floors.h"
 #include "host/device_profile.h"
-#include "host/perfd_client.h"
+#include "host/fake_perf_client.h"
 
 namespace brevold::bench {
 
@@ -59,7 +59,7 @@ void onServiceCall(const ServiceCall& call, void* /*context*/) {
 }
 
 void* open(const std::string& name) {
-    void* const handle = dlopen((BREVOLD_STANDINS "/" + name).c_str(), RTLD_NOW);
+    void* const handle = dlopen((BREVOLD_FAKES "/" + name).c_str(), RTLD_NOW);
     if (handle == nullptr) fail(dlerror());
     return handle;
 }

@@ -14,7 +14,7 @@
 
 #include "brevold/brevold.h"
 #include "host/device_profile.h"
-#include "host/perfd_client.h"
+#include "host/fake_perf_client.h"
 #include "host/virtual_platform.h"
 
 namespace brevold::bench {
@@ -214,8 +214,8 @@ void startDevice(Tally& sent) {
           "vendor.perf.brevold.debug.layers=" + std::string(kDebugLayer)}) {
         host::setProfileEntry(entry);
     }
-    void* const features = dlopen(BREVOLD_STANDINS "/libfeatgate_system.so", RTLD_NOW);
-    void* const client = dlopen(BREVOLD_STANDINS "/libvnx-perfd-client_system.so", RTLD_NOW);
+    void* const features = dlopen(BREVOLD_FAKES "/libfeatgate_system.so", RTLD_NOW);
+    void* const client = dlopen(BREVOLD_FAKES "/libvnx-perfd-client_system.so", RTLD_NOW);
     if (features == nullptr || client == nullptr) throw std::runtime_error(dlerror());
     reinterpret_cast<decltype(&host::perfd_set_listener)>(dlsym(client, host::kSetServiceListener))(
             tallyCall, &sent);

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "brevold/platform.h"
+#include "brevold/protocol.h"
 #include "brevold/state.h"
 
 namespace android {
@@ -109,8 +110,6 @@ struct AllowedFeatures {
 };
 
 AllowedFeatures queryFeatures() {
-    constexpr int kJankBoostFeature = 4;
-    constexpr int kEnergyScalingFeature = 5;
     using IsFeatureEnabledFn = int (*)(int feature);
 
     AllowedFeatures allowed = {};
@@ -126,19 +125,19 @@ AllowedFeatures queryFeatures() {
 }
 
 void readFeatureSettings(const AllowedFeatures& allowed) {
-    const bool jr10 = isOn(readSetting("vendor.perf.jr10.enable", "1").text);
-    const bool pfar = isOn(readSetting("vendor.perf.pfar.enable", "0").text);
-    gDebug = isOn(readSetting("vendor.perf.brevold.debug", "0").text);
-    gPfarDownEnabled = isOn(readSetting("vendor.perf.pfar.down.enable", "0").text);
-    PerfSetting layers = readSetting("vendor.perf.brevold.debug.layers", "NONE");
+    const bool jr10 = isOn(readSetting(kJankBoostProperty, "1").text);
+    const bool pfar = isOn(readSetting(kScalingProperty, "0").text);
+    gDebug = isOn(readSetting(kDebugProperty, "0").text);
+    gPfarDownEnabled = isOn(readSetting(kScalingDownProperty, "0").text);
+    PerfSetting layers = readSetting(kDebugLayersProperty, "NONE");
     if (strncmp(layers.text, "NONE", 4) != 0) addDebugLayers(layers.text, gDebugLayers);
     gScalingEnabled = allowed.energyScaling && pfar;
     gJr10Enabled = allowed.jankBoost && jr10;
 }
 
 void startWorkers(void* perfClient) {
-    gSFThread = new ScalingSyncThread(perfClient, "SF", gDebug);
-    gQBThread = new ScalingSyncThread(perfClient, "QB", gDebug);
+    gSFThread = new ScalingSyncThread(perfClient, kSfChannelName, gDebug);
+    gQBThread = new ScalingSyncThread(perfClient, kQbChannelName, gDebug);
     gSFThread->run("Monitor0", kWorkerPriority, 0);
     gQBThread->run("Monitor1", kWorkerPriority, 0);
 }
@@ -148,14 +147,14 @@ void initialise() REQUIRES(gInitLock) {
 
     char smoothMotion[kSettingSize];
     static_assert(kSettingSize == PROPERTY_VALUE_MAX);
-    property_get("vendor.display.use_smooth_motion", smoothMotion, "0");
+    property_get(kSmoothMotionProperty, smoothMotion, "0");
     gSmoothMotion = isOn(smoothMotion);
 
     const AllowedFeatures allowed = queryFeatures();
     void* const perfClient = initPerfLock();
 
     if (gPerfGetProp != nullptr) {
-        gFpsSwitchEnabled = isOn(readSetting("vendor.perf.fps_switch.enable", "0").text);
+        gFpsSwitchEnabled = isOn(readSetting(kFpsSwitchProperty, "0").text);
     }
     if (gPerfGetProp != nullptr && (allowed.jankBoost || allowed.energyScaling)) {
         readFeatureSettings(allowed);

@@ -17,14 +17,12 @@ struct RefreshBand {
     int32_t rateHz;
     /** The frame-rate mode of an application that keeps up with the display. */
     int32_t mode;
-    /** Duration word of the "QB" channel's hint in that mode. */
-    int32_t qbDuration;
 };
 
 constexpr RefreshBand kRefreshBands[] = {
-        {16000001, 16999999, 60, 2, 19},
-        {10800001, 11699999, 90, 3, 13},
-        {8000001, 8999999, 120, 4, 10},
+        {16000001, 16999999, 60, 2},
+        {10800001, 11699999, 90, 3},
+        {8000001, 8999999, 120, 4},
 };
 
 /** The band that holds a refresh period, both ends included; null outside of all three. */
@@ -37,14 +35,6 @@ constexpr const RefreshBand* refreshBandOf(int64_t periodNs) {
         }
     }
     return nullptr;
-}
-
-/** Duration word of a "QB" hint in a frame-rate mode; -1 where the worker is to send nothing. */
-constexpr int32_t qbDurationOf(int32_t mode) {
-    for (const RefreshBand& band : kRefreshBands) {
-        if (band.mode == mode) return band.qbDuration;
-    }
-    return -1;
 }
 
 }  // namespace android

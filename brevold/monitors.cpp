@@ -7,19 +7,12 @@
 #include "brevold/frame_rate.h"
 #include "brevold/layer_name.h"
 #include "brevold/platform.h"
+#include "brevold/protocol.h"
 #include "brevold/state.h"
 
 namespace android {
 
 namespace {
-
-constexpr uint32_t kDirectionDown = 1;
-constexpr uint32_t kDirectionUp = 2;
-constexpr uint32_t kNoBoost = 0;
-constexpr uint32_t kBoost = 2;
-constexpr float kJankBoostScale = 10.0f;
-constexpr int kSfChannel = 0;
-constexpr int kQbChannel = 1;
 
 constexpr int64_t kPeriodMarginNs = 1000000;
 constexpr int64_t kWindowNs = 1000000000;

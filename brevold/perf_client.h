@@ -20,8 +20,4 @@ using PerfGetPropFn = PerfSetting (*)(const char* key, const char* fallback);
 using PerfHintFn = int (*)(int hint, const char* package, int duration, int type);
 using PerfLockRelFn = int (*)(int handle);
 
-constexpr int kEnergyScalingHint = 0x1046;
-constexpr int kRefreshRateHint = 0x1094;
-constexpr int kAppTypeQuery = 0x1601;
-
 }  // namespace android

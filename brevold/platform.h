@@ -56,13 +56,6 @@ inline T checkedAdd(T a, T b) {
     return result;
 }
 
-/** Truncates toward zero; negative and NaN give 0, too large gives UINT32_MAX, on any processor. */
-inline uint32_t saturatingUint32(float value) {
-    if (!(value > 0.0f)) return 0;
-    if (value >= 4294967296.0f) return UINT32_MAX;
-    return static_cast<uint32_t>(value);
-}
-
 /** Locks; where the lock cannot be had, aborts the process. */
 inline void lockOrAbort(Mutex& mutex) ACQUIRE(mutex) {
     if (mutex.lock() != OK) abort();

@@ -3,18 +3,14 @@
 #include <cstring>
 
 #include "brevold/brevold.h"
-#include "brevold/frame_rate.h"
 #include "brevold/platform.h"
+#include "brevold/protocol.h"
 #include "brevold/scaling_sync_thread.h"
 #include "brevold/state.h"
 
 namespace android {
 
 namespace {
-
-constexpr int32_t kSfDuration = 2000;
-constexpr uint32_t kQbChannelBit = 1u << 22;
-constexpr int kReleaseDuration = 0;
 
 // A macro, as each message is one literal.
 #define BREVOLD_BIND(function, handle, symbol)                                  \
@@ -91,9 +87,9 @@ bool ScalingSyncThread::threadLoop() {
             mLock.unlock();
             return false;
         }
-        if (mChannel == "QB") {
+        if (mChannel == kQbChannelName) {
             sendScaling();
-        } else if (mChannel == "SF") {
+        } else if (mChannel == kSfChannelName) {
             sendBoostOrRelease();
         }
         mLock.unlock();
@@ -108,14 +104,13 @@ bool ScalingSyncThread::canSend() const {
 }
 
 uint32_t ScalingSyncThread::typeWord() const {
-    // Direction and boost level are not masked: what they overlap or lose is the caller's doing.
-    return (saturatingUint32(mScale * 1000.0f) & 0xffffu) | mDirection << 16 | mBoostLevel << 19;
+    return packTypeWord(mScale, mDirection, mBoostLevel);
 }
 
 void ScalingSyncThread::sendScaling() {
     if (!canSend()) return;
     const TraceSection section(mDebug, "energyScaling[Scale:%.2F]", static_cast<double>(mScale));
-    mPerfHint(kEnergyScalingHint, nullptr, mDuration, static_cast<int>(typeWord() | kQbChannelBit));
+    mPerfHint(kScalingHint, nullptr, mDuration, static_cast<int>(typeWord() | kQbChannelBit));
 }
 
 void ScalingSyncThread::sendBoostOrRelease() {
@@ -123,14 +118,14 @@ void ScalingSyncThread::sendBoostOrRelease() {
     if (!mBoostPending) {
         {
             const TraceSection section(mDebug, "energyScaling[jank]-rel");
-            mPerfHint(kEnergyScalingHint, nullptr, kReleaseDuration, mBoostCount);
+            mPerfHint(kScalingHint, nullptr, kReleaseDuration, mBoostCount);
         }
         mBoosted = false;
         mBoostCount = 0;
     } else if (!mBoosted) {
         {
             const TraceSection section(mDebug, "energyScaling[jank]");
-            mPerfHint(kEnergyScalingHint, nullptr, mDuration, static_cast<int>(typeWord()));
+            mPerfHint(kScalingHint, nullptr, mDuration, static_cast<int>(typeWord()));
         }
         mBoosted = true;
     }
@@ -138,9 +133,9 @@ void ScalingSyncThread::sendBoostOrRelease() {
 
 void energyScaling(float scale, unsigned int direction, unsigned int boostLevel, int channel) {
     if (direction == 0 || !gScalingEnabled) return;
-    if (channel == 0) {
+    if (channel == kSfChannel) {
         gSFThread->post(scale, direction, boostLevel, kSfDuration);
-    } else if (channel == 1) {
+    } else if (channel == kQbChannel) {
         gQBThread->post(scale, direction, boostLevel, qbDurationOf(gMode));
     }
 }

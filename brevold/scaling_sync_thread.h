@@ -8,6 +8,7 @@
 #include <string>
 
 #include "brevold/perf_client.h"
+#include "brevold/protocol.h"
 
 namespace android {
 
@@ -61,7 +62,7 @@ class ScalingSyncThread : public Thread {
     /** Boost requests since the last release. */
     int32_t mBoostCount GUARDED_BY(mLock) = 0;
     /** Below 1, as before any request, nothing is sent. */
-    int32_t mDuration GUARDED_BY(mLock) = -1;
+    int32_t mDuration GUARDED_BY(mLock) = kNoDuration;
     PerfHintFn mPerfHint = nullptr;
 };
 

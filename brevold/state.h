@@ -17,8 +17,6 @@
 
 namespace android {
 
-constexpr int32_t kTargetAppType = 2;
-
 extern Mutex gLock;
 extern Mutex gInitLock;
 

@@ -6,9 +6,11 @@
 #include <iterator>
 
 #include "fuzz/fuzz.h"
-#include "replay/timeline.h"
+#include "base/error.h"
+#include "trace/read_timeline.h"
 
-using namespace brevold::replay;
+using namespace brevold;
+using namespace brevold::trace;
 using brevold::fuzz::require;
 
 namespace {

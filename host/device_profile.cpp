@@ -9,6 +9,8 @@
 #include <map>
 #include <string_view>
 
+#include "brevold/protocol.h"
+
 namespace brevold::host {
 
 namespace {
@@ -19,10 +21,9 @@ constexpr std::string_view kAnyPackage = "*";
 constexpr int32_t kUnknownType = -1;
 
 constexpr std::string_view kProperties[] = {
-        "vendor.display.use_smooth_motion", "vendor.perf.fps_switch.enable",
-        "vendor.perf.jr10.enable",          "vendor.perf.pfar.enable",
-        "vendor.perf.brevold.debug",        "vendor.perf.pfar.down.enable",
-        "vendor.perf.brevold.debug.layers",
+        android::kSmoothMotionProperty, android::kFpsSwitchProperty, android::kJankBoostProperty,
+        android::kScalingProperty,      android::kDebugProperty,     android::kScalingDownProperty,
+        android::kDebugLayersProperty,
 };
 
 struct DeviceProfile {

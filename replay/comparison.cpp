@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "replay/text.h"
+#include "base/text.h"
 
 namespace brevold::replay {
 
@@ -16,8 +16,8 @@ Moments momentsOf(const Recording& recording) {
         std::string& text = moments[timeNs];
         text += (text.empty() ? "" : ", ") + what;
     };
-    for (const Hint& hint : recording.hints)
-        add(hint.timeNs, describe(hint));
+    for (const host::Hint& hint : recording.hints)
+        add(hint.timeNs, host::describe(hint));
     for (const int64_t timeNs : recording.verdictTimesNs)
         add(timeNs, "verdict");
     return moments;
@@ -61,13 +61,13 @@ void printComparison(const Summary& first, const Summary& second,
                      const std::vector<Parting>& partings, int64_t traceStartNs,
                      std::ostream& out) {
     out << format("\n%-24s %10s  %10s  %10s\n", "compared", "as given", "--vs", "difference");
-    for (const HintKind kind : kHintKinds) {
-        printCount(out, nameOf(kind), first.of(kind).count, second.of(kind).count);
+    for (const host::HintKind kind : host::kHintKinds) {
+        printCount(out, host::nameOf(kind), first.of(kind).count, second.of(kind).count);
     }
-    printFigure(out, "DOWN scale, mean", first.of(HintKind::Down).meanScale,
-                second.of(HintKind::Down).meanScale);
-    printFigure(out, "UP scale, mean", first.of(HintKind::Up).meanScale,
-                second.of(HintKind::Up).meanScale);
+    printFigure(out, "DOWN scale, mean", first.of(host::HintKind::Down).meanScale,
+                second.of(host::HintKind::Down).meanScale);
+    printFigure(out, "UP scale, mean", first.of(host::HintKind::Up).meanScale,
+                second.of(host::HintKind::Up).meanScale);
     printFigure(out, "under a DOWN hint, s", toSeconds(first.downNs), toSeconds(second.downNs));
     printFigure(out, "mean scale under it", first.meanDownScale, second.meanDownScale);
     printCount(out, "boost verdicts", first.boostVerdicts, second.boostVerdicts);

@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "replay/hint.h"
+#include "host/hint.h"
 
 namespace brevold::replay {
 
@@ -11,11 +11,11 @@ namespace brevold::replay {
 enum class Channel : uint8_t { Qb, Sf, Display };
 constexpr Channel kChannels[] = {Channel::Qb, Channel::Sf, Channel::Display};
 
-Channel channelOf(HintKind kind);
+Channel channelOf(host::HintKind kind);
 
 /** A hint and the time for which it holds. */
 struct HintSpan {
-    Hint hint;
+    host::Hint hint;
     int64_t endNs;
 };
 
@@ -24,6 +24,6 @@ struct HintSpan {
  * end of the trace. A release ends its boost and has no span itself; a refresh rate holds until the
  * next.
  */
-std::vector<HintSpan> hintSpans(const std::vector<Hint>& hints, int64_t traceEndNs);
+std::vector<HintSpan> hintSpans(const std::vector<host::Hint>& hints, int64_t traceEndNs);
 
 }  // namespace brevold::replay

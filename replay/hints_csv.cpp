@@ -2,7 +2,7 @@
 
 #include <cinttypes>
 
-#include "replay/text.h"
+#include "base/text.h"
 
 namespace brevold::replay {
 
@@ -12,13 +12,13 @@ constexpr int64_t kNsPerSecond = 1000000000;
 
 }  // namespace
 
-void writeHintsCsv(const std::vector<Hint>& hints, std::ostream& out) {
+void writeHintsCsv(const std::vector<host::Hint>& hints, std::ostream& out) {
     out << "time_s,kind,identifier,duration_ms,type,scale,direction,boost_level\n";
-    for (const Hint& hint : hints) {
+    for (const host::Hint& hint : hints) {
         out << format("%" PRId64 ".%09" PRId64 ",%s,%d,%d,0x%08x,", hint.timeNs / kNsPerSecond,
-                      hint.timeNs % kNsPerSecond, nameOf(hint.kind), hint.identifier,
+                      hint.timeNs % kNsPerSecond, host::nameOf(hint.kind), hint.identifier,
                       hint.durationMs, hint.type)
-            << (hasScale(hint.kind)
+            << (host::hasScale(hint.kind)
                         ? format("%.3f,%u,%u\n", hint.scale, hint.direction, hint.boostLevel)
                         : ",,\n");
     }

@@ -3,7 +3,7 @@
 #include <ostream>
 #include <vector>
 
-#include "replay/hint.h"
+#include "host/hint.h"
 
 namespace brevold::replay {
 
@@ -12,6 +12,6 @@ namespace brevold::replay {
  * duration in milliseconds, type word; then scale, direction and boost level, which are empty where
  * the kind has none.
  */
-void writeHintsCsv(const std::vector<Hint>& hints, std::ostream& out);
+void writeHintsCsv(const std::vector<host::Hint>& hints, std::ostream& out);
 
 }  // namespace brevold::replay

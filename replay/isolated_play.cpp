@@ -109,7 +109,7 @@ std::string readAll(int fd) {
 }
 
 /** An empty error text, then the recording; or what went wrong. */
-std::string playAndPack(const Timeline& timeline, const std::vector<std::string>& settings) {
+std::string playAndPack(const trace::Timeline& timeline, const std::vector<std::string>& settings) {
     Writer writer;
     try {
         for (const std::string& setting : settings)
@@ -127,7 +127,7 @@ std::string playAndPack(const Timeline& timeline, const std::vector<std::string>
 
 }  // namespace
 
-Recording playIsolated(const Timeline& timeline, const std::vector<std::string>& settings) {
+Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::string>& settings) {
     int fds[2];
     if (pipe(fds) != 0) throw std::runtime_error("no pipe for the replay");
     const pid_t child = fork();

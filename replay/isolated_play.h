@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "replay/player.h"
-#include "replay/timeline.h"
+#include "trace/timeline.h"
 
 namespace brevold::replay {
 
@@ -13,6 +13,6 @@ namespace brevold::replay {
  * loaded. The settings go over the device profile of this process. Throws std::runtime_error with
  * what went wrong there, also when the library ended that process. Call it with one thread.
  */
-Recording playIsolated(const Timeline& timeline, const std::vector<std::string>& settings);
+Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::string>& settings);
 
 }  // namespace brevold::replay

@@ -2,16 +2,18 @@
 #include <iostream>
 #include <optional>
 
+#include "base/error.h"
+#include "base/output_file.h"
 #include "host/device_profile.h"
 #include "replay/comparison.h"
 #include "replay/hints_csv.h"
 #include "replay/isolated_play.h"
-#include "replay/output_file.h"
+#include "replay/marked_trace.h"
 #include "replay/plot.h"
 #include "replay/summary.h"
 #include "replay/summary_json.h"
-#include "replay/timeline.h"
-#include "replay/trace_out.h"
+#include "replay/summary_text.h"
+#include "trace/read_timeline.h"
 
 namespace {
 
@@ -29,7 +31,7 @@ struct Options {
     std::string traceOut;
     std::string plot;
     bool json = false;
-    TimelineOptions timeline;
+    trace::TimelineOptions timeline;
 };
 
 void addOptions(CLI::App& app, Options& options) {
@@ -82,14 +84,14 @@ void writeHints(const std::string& path, const Recording& recording) {
     file.commit();
 }
 
-void writeTrace(const std::string& path, TraceInput& input, const Timeline& timeline,
-                const Recording& recording) {
+void writeTrace(const std::string& path, trace::TraceInput& input, const trace::Timeline& timeline,
+                const trace::TraceForm& form, const Recording& recording) {
     OutputFile file(path);
-    writeTrace(input.openText(), input.name(), timeline, recording, file.stream());
+    writeTrace(input.openText(), input.name(), timeline, form, recording, file.stream());
     file.commit();
 }
 
-void writePlot(const std::string& path, const std::string& trace, const Timeline& timeline,
+void writePlot(const std::string& path, const std::string& trace, const trace::Timeline& timeline,
                const Recording& recording) {
     OutputFile file(path);
     plot(trace, timeline, recording, plotTerminal(path), file.stream());
@@ -98,12 +100,14 @@ void writePlot(const std::string& path, const std::string& trace, const Timeline
 
 /** Replays one trace, and prints what is not for the whole run. */
 TraceResult replayTrace(const std::string& path, const Options& options) {
-    TraceInput input(path);
+    trace::TraceInput input(path);
     const std::string& trace = input.name();
-    if (!options.traceOut.empty() && input.kind() != TraceInput::Kind::Ftrace) {
+    if (!options.traceOut.empty() && input.kind() != trace::TraceInput::Kind::Ftrace) {
         throw InputError(trace + ": --trace-out needs a trace, and this is a latency dump");
     }
-    const Timeline timeline = readTimeline(input, options.timeline);
+    trace::TraceForm form;
+    const trace::Timeline timeline = trace::readTimeline(input, options.timeline, &form);
+
     const Recording recording = playIsolated(timeline, {});
     TraceResult result = {summarise(trace, timeline, recording), {}};
     std::vector<Parting> partings;
@@ -113,7 +117,7 @@ TraceResult replayTrace(const std::string& path, const Options& options) {
         partings = firstPartings(recording, other, kPartings);
     }
     if (!options.hints.empty()) writeHints(options.hints, recording);
-    if (!options.traceOut.empty()) writeTrace(options.traceOut, input, timeline, recording);
+    if (!options.traceOut.empty()) writeTrace(options.traceOut, input, timeline, form, recording);
     if (!options.plot.empty()) writePlot(options.plot, trace, timeline, recording);
     if (!options.json && options.traces.size() == 1) {
         print(result.summary, std::cout);

@@ -1,57 +1,28 @@
 #include "replay/player.h"
 
-#include <dlfcn.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
-#include <stdexcept>
 
+#include "base/progress.h"
 #include "brevold/brevold.h"
 #include "brevold/frame_rate.h"
+#include "brevold/protocol.h"
 #include "host/device_profile.h"
-#include "replay/progress.h"
+#include "host/driver.h"
 
 namespace brevold::replay {
 
 namespace {
 
+using trace::Timeline;
+using trace::TimelineEvent;
+
 constexpr int64_t kNoFrameYet = -1;
-
-void* openLibrary(const std::string& path) {
-    void* const handle = dlopen(path.c_str(), RTLD_NOW);
-    if (handle == nullptr) throw std::runtime_error(dlerror());
-    return handle;
-}
-
-template <typename Fn>
-Fn find(void* library, const char* symbol) {
-    const auto function = reinterpret_cast<Fn>(dlsym(library, symbol));
-    if (function == nullptr) throw std::runtime_error(dlerror());
-    return function;
-}
-
-/** The entry points by symbol look-up, as a compositor finds them. */
-struct Library {
-    explicit Library(void* handle)
-          : init(find<decltype(init)>(handle, "brevoldInit")),
-            onFrameAvailable(find<decltype(onFrameAvailable)>(handle, "brevoldOnFrameAvailable")),
-            monitor(find<decltype(monitor)>(handle, "brevoldMonitor")),
-            scaling(find<decltype(scaling)>(handle, "brevoldScaling")),
-            refresh(find<decltype(refresh)>(handle, "brevoldRefresh")) {}
-
-    decltype(&brevoldInit) init;
-    decltype(&brevoldOnFrameAvailable) onFrameAvailable;
-    decltype(&brevoldMonitor) monitor;
-    decltype(&brevoldScaling) scaling;
-    decltype(&brevoldRefresh) refresh;
-};
 
 class Player {
   public:
-    Player(const Timeline& timeline, const Library& library, Recording& recording)
-          : mTimeline(timeline), mLibrary(library), mRecording(recording) {
+    Player(const Timeline& timeline, host::Driver& driver) : mTimeline(timeline), mDriver(driver) {
         const std::string& focusedName = timeline.layers[timeline.focusedLayer].name;
         mDepths.resize(timeline.layers.size());
         for (size_t i = 0; i < timeline.layers.size(); ++i) {
@@ -65,24 +36,22 @@ class Player {
         }
     }
 
-    void play() {
-        host::setTimeNs(mTimeline.startNs);
-        mRecording.isAnyFeatureOn = mLibrary.init();
-        mReportsModes = (host::isFeatureAllowed(4) || host::isFeatureAllowed(5)) &&
-                        atoi(host::profileProperty("vendor.perf.brevold.debug", "0").c_str()) == 1;
+    Recording play() {
+        mRecording.isAnyFeatureOn = mDriver.init(mTimeline.startNs);
+        mReportsModes = (host::isFeatureAllowed(android::kJankBoostFeature) ||
+                         host::isFeatureAllowed(android::kEnergyScalingFeature)) &&
+                        atoi(host::profileProperty(android::kDebugProperty, "0").c_str()) == 1;
         setMode(mTimeline.startNs, android::kModeUnclassified);
-        host::settle();
         Progress progress("replaying", static_cast<int64_t>(mTimeline.events.size()));
         int64_t played = 0;
         for (const TimelineEvent& event : mTimeline.events) {
             progress.update(played++);
-            host::setTimeNs(event.timeNs);
             apply(event);
-            host::settle();
             takeOutput();
         }
         for (const host::StartedThread& thread : host::startedThreads())
             mRecording.threads.push_back(thread.name);
+        return std::move(mRecording);
     }
 
   private:
@@ -91,6 +60,10 @@ class Player {
             case TimelineEvent::Kind::Period:
                 mPeriodNs = event.periodNs;
                 break;
+            case TimelineEvent::Kind::Frame:
+                changeDepth(event);
+                reportFrame(event);
+                break;
             case TimelineEvent::Kind::Depth:
                 changeDepth(event);
                 break;
@@ -98,10 +71,10 @@ class Player {
                 beginComposition(event.timeNs);
                 break;
             case TimelineEvent::Kind::CompositionEnd:
-                endComposition();
+                endComposition(event.timeNs);
                 break;
             case TimelineEvent::Kind::Vsync:
-                if (mLibrary.monitor(focusedDepth(), mPeriodNs) != 0) {
+                if (mDriver.vsync(event.timeNs, focusedDepth(), mPeriodNs)) {
                     mRecording.verdictTimesNs.push_back(event.timeNs);
                 }
                 break;
@@ -109,12 +82,12 @@ class Player {
     }
 
     void changeDepth(const TimelineEvent& event) {
-        const auto layer = static_cast<size_t>(event.layer);
-        const bool isFrame = event.depth > mDepths[layer];
-        mDepths[layer] = event.depth;
+        mDepths[static_cast<size_t>(event.layer)] = event.depth;
         mPeakDepth = std::max(mPeakDepth, focusedDepth());
-        if (!isFrame) return;
+    }
 
+    void reportFrame(const TimelineEvent& event) {
+        const auto layer = static_cast<size_t>(event.layer);
         LayerFrameInfo& info = mFrames[layer];
         info.qbTime = event.timeNs;
         info.sfTime = mLastCompositionNs;
@@ -124,7 +97,7 @@ class Player {
         if (layer == mTimeline.focusedLayer && info.lastQbTime == kNoFrameYet) {
             setMode(event.timeNs, android::kModeUnclassified);
         }
-        mLibrary.onFrameAvailable(&info);
+        mDriver.frame(event.timeNs, info);
         info.lastQbTime = event.timeNs;
     }
 
@@ -133,13 +106,13 @@ class Player {
             setMode(timeNs, android::kModeUnclassified);
         }
         mLastCompositionNs = timeNs;
-        mLibrary.refresh();
+        mDriver.beginComposition(timeNs);
     }
 
-    void endComposition() {
-        // Most releases latch before the section that tells of a composition, so that the depth at
-        // its end is not what it found: the frames that stood queued since the one before are.
-        mLibrary.scaling(mPeakDepth, 0);
+    void endComposition(int64_t timeNs) {
+        // Most releases latch before the composite section, so pass the peak depth since the
+        // previous composition.
+        mDriver.endComposition(timeNs, mPeakDepth);
         mPeakDepth = focusedDepth();
     }
 
@@ -153,6 +126,11 @@ class Player {
     }
 
     void takeOutput() {
+        for (const host::ServiceCall& call : mDriver.takeServiceCalls()) {
+            if (call.kind == host::ServiceCall::Kind::Hint) {
+                mRecording.hints.push_back(host::decodeHint(call));
+            }
+        }
         for (host::LogLine& line : host::takeLog()) {
             int32_t mode = 0;
             if (sscanf(line.text.c_str(), "[FM]gMode:%d", &mode) == 1) setMode(line.timeNs, mode);
@@ -164,8 +142,8 @@ class Player {
     }
 
     const Timeline& mTimeline;
-    const Library& mLibrary;
-    Recording& mRecording;
+    host::Driver& mDriver;
+    Recording mRecording;
     std::vector<int32_t> mDepths;
     std::vector<LayerFrameInfo> mFrames;
     int32_t mPeakDepth = 0;
@@ -174,27 +152,11 @@ class Player {
     bool mReportsModes = false;
 };
 
-void recordHint(const host::ServiceCall& call, void* recording) {
-    if (call.kind != host::ServiceCall::Kind::Hint) return;
-    static_cast<Recording*>(recording)->hints.push_back(decodeHint(call));
-}
-
 }  // namespace
 
 Recording play(const Timeline& timeline) {
-    Recording recording;
-    const std::string folder =
-            std::filesystem::read_symlink("/proc/self/exe").parent_path().string() + "/";
-    // Once open, the run-time libraries are what the library's own dlopen finds by name.
-    void* const client = openLibrary(folder + "standins/libvnx-perfd-client_system.so");
-    openLibrary(folder + "standins/libfeatgate_system.so");
-    const Library library(openLibrary(folder + "libbrevold.so"));
-    const auto setListener =
-            find<decltype(&host::perfd_set_listener)>(client, host::kSetServiceListener);
-    setListener(recordHint, &recording);
-    Player(timeline, library, recording).play();
-    setListener(nullptr, nullptr);
-    return recording;
+    host::Driver driver(host::Workers::Stepped);
+    return Player(timeline, driver).play();
 }
 
 }  // namespace brevold::replay

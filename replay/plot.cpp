@@ -4,10 +4,10 @@
 #include <cmath>
 #include <filesystem>
 
+#include "base/output_file.h"
+#include "base/text.h"
 #include "replay/gnuplot.h"
-#include "replay/output_file.h"
 #include "replay/plot_data.h"
-#include "replay/text.h"
 
 namespace brevold::replay {
 
@@ -54,7 +54,7 @@ double greatest(const PlotPoints& points, double atLeast) {
 
 class Page {
   public:
-    Page(const Timeline& timeline, const PlotData& data)
+    Page(const trace::Timeline& timeline, const PlotData& data)
           : mTimeline(timeline),
             mData(data),
             mEndS(std::max(toSeconds(timeline.endNs - timeline.startNs), 1e-6)) {}
@@ -78,7 +78,7 @@ class Page {
 
   private:
     std::string drawTitle(const std::string& trace) const {
-        const Layer& layer = mTimeline.layers[mTimeline.focusedLayer];
+        const trace::Layer& layer = mTimeline.layers[mTimeline.focusedLayer];
         std::string text = format("%d frames in %.2f s; one pixel across is %.3g ms", layer.frames,
                                   mEndS, mEndS * 1e3 / kColumns);
         if (mIsThinned) {
@@ -237,7 +237,7 @@ class Page {
         endPanel();
     }
 
-    const Timeline& mTimeline;
+    const trace::Timeline& mTimeline;
     const PlotData& mData;
     const double mEndS;
     std::string mPanels;
@@ -256,7 +256,7 @@ std::string plotTerminal(const std::string& path) {
     throw OutputError(path + ": a picture's name must end in .svg or .png");
 }
 
-void plot(const std::string& trace, const Timeline& timeline, const Recording& recording,
+void plot(const std::string& trace, const trace::Timeline& timeline, const Recording& recording,
           const std::string& terminal, std::ostream& out) {
     const PlotData data = plotData(timeline, recording);
     out << runGnuplot(Page(timeline, data).draw(trace, terminal));

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "replay/player.h"
-#include "replay/timeline.h"
+#include "trace/timeline.h"
 
 namespace brevold::replay {
 
@@ -12,7 +12,7 @@ namespace brevold::replay {
 std::string plotTerminal(const std::string& path);
 
 /** Draws a replay on one page, time across. Throws std::runtime_error when gnuplot does not. */
-void plot(const std::string& trace, const Timeline& timeline, const Recording& recording,
+void plot(const std::string& trace, const trace::Timeline& timeline, const Recording& recording,
           const std::string& terminal, std::ostream& out);
 
 }  // namespace brevold::replay

@@ -4,8 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "base/text.h"
 #include "replay/hint_span.h"
-#include "replay/text.h"
 
 namespace brevold::replay {
 
@@ -15,14 +15,15 @@ constexpr double kBreak = std::numeric_limits<double>::quiet_NaN();
 
 class DataMaker {
   public:
-    explicit DataMaker(const Timeline& timeline) : mTimeline(timeline) {}
+    explicit DataMaker(const trace::Timeline& timeline) : mTimeline(timeline) {}
 
     PlotData make(const Recording& recording) {
         mData.depths.push_back({0, 0});
-        for (const TimelineEvent& event : mTimeline.events) {
-            if (event.kind == TimelineEvent::Kind::Depth) {
+        for (const trace::TimelineEvent& event : mTimeline.events) {
+            if (event.kind == trace::TimelineEvent::Kind::Frame ||
+                event.kind == trace::TimelineEvent::Kind::Depth) {
                 addDepth(event);
-            } else if (event.kind == TimelineEvent::Kind::Period) {
+            } else if (event.kind == trace::TimelineEvent::Kind::Period) {
                 const double timeS = at(event.timeNs);
                 const auto periodNs = static_cast<double>(event.periodNs);
                 mData.periodsMs.push_back({timeS, periodNs / 1e6});
@@ -42,11 +43,10 @@ class DataMaker {
   private:
     double at(int64_t timeNs) const { return toSeconds(timeNs - mTimeline.startNs); }
 
-    void addDepth(const TimelineEvent& event) {
+    void addDepth(const trace::TimelineEvent& event) {
         if (static_cast<size_t>(event.layer) != mTimeline.focusedLayer) return;
-        const bool isFrame = event.depth > mData.depths.back().value;
         mData.depths.push_back({at(event.timeNs), static_cast<double>(event.depth)});
-        if (!isFrame) return;
+        if (event.kind != trace::TimelineEvent::Kind::Frame) return;
         if (mHasFrame) {
             mData.frameIntervalsMs.push_back(
                     {at(event.timeNs), toSeconds(event.timeNs - mLastFrameNs) * 1e3});
@@ -55,24 +55,24 @@ class DataMaker {
         mLastFrameNs = event.timeNs;
     }
 
-    void addHints(const std::vector<Hint>& hints) {
+    void addHints(const std::vector<host::Hint>& hints) {
         for (const HintSpan& span : hintSpans(hints, mTimeline.endNs)) {
             const double timeS = at(span.hint.timeNs);
             switch (span.hint.kind) {
-                case HintKind::Down:
+                case host::HintKind::Down:
                     ++mData.downs;
                     addDown(timeS, at(span.endNs), span.hint.scale);
                     break;
-                case HintKind::Up:
+                case host::HintKind::Up:
                     mData.upScales.push_back({timeS, span.hint.scale});
                     break;
-                case HintKind::JankBoost:
+                case host::HintKind::JankBoost:
                     mData.boosts.push_back({timeS, span.hint.scale});
                     break;
-                case HintKind::RefreshRate:
+                case host::HintKind::RefreshRate:
                     mData.rateHintsHz.push_back({timeS, static_cast<double>(span.hint.type)});
                     break;
-                case HintKind::Release:
+                case host::HintKind::Release:
                     break;
             }
         }
@@ -85,7 +85,7 @@ class DataMaker {
         points.push_back({toS, scale});
     }
 
-    const Timeline& mTimeline;
+    const trace::Timeline& mTimeline;
     PlotData mData;
     bool mHasFrame = false;
     int64_t mLastFrameNs = 0;
@@ -104,7 +104,7 @@ void keepExtremes(const PlotPoint* first, const PlotPoint* end, PlotPoints* kept
 
 }  // namespace
 
-PlotData plotData(const Timeline& timeline, const Recording& recording) {
+PlotData plotData(const trace::Timeline& timeline, const Recording& recording) {
     return DataMaker(timeline).make(recording);
 }
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "replay/player.h"
-#include "replay/timeline.h"
+#include "trace/timeline.h"
 
 namespace brevold::replay {
 
@@ -31,7 +31,7 @@ struct PlotData {
     PlotPoints modes;
 };
 
-PlotData plotData(const Timeline& timeline, const Recording& recording);
+PlotData plotData(const trace::Timeline& timeline, const Recording& recording);
 
 /**
  * Of each of so many columns of the time up to the end, at most the first, the last, the least and

@@ -4,22 +4,21 @@
 #include <cstdint>
 #include <map>
 #include <optional>
-#include <ostream>
 #include <string>
 #include <vector>
 
-#include "replay/hint.h"
-#include "replay/player.h"
-#include "replay/timeline.h"
+#include "host/hint.h"
+#include "replay/recording.h"
+#include "trace/timeline.h"
 
 namespace brevold::replay {
 
 struct RequestSummary {
     int32_t count = 0;
     // Of the kinds that have a scale; 0 without requests.
-    double leastScale = 0.0;
+    double minScale = 0.0;
     double meanScale = 0.0;
-    double mostScale = 0.0;
+    double maxScale = 0.0;
 };
 
 /** What an engineer reads at a glance. */
@@ -37,18 +36,19 @@ struct Summary {
     };
     /** Times from the start of the trace. */
     std::vector<Rate> rates;
-    std::string rateSource;
+    trace::PeriodSource periodSource;
+    std::string periodCounter;
     int32_t compositions;
-    std::string compositionSource;
+    trace::CompositionSource compositionSource;
     int32_t vsyncs;
-    std::string vsyncSource;
+    trace::VsyncSource vsyncSource;
     int32_t boostVerdicts;
     bool isAnyFeatureOn;
     /** False when the library's debug output, which tells the modes, is off. */
     bool hasModes;
     std::array<int64_t, 6> modeNs;
     /** In the order of kHintKinds. */
-    std::array<RequestSummary, std::size(kHintKinds)> requests;
+    std::array<RequestSummary, std::size(host::kHintKinds)> requests;
     /** Time under a DOWN hint: from the hint, for its duration or until the next "QB" hint. */
     int64_t downNs;
     /** Of that time, weighted by it. */
@@ -57,22 +57,20 @@ struct Summary {
     /** Texts at error priority, but for the measuring windows' lines, with their counts. */
     std::map<std::string, int32_t> errors;
     int32_t windowLines;
-    std::vector<std::string> warnings;
+    std::vector<trace::TraceWarning> warnings;
 
-    const RequestSummary& of(HintKind kind) const { return requests[static_cast<size_t>(kind)]; }
+    const RequestSummary& of(host::HintKind kind) const {
+        return requests[static_cast<size_t>(kind)];
+    }
 };
 
-Summary summarise(const std::string& trace, const Timeline& timeline, const Recording& recording);
-
-void print(const Summary& summary, std::ostream& out);
+Summary summarise(const std::string& trace, const trace::Timeline& timeline,
+                  const Recording& recording);
 
 /** One trace's replay, and the second one with other settings where there was one. */
 struct TraceResult {
     Summary summary;
     std::optional<Summary> vs;
 };
-
-/** One row a replay. */
-void printRows(const std::vector<TraceResult>& results, std::ostream& out);
 
 }  // namespace brevold::replay

@@ -2,7 +2,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "replay/text.h"
+#include "base/text.h"
+#include "replay/labels.h"
 
 namespace brevold::replay {
 
@@ -10,18 +11,18 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr int kFormatVersion = 1;
+constexpr int kFormatVersion = 2;
 
 Json requestsOf(const Summary& summary) {
     Json requests = Json::object();
-    for (const HintKind kind : kHintKinds) {
+    for (const host::HintKind kind : host::kHintKinds) {
         const RequestSummary& request = summary.of(kind);
-        Json& object = requests[nameOf(kind)];
+        Json& object = requests[host::nameOf(kind)];
         object["count"] = request.count;
-        if (!hasScale(kind) || request.count == 0) continue;
-        object["scale_least"] = request.leastScale;
+        if (!host::hasScale(kind) || request.count == 0) continue;
+        object["scale_min"] = request.minScale;
         object["scale_mean"] = request.meanScale;
-        object["scale_most"] = request.mostScale;
+        object["scale_max"] = request.maxScale;
     }
     return requests;
 }
@@ -37,11 +38,12 @@ Json objectOf(const Summary& summary) {
     for (const Summary::Rate& rate : summary.rates) {
         object["refresh_rates"].push_back({{"from_s", toSeconds(rate.fromNs)}, {"hz", rate.hz}});
     }
-    object["refresh_rate_source"] = summary.rateSource;
+    object["refresh_rate_source"] = periodSourceWord(summary.periodSource);
+    if (!summary.periodCounter.empty()) object["refresh_rate_counter"] = summary.periodCounter;
     object["compositions"] = summary.compositions;
-    object["composition_source"] = summary.compositionSource;
+    object["composition_source"] = compositionSourceWord(summary.compositionSource);
     object["vsyncs"] = summary.vsyncs;
-    object["vsync_source"] = summary.vsyncSource;
+    object["vsync_source"] = vsyncSourceWord(summary.vsyncSource);
     object["boost_verdicts"] = summary.boostVerdicts;
     object["any_feature_on"] = summary.isAnyFeatureOn;
     object["mode_s"] = nullptr;
@@ -56,7 +58,12 @@ Json objectOf(const Summary& summary) {
     object["error_lines"] = summary.errorLines;
     object["window_lines"] = summary.windowLines;
     object["errors"] = summary.errors;
-    object["warnings"] = summary.warnings;
+    object["warnings"] = Json::array();
+    for (const trace::TraceWarning& warning : summary.warnings) {
+        object["warnings"].push_back({{"kind", warningWord(warning.kind)},
+                                      {"count", warning.lines.lines},
+                                      {"first_line", warning.lines.firstLine}});
+    }
     return object;
 }
 

@@ -1,10 +1,10 @@
-#include "replay/refresh_period.h"
+#include "trace/refresh_period.h"
 
 #include <gtest/gtest.h>
 
 #include <tuple>
 
-namespace brevold::replay {
+namespace brevold::trace {
 namespace {
 
 constexpr int64_t k60Ns = kPeriod60Ns;
@@ -83,4 +83,4 @@ TEST(RefreshPeriodTest, DatesAChangeBack) {
 }
 
 }  // namespace
-}  // namespace brevold::replay
+}  // namespace brevold::trace

@@ -37,7 +37,7 @@ void TargetAppTest::SetUp() {
 }
 
 void* provide(const std::string& library, const std::string& without) {
-    const std::string folder = BREVOLD_TEST_STANDINS "/without_" + without + "/";
+    const std::string folder = BREVOLD_TEST_FAKES "/without_" + without + "/";
     void* const handle = dlopen((folder + library).c_str(), RTLD_NOW);
     EXPECT_NE(handle, nullptr) << dlerror();
     return handle;

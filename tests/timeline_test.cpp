@@ -1,8 +1,6 @@
 // From a file's bytes to a timeline: the kinds of input, the lines of a trace, what they tell of
 // the compositor, and what is wrong or odd in one.
 
-#include "replay/timeline.h"
-
 #include <gtest/gtest.h>
 #include <unistd.h>
 #include <zlib.h>
@@ -13,13 +11,20 @@
 #include <sstream>
 #include <tuple>
 
-#include "replay/refresh_period.h"
-#include "replay/text.h"
+#include "base/error.h"
+#include "base/text.h"
+#include "replay/labels.h"
+#include "trace/read_timeline.h"
+#include "trace/refresh_period.h"
 
-namespace brevold::replay {
+namespace brevold::trace {
 namespace {
 
 using Texts = std::vector<std::string>;
+using replay::compositionSourceText;
+using replay::periodSourceText;
+using replay::vsyncSourceText;
+using replay::warningText;
 
 const std::string kPath = testing::TempDir() + "timeline" + std::to_string(getpid());
 /** The mode is one of gzopen: "wbT" writes the bytes as they are, "wb" compresses them. */
@@ -33,17 +38,24 @@ std::string rest(std::istream& stream) {
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
-/** Where there is none, what is wrong, without the path, stands as its one warning. */
 Timeline read(const std::string& bytes, const TimelineOptions& options = {}) {
     write(bytes);
-    Timeline timeline;
-    try {
-        timeline = readTimeline(kPath, options);
-    } catch (const InputError& error) {
-        timeline.warnings = {std::string(error.what()).substr(kPath.size())};
-    }
+    TraceInput input(kPath);
+    const Timeline timeline = readTimeline(input, options);
     unlink(kPath.c_str());
     return timeline;
+}
+
+/** The warnings about an input, or the error without the path. */
+Texts warningsOf(const std::string& bytes, const TimelineOptions& options = {}) {
+    Texts texts;
+    try {
+        for (const TraceWarning& warning : read(bytes, options).warnings)
+            texts.push_back(warningText(warning));
+    } catch (const InputError& error) {
+        texts = {std::string(error.what()).substr(kPath.size())};
+    }
+    return texts;
 }
 
 /**
@@ -80,16 +92,18 @@ std::string describe(const Timeline& timeline) {
         text += std::to_string(event.timeNs / 100'000);
         if (event.kind == TimelineEvent::Kind::Period) {
             text += " " + std::to_string(event.periodNs);
-        } else if (event.kind == TimelineEvent::Kind::Depth) {
+        } else if (event.kind == TimelineEvent::Kind::Depth ||
+                   event.kind == TimelineEvent::Kind::Frame) {
             text += timeline.layers[static_cast<size_t>(event.layer)].name + "=" +
                     std::to_string(event.depth);
         } else {
-            text += "  <>|"[static_cast<size_t>(event.kind)];
+            text += "   <>|"[static_cast<size_t>(event.kind)];
         }
         text += " ";
     }
     return text + "to " + std::to_string(timeline.endNs / 100'000) + "; " + layersOf(timeline) +
-           "; " + timeline.compositionSource + ", " + timeline.vsyncSource;
+           "; " + compositionSourceText(timeline.compositionSource) + ", " +
+           vsyncSourceText(timeline.vsyncSource);
 }
 
 TEST(TimelineTest, TellsTheKindOfInputByItsContent) {
@@ -132,7 +146,7 @@ TEST(TimelineTest, TellsTheKindOfInputByItsContent) {
           std::pair(page.substr(0, page.size() - 30), cutShort),
           std::pair(oldPage.substr(0, 100), cutShort),
           std::pair(pageOf("USER PID\n"), ": is a web page without an ftrace text in it")}) {
-        EXPECT_EQ(read(bytes).warnings, Texts{wrong});
+        EXPECT_EQ(warningsOf(bytes), Texts{wrong});
     }
 }
 
@@ -159,17 +173,17 @@ TEST(TimelineTest, SaysWhatIsWrongOrOdd) {
              {":3: most lines go back in time from here on; is an earlier time wrong?"}},
             {start + early, {}},
             {start + early + early,
-             {"lines left out, as they go back in time: 2, the first in line 3"}},
+             {"lines skipped because they go back in time: 2, the first in line 3"}},
             {start + early + trace("60 9 C|9|BufferTX - a|1;"),
-             {"lines left out, as they go back in time: 1, the first in line 3"}},
+             {"lines skipped because they go back in time: 1, the first in line 3"}},
             {"capturing trace... done\n" + start + "a-7 [001] 99999999999.0: 0: beyond 64 bits\n" +
                      "a-99999999999 [001] 4.0: 0: beyond 32 bits\n" +
                      "a-7 [001] 4.0000000001: 0: ten decimals\nstray\n",
-             {"lines that are no trace events: 5, the first in line 1"}},
+             {"lines that are not trace events: 5, the first in line 1"}},
             {start + trace("60 9 C|9|BufferTX - a|0;70 9 C|9|BufferTX - a|-1;"
                            "80 9 C|9|BufferTX - a|0;90 9 C|9|BufferTX - a|2;"),
              {"queue depths below 0, taken as 0: 1, the first in line 4",
-              "queue depths that jump by more than one: 2, the first in line 3"}},
+              "queue depths that change by more than one: 2, the first in line 3"}},
             {"999999\n",
              {":1: expected a refresh period of 1000000 to 1000000000 ns, got '999999'"}},
             {"16666666\n0\t0\t0\n5\t9223372036854775807\t6\n",
@@ -177,11 +191,11 @@ TEST(TimelineTest, SaysWhatIsWrongOrOdd) {
             {"16666666\n5000\t6000\t50",
              {":2: ends in the middle of a line; was the dump cut short?"}},
             {"16666666\n5\t6000\t5\nx\n5\t7000\t4\n5\t8000\t9000000000000000001\n",
-             {"lines that are no row of a latency dump: 2, the first in line 3",
-              "rows left out, as they go back in time: 1, the first in line 4"}},
+             {"lines that are not rows of a latency dump: 2, the first in line 3",
+              "rows skipped because they go back in time: 1, the first in line 4"}},
     };
     for (const auto& [bytes, warnings] : cases)
-        EXPECT_EQ(read(bytes).warnings, warnings) << bytes.substr(0, 300);
+        EXPECT_EQ(warningsOf(bytes), warnings) << bytes.substr(0, 300);
 }
 
 TEST(TimelineTest, ReadsWhatTheCompositorDid) {
@@ -260,7 +274,7 @@ TEST(TimelineTest, PicksTheSourceOfThePeriod) {
         for (int i = 0; i < 6; ++i)
             marks += format("%d 92 C|90|%s|%d;", time += interval, counter, value + i % 2);
         const Timeline timeline = read(trace(marks));
-        EXPECT_EQ(timeline.periodSource, source);
+        EXPECT_EQ(periodSourceText(timeline.periodSource, timeline.periodCounter), source);
         EXPECT_EQ(timeline.events[0].periodNs, periodNs) << source;
     }
     EXPECT_EQ(read(trace(marks), {{}, 59.94}).events[0].periodNs, 16'683'350);
@@ -273,11 +287,11 @@ TEST(TimelineTest, FindsTheLayerAskedFor) {
                   "400 91 +BufferTX - Wall#1;500 91 +BufferTX - Other;");
     EXPECT_EQ(read(text).focusedLayer, 1u);
     EXPECT_EQ(read(text, {"Other", {}}).focusedLayer, 3u);
-    EXPECT_EQ(read(text, {"com.a.Main", {}}).warnings,
+    EXPECT_EQ(warningsOf(text, {"com.a.Main", {}}),
               Texts{": no layer 'com.a.Main' has frames, the closest are 'com.a/com.a.Main#7', "
                     "'StatusBar#0', 'Wall#1'"});
     EXPECT_EQ(layersOf(read("16666666\n5\t60000\t5\n", {"com.a#7", {}})), "com.a#7*1 ");
 }
 
 }  // namespace
-}  // namespace brevold::replay
+}  // namespace brevold::trace

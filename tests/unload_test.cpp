@@ -8,7 +8,7 @@
 #include <cstdlib>
 
 #include "host/device_profile.h"
-#include "host/perfd_client.h"
+#include "host/fake_perf_client.h"
 #include "host/virtual_platform.h"
 
 using namespace brevold::host;
@@ -37,8 +37,8 @@ int main() {
     atexit(wakeWorker);
     setProfileEntry("vendor.perf.pfar.enable=1");
     setProfileEntry("feature.5=1");
-    find<void*>(BREVOLD_STANDINS "/libfeatgate_system.so", "IsFeatureEnabled");
-    find<decltype(&perfd_set_listener)>(BREVOLD_STANDINS "/libvnx-perfd-client_system.so",
+    find<void*>(BREVOLD_FAKES "/libfeatgate_system.so", "IsFeatureEnabled");
+    find<decltype(&perfd_set_listener)>(BREVOLD_FAKES "/libvnx-perfd-client_system.so",
                                         kSetServiceListener)(
             [](const ServiceCall&, void*) { ++gHints; }, nullptr);
     assert(find<bool (*)()>(BREVOLD_LIBRARY, "brevoldInit")());

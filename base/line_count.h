@@ -1,0 +1,23 @@
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+
+namespace brevold {
+
+/** How many lines have something odd, and the number of the first of them. */
+struct LineCount {
+    int64_t lines = 0;
+    int64_t firstLine = 0;
+
+    void add(int64_t line) {
+        if (lines++ == 0) firstLine = line;
+    }
+    void add(const LineCount& other) {
+        if (other.lines == 0) return;
+        firstLine = lines == 0 ? other.firstLine : std::min(firstLine, other.firstLine);
+        lines += other.lines;
+    }
+};
+
+}  // namespace brevold

@@ -1,0 +1,48 @@
+#include "base/progress.h"
+
+#include <unistd.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <limits>
+
+namespace brevold {
+namespace {
+
+constexpr std::chrono::seconds kQuiet(1);
+constexpr std::chrono::milliseconds kBetweenDraws(100);
+constexpr int64_t kWidth = 40;
+constexpr int64_t kLooks = 1000;
+
+}  // namespace
+
+Progress::Progress(std::string word, int64_t total)
+      : mWord(std::move(word)),
+        mTotal(std::max<int64_t>(total, 1)),
+        mStep(std::max<int64_t>(mTotal / kLooks, 1)),
+        mNextDraw(Clock::now() + kQuiet) {
+    if (isatty(STDERR_FILENO) == 0) mNextLook = std::numeric_limits<int64_t>::max();
+}
+
+Progress::~Progress() {
+    if (mIsDrawn) fputs("\r\033[K", stderr);
+}
+
+void Progress::update(int64_t done) {
+    if (done < mNextLook) return;
+    mNextLook = done + mStep;
+    const Clock::time_point now = Clock::now();
+    if (now < mNextDraw) return;
+    mNextDraw = now + kBetweenDraws;
+    draw(done);
+}
+
+void Progress::draw(int64_t done) {
+    const double share = std::min(1.0, static_cast<double>(done) / static_cast<double>(mTotal));
+    const auto filled = static_cast<size_t>(share * kWidth);
+    const std::string bar = std::string(filled, '#') + std::string(kWidth - filled, '.');
+    fprintf(stderr, "\r%s [%s] %3.0f %%", mWord.c_str(), bar.c_str(), share * 100.0);
+    mIsDrawn = true;
+}
+
+}  // namespace brevold

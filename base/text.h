@@ -1,0 +1,53 @@
+#pragma once
+
+#include <algorithm>
+#include <charconv>
+#include <cstdarg>
+#include <cstdint>
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+namespace brevold {
+
+/** printf into a string; what goes beyond 1023 characters is cut. */
+__attribute__((format(printf, 1, 2))) inline std::string format(const char* pattern, ...) {
+    char text[1024];
+    va_list args;
+    va_start(args, pattern);
+    vsnprintf(text, sizeof(text), pattern, args);
+    va_end(args);
+    return text;
+}
+
+inline double toSeconds(int64_t ns) {
+    return static_cast<double>(ns) / 1e9;
+}
+
+/** All of the text as a number; false where it is none, or out of the type's range. */
+template <typename T>
+bool parseWhole(std::string_view text, T* number) {
+    const char* end = text.data() + text.size();
+    const auto result = std::from_chars(text.data(), end, *number);
+    return result.ec == std::errc() && result.ptr == end;
+}
+
+constexpr std::string_view kBlanks = " \t\r";
+
+inline std::string_view trimEnd(std::string_view text) {
+    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+}
+
+inline std::string_view trimStart(std::string_view text) {
+    return text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));
+}
+
+/** Cuts off what is before the separator; all of the text where there is none. */
+inline std::string_view takeUntil(char separator, std::string_view* text) {
+    const size_t length = std::min(text->find(separator), text->size());
+    const std::string_view head = text->substr(0, length);
+    text->remove_prefix(std::min(length + 1, text->size()));
+    return head;
+}
+
+}  // namespace brevold

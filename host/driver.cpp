@@ -1,0 +1,96 @@
+#include "host/driver.h"
+
+#include <dlfcn.h>
+
+#include <mutex>
+#include <utility>
+
+#include "host/fake_device.h"
+
+namespace brevold::host {
+
+namespace {
+
+std::mutex gCallsLock;
+std::vector<ServiceCall> gCalls;
+
+void recordCall(const ServiceCall& call, void* /*context*/) {
+    const std::lock_guard lock(gCallsLock);
+    gCalls.push_back(call);
+}
+
+}  // namespace
+
+/** The entry points; the header declares their types. */
+struct Driver::Library {
+    explicit Library(void* handle)
+          : init(findFunction<decltype(init)>(handle, "brevoldInit")),
+            onFrameAvailable(
+                    findFunction<decltype(onFrameAvailable)>(handle, "brevoldOnFrameAvailable")),
+            monitor(findFunction<decltype(monitor)>(handle, "brevoldMonitor")),
+            scaling(findFunction<decltype(scaling)>(handle, "brevoldScaling")),
+            refresh(findFunction<decltype(refresh)>(handle, "brevoldRefresh")) {}
+
+    decltype(&brevoldInit) init;
+    decltype(&brevoldOnFrameAvailable) onFrameAvailable;
+    decltype(&brevoldMonitor) monitor;
+    decltype(&brevoldScaling) scaling;
+    decltype(&brevoldRefresh) refresh;
+};
+
+Driver::Driver(Workers workers) : mWorkers(workers) {
+    startFakeDevice(recordCall, nullptr);
+    mHandle = openLibrary(libraryPath());
+    mLibrary = std::make_unique<Library>(mHandle);
+}
+
+Driver::~Driver() = default;
+
+bool Driver::init(int64_t timeNs) {
+    setTimeNs(timeNs);
+    const bool isAnyFeatureOn = mLibrary->init();
+    finishCall();
+    return isAnyFeatureOn;
+}
+
+void Driver::frame(int64_t timeNs, LayerFrameInfo& info) {
+    setTimeNs(timeNs);
+    mLibrary->onFrameAvailable(&info);
+    finishCall();
+}
+
+void Driver::beginComposition(int64_t timeNs) {
+    setTimeNs(timeNs);
+    mLibrary->refresh();
+    finishCall();
+}
+
+int Driver::endComposition(int64_t timeNs, int32_t queuedFrames, bool suppress) {
+    setTimeNs(timeNs);
+    const int status = mLibrary->scaling(queuedFrames, suppress ? 1 : 0);
+    finishCall();
+    return status;
+}
+
+bool Driver::vsync(int64_t timeNs, int32_t queuedFrames, int64_t periodNs) {
+    setTimeNs(timeNs);
+    const int verdict = mLibrary->monitor(queuedFrames, periodNs);
+    finishCall();
+    return verdict != 0;
+}
+
+std::vector<ServiceCall> Driver::takeServiceCalls() {
+    const std::lock_guard lock(gCallsLock);
+    return std::exchange(gCalls, {});
+}
+
+void Driver::closeLibrary() {
+    mLibrary.reset();
+    dlclose(mHandle);
+}
+
+void Driver::finishCall() {
+    if (mWorkers == Workers::Stepped) settle();
+}
+
+}  // namespace brevold::host

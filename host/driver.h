@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "brevold/brevold.h"
+#include "host/fake_perf_client.h"
+#include "host/virtual_platform.h"
+
+namespace brevold::host {
+
+/** When the library's workers run. */
+enum class Workers : uint8_t {
+    Stepped,  // each call of the driver returns after the workers have sent what it posted
+    Free,     // the workers run concurrently; settle() waits for them
+};
+
+/**
+ * Plays the compositor to libbrevold in virtual time: starts a fake device, finds the library's
+ * entry points by symbol lookup as a compositor does, and calls them. This is also the worked
+ * example of how to bind the library.
+ *
+ * One driver per process, as the library keeps its state for the life of the process. Fill the
+ * device profile first (host/device_profile.h). The program must export its symbols and link
+ * virtual_platform. Use it from the main thread. Times are nanoseconds and must not decrease.
+ */
+class Driver {
+  public:
+    /** Opens the library and the fakes. Throws std::runtime_error if one cannot be opened. */
+    explicit Driver(Workers workers);
+    ~Driver();
+    Driver(const Driver&) = delete;
+    Driver& operator=(const Driver&) = delete;
+
+    /** Calls brevoldInit. Returns true if any feature is on. */
+    bool init(int64_t timeNs);
+
+    /** A layer queues a frame: calls brevoldOnFrameAvailable. */
+    void frame(int64_t timeNs, LayerFrameInfo& info);
+
+    /** The compositor begins to compose: calls brevoldRefresh. */
+    void beginComposition(int64_t timeNs);
+
+    /** The compositor has composed: calls brevoldScaling. Returns its result. */
+    int endComposition(int64_t timeNs, int32_t queuedFrames, bool suppress = false);
+
+    /** A vsync: calls brevoldMonitor. Returns its verdict. */
+    bool vsync(int64_t timeNs, int32_t queuedFrames, int64_t periodNs);
+
+    /** Calls of the performance service since the previous call, in order. */
+    std::vector<ServiceCall> takeServiceCalls();
+
+    /** Closes the library, as dlclose does; no entry may be called afterwards. */
+    void closeLibrary();
+
+  private:
+    struct Library;
+
+    void finishCall();
+
+    const Workers mWorkers;
+    void* mHandle;
+    std::unique_ptr<Library> mLibrary;
+};
+
+}  // namespace brevold::host

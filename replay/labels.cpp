@@ -1,0 +1,120 @@
+#include "replay/labels.h"
+
+#include <fmt/format.h>
+
+namespace brevold::replay {
+
+namespace {
+
+struct Label {
+    const char* text;
+    const char* word;
+};
+
+Label labelOf(trace::PeriodSource source) {
+    switch (source) {
+        case trace::PeriodSource::Option:
+            return {"--refresh-rate", "option"};
+        case trace::PeriodSource::SetPeriod:
+            return {"VSR-setPeriod", "set-period"};
+        case trace::PeriodSource::VsyncToggles:
+            return {"toggles", "vsync-toggles"};
+        case trace::PeriodSource::FrameIntervals:
+            return {"frame intervals, as the trace has no vsyncs", "frame-intervals"};
+        case trace::PeriodSource::Default:
+            return {"the default, as the trace has neither vsyncs nor steady frames", "default"};
+        case trace::PeriodSource::LatencyDump:
+            return {"the dump's first line", "latency-dump"};
+    }
+    return {"", ""};
+}
+
+Label labelOf(trace::CompositionSource source) {
+    switch (source) {
+        case trace::CompositionSource::OnMessageRefresh:
+            return {"onMessageRefresh sections", "onMessageRefresh"};
+        case trace::CompositionSource::HandleMessageRefresh:
+            return {"handleMessageRefresh sections", "handleMessageRefresh"};
+        case trace::CompositionSource::Composite:
+            return {"composite sections", "composite"};
+        case trace::CompositionSource::PostFramebuffer:
+            return {"postFramebuffer sections", "postFramebuffer"};
+        case trace::CompositionSource::Commit:
+            return {"commit sections", "commit"};
+        case trace::CompositionSource::Latches:
+            return {"latches", "latches"};
+        case trace::CompositionSource::PresentTimes:
+            return {"present times, less a refresh", "present-times"};
+    }
+    return {"", ""};
+}
+
+Label labelOf(trace::VsyncSource source) {
+    switch (source) {
+        case trace::VsyncSource::None:
+            return {"none in the trace", "none"};
+        case trace::VsyncSource::VsyncSf:
+            return {"VSYNC-sf", "VSYNC-sf"};
+        case trace::VsyncSource::Vsync:
+            return {"VSYNC", "VSYNC"};
+        case trace::VsyncSource::PresentTimes:
+            return {"present times", "present-times"};
+    }
+    return {"", ""};
+}
+
+Label labelOf(trace::TraceWarning::Kind kind) {
+    using Kind = trace::TraceWarning::Kind;
+    switch (kind) {
+        case Kind::StrayLine:
+            return {"lines that are not trace events", "stray-line"};
+        case Kind::OutOfOrderLine:
+            return {"lines skipped because they go back in time", "out-of-order-line"};
+        case Kind::StrayRow:
+            return {"lines that are not rows of a latency dump", "stray-row"};
+        case Kind::OutOfOrderRow:
+            return {"rows skipped because they go back in time", "out-of-order-row"};
+        case Kind::NegativeDepth:
+            return {"queue depths below 0, taken as 0", "negative-depth"};
+        case Kind::DepthJump:
+            return {"queue depths that change by more than one", "depth-jump"};
+    }
+    return {"", ""};
+}
+
+}  // namespace
+
+std::string periodSourceText(trace::PeriodSource source, const std::string& counter) {
+    return counter.empty() ? labelOf(source).text : counter + ' ' + labelOf(source).text;
+}
+
+const char* compositionSourceText(trace::CompositionSource source) {
+    return labelOf(source).text;
+}
+
+const char* vsyncSourceText(trace::VsyncSource source) {
+    return labelOf(source).text;
+}
+
+std::string warningText(const trace::TraceWarning& warning) {
+    return fmt::format("{}: {}, the first in line {}", labelOf(warning.kind).text,
+                       warning.lines.lines, warning.lines.firstLine);
+}
+
+const char* periodSourceWord(trace::PeriodSource source) {
+    return labelOf(source).word;
+}
+
+const char* compositionSourceWord(trace::CompositionSource source) {
+    return labelOf(source).word;
+}
+
+const char* vsyncSourceWord(trace::VsyncSource source) {
+    return labelOf(source).word;
+}
+
+const char* warningWord(trace::TraceWarning::Kind kind) {
+    return labelOf(kind).word;
+}
+
+}  // namespace brevold::replay

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "host/hint.h"
+#include "host/virtual_platform.h"
+
+namespace brevold::replay {
+
+struct ModeChange {
+    int64_t timeNs;
+    int32_t mode;
+};
+
+/** What the library did on a timeline. All lists are in time order. */
+struct Recording {
+    /** The result of brevoldInit. */
+    bool isAnyFeatureOn = false;
+    std::vector<host::Hint> hints;
+    /** Starts with the initial mode. Empty if the library does not report modes. */
+    std::vector<ModeChange> modes;
+    /** The vsyncs at which brevoldMonitor returned 1. */
+    std::vector<int64_t> verdictTimesNs;
+    std::vector<host::LogLine> log;
+    /** Names of the library's workers, indexed by TraceMark::thread. */
+    std::vector<std::string> threads;
+    std::vector<host::TraceMark> traceMarks;
+};
+
+}  // namespace brevold::replay

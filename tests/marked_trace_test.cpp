@@ -1,0 +1,144 @@
+#include "replay/marked_trace.h"
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <fstream>
+#include <sstream>
+#include <tuple>
+
+#include "host/device_profile.h"
+#include "replay/isolated_play.h"
+#include "trace/ftrace_reader.h"
+#include "trace/read_timeline.h"
+
+namespace brevold::replay {
+namespace {
+
+const std::string kExamples = BREVOLD_EXAMPLES;
+
+using Mark = std::tuple<int64_t, std::string, bool, std::string>;
+
+TEST(TraceOutTest, HoldsTheTraceAndEveryMarkOfTheLibrary) {
+    host::loadProfile(kExamples + "/everything-on.profile");
+    const std::string path = kExamples + "/game-120hz-falls-behind.ftrace.txt";
+    trace::TraceInput input(path);
+    trace::TraceForm form;
+    const trace::Timeline timeline = trace::readTimeline(input, {}, &form);
+    const Recording recording = playIsolated(timeline, {});
+    std::stringstream output;
+    writeTrace(input.openText(), path, timeline, form, recording, output);
+
+    std::ifstream original(path);
+    std::stringstream added;
+    std::string expected;
+    std::getline(original, expected);
+    for (std::string line; std::getline(output, line);) {
+        if (line == expected && original) {
+            expected.clear();
+            std::getline(original, expected);
+        } else {
+            added << line << '\n';
+        }
+    }
+    EXPECT_FALSE(original) << "lacks or changes the line " << expected;
+
+    trace::FtraceReader reader(added, "added");
+    std::vector<Mark> marks;
+    for (trace::TraceMark mark; reader.next(&mark);) {
+        const std::string task = reader.threads().at(mark.tid);
+        if (mark.kind == trace::TraceMark::Kind::Counter || task.rfind("hints", 0) == 0) continue;
+        marks.emplace_back(mark.timeNs, task, mark.kind == trace::TraceMark::Kind::Begin,
+                           mark.name);
+    }
+    EXPECT_EQ(reader.strayLines() + reader.backwardLines(), 0);
+
+    std::vector<Mark> emitted;
+    for (const host::TraceMark& mark : recording.traceMarks) {
+        constexpr const char* kTasks[] = {"surfaceflinger", "Monitor0", "Monitor1"};
+        emitted.emplace_back(mark.timeNs, kTasks[mark.thread + 1], mark.isBegin, mark.label);
+    }
+    EXPECT_GT(emitted.size(), 1000u);
+    EXPECT_EQ(marks, emitted);
+}
+
+host::Hint hintAt(int64_t timeNs, host::HintKind kind, int32_t durationMs, uint32_t type,
+                  double scale) {
+    return {timeNs, kind, 0, durationMs, type, scale, 0, 0};
+}
+
+TEST(TraceOutTest, AddsMarksInTheFormOfTheTrace) {
+    const struct {
+        std::string columns;
+        std::string event;
+        std::string end;
+        std::string decimals;
+    } styles[] = {
+            {" [000] ", ": 0: ", "E", ""},
+            {" [000] .... ", ": print: ", "E", "00000"},
+            {" (   90) [000] .... ", ": tracing_mark_write: ", "E|90", "00"},
+    };
+    for (const auto& style : styles) {
+        const auto line = [&](const char* thread, const char* time, const std::string& mark) {
+            return thread + style.columns + time + style.decimals + style.event +
+                   (mark == "E" ? style.end : mark) + "\n";
+        };
+        // The second line's thread has the id that an added one would get.
+        const std::string head = "# comment\n" +
+                                 line("sf-90  ", "    1.0000", "C|90|BufferTX - a#1|1") +
+                                 line("app-4194305", "    1.0005", "B|90|commit") + "stray\n";
+        const std::string middle = line("sf-90  ", "    1.0200", "C|90|BufferTX - a#1|0") +
+                                   line("sf-90  ", "    0.5000", "E") +
+                                   line("sf-90  ", "    1.0200", "E");
+        const std::string last = line("sf-90  ", "    1.0300", "B|90|x") + "# end\n";
+        const std::string text = head + middle + last;
+
+        const std::string path = testing::TempDir() + "marked" + std::to_string(getpid());
+        std::ofstream(path) << text;
+        trace::TraceInput read(path);
+        unlink(path.c_str());
+        trace::TraceForm form;
+        const trace::Timeline timeline = trace::readTimeline(read, {}, &form);
+        Recording recording;
+        recording.hints = {
+                hintAt(1'000'500'000, host::HintKind::Down, 19, 0, 0.282),
+                hintAt(1'000'500'000, host::HintKind::Up, 19, 0, 1.5),
+                hintAt(1'000'500'000, host::HintKind::RefreshRate, 0, 90, 0),
+                hintAt(1'020'000'000, host::HintKind::JankBoost, 2000, 0, 10),
+                hintAt(1'020'000'000, host::HintKind::Release, 0, 1, 0),
+                hintAt(1'020'000'000, host::HintKind::Down, 19, 0, 0.5),
+        };
+        recording.threads = {"Monitor0"};
+        recording.traceMarks = {{1'000'500'000, 0, true, "x y"}, {1'000'500'000, 0, false, ""}};
+
+        const char* kSurfaceFlinger = "              sf-90   ";
+        const char* kMonitor = "        Monitor0-4194306";
+        const char* kQb = "        hints QB-4194307";
+        const char* kSf = "        hints SF-4194308";
+        const char* kRate = "      hints rate-4194309";
+        const auto counter = [&](const char* time, const char* mark) {
+            return line(kSurfaceFlinger, time, std::string("C|90|hint ") + mark);
+        };
+        const std::string expected =
+                head + line(kMonitor, "    1.0005", "B|90|x y") +
+                line(kMonitor, "    1.0005", "E") + counter("    1.0005", "scale x1000|282") +
+                line(kQb, "    1.0005", "B|90|DOWN 0.282") + line(kQb, "    1.0005", "E") +
+                counter("    1.0005", "scale x1000|1500") +
+                line(kQb, "    1.0005", "B|90|UP 1.500") +
+                counter("    1.0005", "refresh rate|90") +
+                line(kRate, "    1.0005", "B|90|refresh-rate 90") + line(kQb, "    1.0195", "E") +
+                counter("    1.0195", "scale x1000|0") + middle +
+                counter("    1.0200", "scale x1000|500") +
+                line(kQb, "    1.0200", "B|90|DOWN 0.500") + counter("    1.0200", "boost|1") +
+                line(kSf, "    1.0200", "B|90|jank boost 10.000") + line(kSf, "    1.0200", "E") +
+                counter("    1.0200", "boost|0") + last + line(kQb, "    1.0300", "E") +
+                line(kRate, "    1.0300", "E");
+        std::istringstream input(text);
+        std::ostringstream output;
+        writeTrace(input, "trace", timeline, form, recording, output);
+        EXPECT_EQ(output.str(), expected);
+    }
+}
+
+}  // namespace
+}  // namespace brevold::replay

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstddef>
+
+namespace brevold::trace {
+
+/** A sequence of bytes that can be read more than once. */
+class ByteSource {
+  public:
+    virtual ~ByteSource() = default;
+
+    /**
+     * Reads at most `size` bytes. Returns their count, which is less than `size` only before the
+     * end, and 0 at the end. Throws InputError if the bytes cannot be read or are damaged.
+     */
+    virtual size_t read(char* bytes, size_t size) = 0;
+
+    /** Continues at the first byte. Throws InputError. */
+    virtual void rewind() = 0;
+};
+
+}  // namespace brevold::trace

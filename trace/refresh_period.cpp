@@ -1,0 +1,148 @@
+#include "trace/refresh_period.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <iterator>
+
+namespace brevold::trace {
+namespace {
+
+constexpr int64_t kKnownPeriodsNs[] = {kPeriod60Ns, kPeriod90Ns, kPeriod120Ns};
+constexpr int64_t kSnapPercent = 3;
+// More than the above, so that a rate at the edge of a snap does not go in and out of it.
+constexpr int64_t kStayPercent = 4;
+constexpr int64_t kMostTicks = 3;
+constexpr int64_t kLongestIntervalNs = 52'000'000;
+constexpr size_t kWindow = 15;
+constexpr size_t kConfirmations = 12;
+
+bool isWithin(int64_t percent, int64_t lengthNs, int64_t referenceNs) {
+    return std::abs(lengthNs - referenceNs) * 100 <= referenceNs * percent;
+}
+
+bool isTicksOf(int64_t lengthNs, int64_t periodNs) {
+    for (int64_t ticks = 1; ticks <= kMostTicks; ++ticks) {
+        if (isWithin(kSnapPercent, lengthNs, ticks * periodNs)) return true;
+    }
+    return false;
+}
+
+bool isKnown(int64_t periodNs) {
+    return std::find(std::begin(kKnownPeriodsNs), std::end(kKnownPeriodsNs), periodNs) !=
+           std::end(kKnownPeriodsNs);
+}
+
+/** The last intervals up to some moment. */
+class Window {
+  public:
+    Window(const Interval* begin, const Interval* end) {
+        for (const Interval* i = begin; i != end; ++i)
+            mLengthsNs[mSize++] = i->lengthNs;
+        std::nth_element(mLengthsNs, mLengthsNs + mSize / 2, mLengthsNs + mSize);
+    }
+
+    int64_t medianNs() const { return mLengthsNs[mSize / 2]; }
+
+    bool isSteady() const {
+        const auto near = std::count_if(mLengthsNs, mLengthsNs + mSize, [this](int64_t lengthNs) {
+            return isWithin(kSnapPercent, lengthNs, medianNs());
+        });
+        return static_cast<size_t>(near) * 3 >= mSize * 2;
+    }
+
+    /** The period it tells, given the current one (0 for none yet); 0 where it tells none. */
+    int64_t readPeriodNs(int64_t currentNs, UnknownRate unknown) const {
+        const int64_t lengthNs = medianNs();
+        if (currentNs > 0 && isWithin(kStayPercent, lengthNs, currentNs)) return currentNs;
+        const int64_t snappedNs = snapPeriod(lengthNs);
+        if (isKnown(snappedNs)) return snappedNs;
+        if (currentNs > 0 && isTicksOf(lengthNs, currentNs)) return currentNs;
+        for (const int64_t periodNs : kKnownPeriodsNs) {
+            if (isTicksOf(lengthNs, periodNs)) return periodNs;
+        }
+        return unknown == UnknownRate::Keep && isSteady() ? lengthNs : 0;
+    }
+
+  private:
+    int64_t mLengthsNs[kWindow];
+    size_t mSize = 0;
+};
+
+/** Where the intervals up to last began to be nearer to the new period than to the old one. */
+size_t firstOfNewPeriod(const std::vector<Interval>& intervals, size_t first, size_t last,
+                        int64_t oldNs, int64_t newNs) {
+    int score = 0;
+    int bestScore = 0;
+    size_t best = last;
+    for (size_t i = last + 1; i-- > first;) {
+        const int64_t lengthNs = intervals[i].lengthNs;
+        score += std::abs(lengthNs - newNs) < std::abs(lengthNs - oldNs) ? 1 : -1;
+        if (score >= bestScore) {
+            bestScore = score;
+            best = i;
+        }
+    }
+    return best;
+}
+
+}  // namespace
+
+int64_t snapPeriod(int64_t periodNs) {
+    for (const int64_t knownNs : kKnownPeriodsNs) {
+        if (isWithin(kSnapPercent, periodNs, knownNs)) return knownNs;
+    }
+    return periodNs;
+}
+
+int64_t periodOfRate(double rateHz) {
+    for (const int64_t knownNs : kKnownPeriodsNs) {
+        if (rateHz == std::round(1e9 / static_cast<double>(knownNs))) return knownNs;
+    }
+    return std::llround(1e9 / rateHz);
+}
+
+std::vector<PeriodChange> followPeriod(const std::vector<Interval>& all, UnknownRate unknown) {
+    std::vector<Interval> intervals;
+    std::copy_if(all.begin(), all.end(), std::back_inserter(intervals), [](const Interval& i) {
+        return i.lengthNs > 0 && i.lengthNs <= kLongestIntervalNs;
+    });
+    std::vector<PeriodChange> changes;
+    if (intervals.size() < 2) return changes;
+
+    const size_t window = std::min(kWindow, intervals.size());
+    int64_t currentNs = 0;
+    int64_t pendingNs = 0;
+    size_t pendingSince = 0;
+    size_t confirmations = 0;
+    size_t sinceChange = 0;
+    for (size_t last = window - 1; last < intervals.size(); ++last) {
+        const Interval* end = intervals.data() + last + 1;
+        const int64_t readNs = Window(end - window, end).readPeriodNs(currentNs, unknown);
+        if (readNs == 0) continue;
+        if (readNs == currentNs) {
+            confirmations = 0;
+            continue;
+        }
+        if (currentNs == 0) {
+            changes.push_back({intervals[0].endNs, readNs});
+            currentNs = readNs;
+            continue;
+        }
+        const bool isSame = confirmations > 0 && isWithin(kSnapPercent, readNs, pendingNs);
+        confirmations = isSame ? confirmations + 1 : 1;
+        if (!isSame) pendingSince = last + 1 - window;
+        pendingNs = readNs;
+        if (confirmations < kConfirmations) continue;
+
+        const size_t first = firstOfNewPeriod(intervals, std::max(pendingSince, sinceChange), last,
+                                              currentNs, readNs);
+        changes.push_back({intervals[first].endNs - intervals[first].lengthNs, readNs});
+        currentNs = readNs;
+        sinceChange = first;
+        confirmations = 0;
+    }
+    return changes;
+}
+
+}  // namespace brevold::trace

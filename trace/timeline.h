@@ -1,0 +1,81 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "trace/trace_warning.h"
+
+namespace brevold::trace {
+
+struct Layer {
+    std::string name;  // with its number: "#0" is appended where the trace has none
+    int32_t frames;    // Frame events of this layer
+};
+
+struct TimelineEvent {
+    enum class Kind : uint8_t {
+        Period,  // the display's refresh period changes
+        Frame,   // the application queues a frame; the depth rises
+        Depth,   // the queue depth changes in any other way
+        CompositionBegin,
+        CompositionEnd,
+        Vsync,
+    };
+
+    int64_t timeNs;
+    Kind kind;
+    int32_t layer;     // Frame, Depth: index into Timeline::layers
+    int32_t depth;     // Frame, Depth: the queue depth after the event, at least 0; initially 0
+    int64_t periodNs;  // Period: the refresh period after the event
+};
+
+/** Where the refresh period was taken from. */
+enum class PeriodSource : uint8_t {
+    Option,          // the caller gave the rate
+    SetPeriod,       // values of the counter VSR-setPeriod
+    VsyncToggles,    // distances between the toggles of Timeline::periodCounter
+    FrameIntervals,  // the trace has no vsyncs
+    Default,         // the trace has neither vsyncs nor steady frames
+    LatencyDump,     // the first line of a latency dump
+};
+
+/** Where the compositions were taken from; the sections are listed as in kSectionNames. */
+enum class CompositionSource : uint8_t {
+    OnMessageRefresh,
+    HandleMessageRefresh,
+    Composite,
+    PostFramebuffer,
+    Commit,
+    Latches,       // the trace has no sections that compose
+    PresentTimes,  // of a latency dump, less a refresh period
+};
+
+/** Where the vsyncs were taken from. */
+enum class VsyncSource : uint8_t {
+    None,
+    VsyncSf,       // toggles of the counter VSYNC-sf
+    Vsync,         // toggles of the counter VSYNC
+    PresentTimes,  // of a latency dump
+};
+
+/** The compositor's activity in a trace. Times are the trace's own, in nanoseconds. */
+struct Timeline {
+    /** Layers whose depth changes, in the order of their first mention; at least one has frames. */
+    std::vector<Layer> layers;
+    /** The requested layer, else the first of those with the most frames. */
+    size_t focusedLayer = 0;
+    /** Ordered by time, then as in the trace. The first is a Period at startNs. */
+    std::vector<TimelineEvent> events;
+    /** Times of the first and the last event of the trace, whatever its kind. */
+    int64_t startNs = 0;
+    int64_t endNs = 0;
+    PeriodSource periodSource = PeriodSource::Default;
+    /** The counter's name if periodSource is VsyncToggles, else empty. */
+    std::string periodCounter;
+    CompositionSource compositionSource = CompositionSource::Latches;
+    VsyncSource vsyncSource = VsyncSource::None;
+    std::vector<TraceWarning> warnings;
+};
+
+}  // namespace brevold::trace

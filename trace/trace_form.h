@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <unordered_map>
+
+namespace brevold::trace {
+
+/** The notation of marks in a text trace, which differs between Android releases. */
+struct MarkStyle {
+    bool hasProcess = false;    // the column "(TGID)"
+    bool hasFlags = false;      // the column "d..3"
+    std::string event = "0";    // "0", "tracing_mark_write" or "print"
+    bool endHasProcess = true;  // "E|pid" rather than "E"
+    int32_t decimals = 0;       // the maximum number of decimals in an event's time
+};
+
+/** What a writer needs to add marks to a trace in the trace's own notation. */
+struct TraceForm {
+    MarkStyle style;
+    /** Thread and process ids in the trace, with the thread's name where known. */
+    std::unordered_map<int32_t, std::string> threads;
+    int32_t compositorPid = 0;
+    int32_t compositorTid = 0;
+};
+
+}  // namespace brevold::trace

@@ -1,0 +1,24 @@
+#pragma once
+
+#include <cstdint>
+
+#include "base/line_count.h"
+
+namespace brevold::trace {
+
+/** An oddity in a trace that leaves its timeline usable, with the lines that have it. */
+struct TraceWarning {
+    enum class Kind : uint8_t {
+        StrayLine,       // not an event, a comment or blank; skipped
+        OutOfOrderLine,  // more than 1 ms earlier than a line above; skipped
+        StrayRow,        // not a row of a latency dump; skipped
+        OutOfOrderRow,   // its frame was ready before that of an earlier row; skipped
+        NegativeDepth,   // a queue depth below 0; taken as 0
+        DepthJump,       // a queue depth that changes by more than one
+    };
+
+    Kind kind;
+    LineCount lines;
+};
+
+}  // namespace brevold::trace
