@@ -6,12 +6,12 @@
 #include <vector>
 
 /**
- * The platform around the library in a process of its own: a program that links this and exports
- * its symbols supplies systemTime, the log, the trace facility, android::Thread::run and the
- * condition-variable calls to every library that it opens. Time stands still but for setTimeNs(),
- * log lines and trace marks are kept, and the library's workers can be stepped.
+ * A program that links this and exports its symbols supplies systemTime, the log, the trace
+ * facility, android::Thread::run and the condition-variable calls to every library that it opens.
+ * Time changes only through setTimeNs(), log lines and trace marks are kept, and the library's
+ * workers can be stepped.
  *
- * All functions are for the main thread.
+ * Call the functions from the main thread only.
  */
 namespace brevold::host {
 
@@ -24,9 +24,9 @@ struct LogLine {
 
 struct TraceMark {
     int64_t timeNs;
-    /** Index into startedThreads(), or -1 for the main thread. */
+    /** Index into startedThreads(), or -1 for any other thread. */
     int32_t thread;
-    /** False: the end of a section; it has no label. */
+    /** False for the end of a section, which has no label. */
     bool isBegin;
     std::string label;
 };
@@ -39,33 +39,33 @@ struct StartedThread {
 
 void setTimeNs(int64_t timeNs);
 
-/** The tags that the trace facility calls enabled; all at first. */
+/** Sets the trace tags that are enabled. Initially all are. */
 void setEnabledTraceTags(uint64_t tags);
 
-/** What was logged and marked since the last call. */
+/** Return the log lines and trace marks since the last call. */
 std::vector<LogLine> takeLog();
 std::vector<TraceMark> takeTraceMarks();
 
-/** Every android::Thread that was run, in that order. */
+/** Returns every android::Thread that was run, in order. */
 std::vector<StartedThread> startedThreads();
 
-/** Blocks until every started thread has ended, or waits and no wake-up is under way. */
+/** Blocks until every started thread has ended or waits with no wake-up pending. */
 void settle();
 
 /**
- * Holds the threads in their waits, whatever wakes them, so that what is posted meanwhile stands
- * unsent; settle() must wait until they are let go.
+ * Keeps the threads in their waits even if they are signalled, so requests stay unsent until
+ * releaseWorkers(). Do not call settle() in between.
  */
 void holdWorkers();
-void letWorkersGo();
+void releaseWorkers();
 
-/** Signals of all started threads' conditions so far, whether or not the thread was waiting. */
+/** Returns how often the conditions of started threads were signalled, waiting thread or not. */
 int signalCount();
 
-/** Wakes a waiting thread with no request behind it. */
+/** Wakes a waiting thread without a request. */
 void wakeSpuriously(size_t thread);
 
-/** Makes a waiting thread's wait return an error number. The thread is then expected to end. */
+/** Makes the wait of a waiting thread return an error number. The thread must then end. */
 void failWait(size_t thread, int error);
 
 }  // namespace brevold::host

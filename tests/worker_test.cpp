@@ -47,7 +47,7 @@ TEST_F(WorkerTest, QbSendsTheLastRequestAtEveryWakeUp) {
     host::holdWorkers();
     android::energyScaling(0.25f, 1, 0, kQb);
     android::energyScaling(0.5f, 1, 0, kQb);
-    host::letWorkersGo();
+    host::releaseWorkers();
     EXPECT_EQ(takeCalls(), kHalf);
     EXPECT_EQ(wake(kQb), kHalf);
     EXPECT_EQ(takeLabels(), "energyScaling[Scale:0.50]; energyScaling[Scale:0.50]");
@@ -72,7 +72,7 @@ TEST_F(WorkerTest, SfBoostsOnceAndReleasesWithTheCount) {
     host::holdWorkers();
     android::releaseScaling();
     android::energyScaling(10.0f, 2, 2, kSf);
-    host::letWorkersGo();
+    host::releaseWorkers();
     EXPECT_EQ(takeCalls(), "hint 4166 0 0x2");
     EXPECT_EQ(wake(kSf), "hint 4166 0 0x0");  // nothing is pending any more
 
