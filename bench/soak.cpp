@@ -16,6 +16,7 @@
 #include "host/device_profile.h"
 #include "host/fake_perf_client.h"
 #include "host/virtual_platform.h"
+#include "host/workers.h"
 
 namespace brevold::bench {
 namespace {

@@ -31,12 +31,6 @@ struct TraceMark {
     std::string label;
 };
 
-struct StartedThread {
-    std::string name;
-    int32_t priority;
-    size_t stackBytes;
-};
-
 void setTimeNs(int64_t timeNs);
 
 /** The tags that the trace facility calls enabled; all at first. */
@@ -45,27 +39,5 @@ void setEnabledTraceTags(uint64_t tags);
 /** What was logged and marked since the last call. */
 std::vector<LogLine> takeLog();
 std::vector<TraceMark> takeTraceMarks();
-
-/** Every android::Thread that was run, in that order. */
-std::vector<StartedThread> startedThreads();
-
-/** Blocks until every started thread has ended, or waits and no wake-up is under way. */
-void settle();
-
-/**
- * Holds the threads in their waits, whatever wakes them, so that what is posted meanwhile stands
- * unsent; settle() must wait until they are let go.
- */
-void holdWorkers();
-void letWorkersGo();
-
-/** Signals of all started threads' conditions so far, whether or not the thread was waiting. */
-int signalCount();
-
-/** Wakes a waiting thread with no request behind it. */
-void wakeSpuriously(size_t thread);
-
-/** Makes a waiting thread's wait return an error number. The thread is then expected to end. */
-void failWait(size_t thread, int error);
 
 }  // namespace brevold::host

@@ -10,6 +10,7 @@
 #include "host/device_profile.h"
 #include "host/fake_perf_client.h"
 #include "host/virtual_platform.h"
+#include "host/workers.h"
 
 using namespace brevold::host;
 
