@@ -9,4 +9,9 @@ struct InputError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
+/** What is wrong with an output file: "path: ...". */
+struct OutputError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
 }  // namespace brevold

@@ -12,6 +12,7 @@
 #include "bench/soak_account.h"
 #include "host/device_profile.h"
 #include "host/driver.h"
+#include "host/virtual_platform.h"
 
 namespace brevold::bench {
 namespace {

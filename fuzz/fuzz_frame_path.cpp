@@ -14,6 +14,7 @@
 #include "brevold/state.h"
 #include "fuzz/fuzz.h"
 #include "host/virtual_platform.h"
+#include "host/workers.h"
 
 using namespace android;
 using brevold::fuzz::require;

@@ -5,8 +5,8 @@
 
 #include <iterator>
 
-#include "fuzz/fuzz.h"
 #include "base/error.h"
+#include "fuzz/fuzz.h"
 #include "trace/read_timeline.h"
 
 using namespace brevold;

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "host/fake_device.h"
+#include "host/workers.h"
 
 namespace brevold::host {
 

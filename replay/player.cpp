@@ -10,6 +10,7 @@
 #include "brevold/protocol.h"
 #include "host/device_profile.h"
 #include "host/driver.h"
+#include "host/workers.h"
 
 namespace brevold::replay {
 

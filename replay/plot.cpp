@@ -4,7 +4,7 @@
 #include <cmath>
 #include <filesystem>
 
-#include "base/output_file.h"
+#include "base/error.h"
 #include "base/text.h"
 #include "replay/gnuplot.h"
 #include "replay/plot_data.h"

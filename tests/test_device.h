@@ -12,6 +12,7 @@
 
 #include "brevold/brevold.h"
 #include "host/virtual_platform.h"
+#include "host/workers.h"
 
 namespace brevold::test {
 

@@ -10,6 +10,7 @@
 #include "host/device_profile.h"
 #include "host/driver.h"
 #include "host/fake_device.h"
+#include "host/workers.h"
 
 using namespace brevold::host;
 
