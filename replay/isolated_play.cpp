@@ -15,6 +15,7 @@
 
 #include "base/descriptor.h"
 #include "host/device_profile.h"
+#include "replay/child_process.h"
 #include "replay/player.h"
 
 namespace brevold::host {
@@ -86,14 +87,6 @@ Outcome playWithSettings(const trace::Timeline& timeline,
     _exit(writeAll(fd, bytes.str()) ? 0 : 1);
 }
 
-int waitForExit(pid_t child) {
-    int status = 0;
-    while (waitpid(child, &status, 0) < 0) {
-        if (errno != EINTR) throw std::runtime_error("waitpid: " + errnoText(errno));
-    }
-    return status;
-}
-
 }  // namespace
 
 Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::string>& settings) {
@@ -109,7 +102,7 @@ Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::s
 
     std::string bytes;
     const int readError = readAll(input.get(), &bytes) ? 0 : errno;
-    const int status = waitForExit(child);
+    const int status = waitForChild(child);
     if (WIFSIGNALED(status)) {
         throw std::runtime_error(std::string("the library ended the replay: ") +
                                  strsignal(WTERMSIG(status)));

@@ -1,4 +1,4 @@
-#include "replay/plot_data.h"
+#include "replay/plot_thinning.h"
 
 #include <gtest/gtest.h>
 
@@ -7,19 +7,19 @@
 namespace brevold::replay {
 namespace {
 
-TEST(PlotDataTest, KeepsWhatCanBeSeenOfEachColumn) {
+TEST(PlotThinningTest, KeepsFirstLastMinAndMaxOfEachColumn) {
     const double kBreak = std::nan("");
     const struct {
-        const char* what;
+        const char* name;
         PlotPoints points;
         PlotPoints kept;
     } cases[] = {
             {"none", {}, {}},
-            {"a value that stays", {{0.1, 7}, {0.2, 7}, {0.9, 7}}, {{0.1, 7}, {0.9, 7}}},
-            {"least before most",
+            {"a constant value", {{0.1, 7}, {0.2, 7}, {0.9, 7}}, {{0.1, 7}, {0.9, 7}}},
+            {"minimum before maximum",
              {{0.1, 5}, {0.2, 1}, {0.3, 4}, {0.4, 9}, {0.5, 6}, {1.5, 2}},
              {{0.1, 5}, {0.2, 1}, {0.4, 9}, {0.5, 6}, {1.5, 2}}},
-            {"most before least",
+            {"maximum before minimum",
              {{0.1, 5}, {0.2, 9}, {0.3, 4}, {0.4, 1}, {0.5, 6}},
              {{0.1, 5}, {0.2, 9}, {0.4, 1}, {0.5, 6}}},
             {"a gap of half a column", {{0.7, 1}, {1.2, kBreak}, {1.2, 2}}, {{0.7, 1}, {1.2, 2}}},
@@ -29,11 +29,11 @@ TEST(PlotDataTest, KeepsWhatCanBeSeenOfEachColumn) {
     };
     for (const auto& c : cases) {
         const PlotPoints kept = thin(c.points, 10, 10);
-        ASSERT_EQ(kept.size(), c.kept.size()) << c.what;
+        ASSERT_EQ(kept.size(), c.kept.size()) << c.name;
         for (size_t i = 0; i < kept.size(); ++i) {
-            EXPECT_EQ(kept[i].timeS, c.kept[i].timeS) << c.what << ", point " << i;
+            EXPECT_EQ(kept[i].timeS, c.kept[i].timeS) << c.name << ", point " << i;
             EXPECT_TRUE(kept[i].value == c.kept[i].value || std::isnan(c.kept[i].value))
-                    << c.what << ", point " << i;
+                    << c.name << ", point " << i;
         }
     }
 }
