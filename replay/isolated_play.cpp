@@ -75,12 +75,12 @@ Outcome playWithSettings(const trace::Timeline& timeline,
     }
 }
 
-// Without exceptions, as a child must not return into its parent's code.
+// An exception must not unwind into the parent's code.
 [[noreturn]] void runChild(const trace::Timeline& timeline,
                            const std::vector<std::string>& settings, pid_t parent,
                            int fd) noexcept {
-    // The parent may have ended before the request to end with it took effect.
     prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // The parent may have ended before prctl took effect.
     if (getppid() != parent) _exit(1);
     std::ostringstream bytes;
     cereal::BinaryOutputArchive{bytes}(playWithSettings(timeline, settings));
@@ -92,7 +92,7 @@ Outcome playWithSettings(const trace::Timeline& timeline,
 Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::string>& settings) {
     int fds[2];
     if (pipe(fds) != 0) throw std::runtime_error("no pipe for the replay: " + errnoText(errno));
-    const Descriptor input(fds[0]);
+    Descriptor input(fds[0]);
     Descriptor output(fds[1]);
     const pid_t parent = getpid();
     const pid_t child = fork();
@@ -102,7 +102,11 @@ Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::s
 
     std::string bytes;
     const int readError = readAll(input.get(), &bytes) ? 0 : errno;
+    input.reset();
     const int status = waitForChild(child);
+    if (readError != 0) {
+        throw std::runtime_error("the replay cannot be read: " + errnoText(readError));
+    }
     if (WIFSIGNALED(status)) {
         throw std::runtime_error(std::string("the library ended the replay: ") +
                                  strsignal(WTERMSIG(status)));
@@ -111,10 +115,6 @@ Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::s
         throw std::runtime_error("the library ended the replay: exit status " +
                                  std::to_string(WEXITSTATUS(status)));
     }
-    if (readError != 0) {
-        throw std::runtime_error("the replay cannot be read: " + errnoText(readError));
-    }
-
     Outcome outcome;
     std::istringstream stream(bytes);
     cereal::BinaryInputArchive{stream}(outcome);

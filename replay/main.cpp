@@ -103,8 +103,7 @@ bool run(const Options& options) {
 int main(int argc, char** argv) {
     CLI::App app(
             "Plays a recorded trace to libbrevold in the trace's own time and reports the hints "
-            "that "
-            "the library sent to the performance service.",
+            "that the library sent to the performance service.",
             "brevold-replay");
     Options options;
     addOptions(app, options);
