@@ -30,8 +30,8 @@ OutputFile::OutputFile(std::string path) : mPath(std::move(path)) {
         if (!file.isOpen()) fail("cannot be opened for writing");
     } else {
         mTarget = linkTarget(mPath);
-        mTemporary = std::make_unique<TemporaryFile>(mTarget, exists ? &status : nullptr);
-        file = mTemporary->takeDescriptor();
+        mPartial = std::make_unique<PartialFile>(mTarget, exists ? &status : nullptr);
+        file = mPartial->takeDescriptor();
     }
     mStream = std::make_unique<DescriptorStream>(std::move(file));
 }
@@ -40,7 +40,7 @@ void OutputFile::commit() {
     errno = 0;
     mStream->flush();
     if (!*mStream) fail("cannot be written");
-    if (mTemporary != nullptr && !mTemporary->rename(mTarget)) fail("cannot be written");
+    if (mPartial != nullptr && !mPartial->rename(mTarget)) fail("cannot be written");
 }
 
 void OutputFile::fail(const char* problem) const {

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "base/descriptor_stream.h"
-#include "base/temporary_file.h"
+#include "base/partial_file.h"
 
 namespace brevold {
 
@@ -31,7 +31,7 @@ class OutputFile {
 
     const std::string mPath;
     std::string mTarget;  // the file to replace; empty if written directly
-    std::unique_ptr<TemporaryFile> mTemporary;
+    std::unique_ptr<PartialFile> mPartial;
     std::unique_ptr<DescriptorStream> mStream;
 };
 

@@ -124,7 +124,7 @@ TEST_F(OutputFileTest, WritesDirectlyWhatIsNotARegularFile) {
     EXPECT_EQ(fileCount(), 5);
 }
 
-TEST_F(OutputFileTest, ASignalRemovesTheTemporaryFile) {
+TEST_F(OutputFileTest, ASignalRemovesThePartialFile) {
     for (const int signal : {SIGINT, SIGTERM}) {
         const pid_t child = fork();
         if (child == 0) {

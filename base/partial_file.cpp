@@ -1,4 +1,4 @@
-#include "base/temporary_file.h"
+#include "base/partial_file.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -66,7 +66,7 @@ mode_t modeOfNewFiles() {
 
 }  // namespace
 
-TemporaryFile::TemporaryFile(const std::string& target, const struct stat* replaced)
+PartialFile::PartialFile(const std::string& target, const struct stat* replaced)
       : mPath(target + ".XXXXXX"), mSlot(0) {
     installHandlers();
     while (mSlot < kMaxFiles && gPaths[mSlot].load() != nullptr)
@@ -83,12 +83,12 @@ TemporaryFile::TemporaryFile(const std::string& target, const struct stat* repla
     fchmod(mFile.get(), replaced != nullptr ? replaced->st_mode & 07777 : modeOfNewFiles());
 }
 
-TemporaryFile::~TemporaryFile() {
+PartialFile::~PartialFile() {
     const SignalBlock block;
     if (gPaths[mSlot].exchange(nullptr) != nullptr && !mPath.empty()) unlink(mPath.c_str());
 }
 
-bool TemporaryFile::rename(const std::string& target) {
+bool PartialFile::rename(const std::string& target) {
     const SignalBlock block;
     if (std::rename(mPath.c_str(), target.c_str()) != 0) return false;
     gPaths[mSlot] = nullptr;

@@ -15,16 +15,16 @@ namespace brevold {
  *
  * At most 16 exist at a time. Create and destroy them on one thread.
  */
-class TemporaryFile {
+class PartialFile {
   public:
     /**
      * Creates "<target>.XXXXXX". It gets the mode of `replaced`, and its owner where permitted; the
      * mode of a new file if that is null. Throws OutputError, naming the target.
      */
-    TemporaryFile(const std::string& target, const struct stat* replaced);
-    ~TemporaryFile();
-    TemporaryFile(const TemporaryFile&) = delete;
-    TemporaryFile& operator=(const TemporaryFile&) = delete;
+    PartialFile(const std::string& target, const struct stat* replaced);
+    ~PartialFile();
+    PartialFile(const PartialFile&) = delete;
+    PartialFile& operator=(const PartialFile&) = delete;
 
     /** The open file; the caller takes it once. */
     Descriptor takeDescriptor() { return std::move(mFile); }
