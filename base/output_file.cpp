@@ -2,9 +2,10 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <utility>
+
+#include "base/descriptor.h"
 
 namespace brevold {
 
@@ -41,8 +42,7 @@ void OutputFile::commit() {
 }
 
 void OutputFile::fail(const char* what) const {
-    throw OutputError(mPath + ": " + what +
-                      (errno == 0 ? "" : std::string(": ") + strerror(errno)));
+    throw OutputError(mPath + ": " + what + (errno == 0 ? "" : ": " + errnoText(errno)));
 }
 
 }  // namespace brevold

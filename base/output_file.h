@@ -1,23 +1,20 @@
 #pragma once
 
 #include <fstream>
-#include <stdexcept>
 #include <string>
+
+#include "base/error.h"
 
 namespace brevold {
 
-struct OutputError : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
 /**
- * A file that gets its name only when it is whole. Until commit() the bytes stand under a name of
- * their own beside it, which goes away with the object. What is no regular file (a pipe, a device)
- * is written to directly.
+ * An output file that appears under its path only when it is complete. Until commit() the bytes go
+ * to "<path>.part", which the destructor removes. A path that exists and is not a regular file (a
+ * pipe, a device) is written directly.
  */
 class OutputFile {
   public:
-    /** Throws OutputError when the file cannot be created. */
+    /** Throws OutputError if the file cannot be created. */
     explicit OutputFile(std::string path);
     ~OutputFile();
     OutputFile(const OutputFile&) = delete;
@@ -25,7 +22,7 @@ class OutputFile {
 
     std::ostream& stream() { return mStream; }
 
-    /** Gives the file its name. Throws OutputError when something could not be written. */
+    /** Completes the file. Throws OutputError if any of the bytes could not be written. */
     void commit();
 
   private:
