@@ -6,7 +6,8 @@
 
 #include "base/text.h"
 #include "replay/hint_span.h"
-#include "trace/ftrace_reader.h"
+#include "trace/event_line.h"
+#include "trace/line_reader.h"
 
 namespace brevold::replay {
 
@@ -157,12 +158,12 @@ class LineMaker {
 
 }  // namespace
 
-void writeTrace(std::istream& input, const std::string& path, const trace::Timeline& timeline,
+void writeTrace(trace::ByteSource& text, const std::string& path, const trace::Timeline& timeline,
                 const trace::TraceForm& form, const Recording& recording, std::ostream& out) {
     const std::vector<AddedLine> added = LineMaker(form, timeline.endNs).make(recording);
     auto next = added.begin();
     int64_t timeNs = timeline.startNs;
-    trace::LineReader lines(input, path);
+    trace::LineReader lines(text, path);
     std::string_view line;
     while (lines.next(&line)) {
         trace::EventLine event;

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <istream>
 #include <ostream>
 #include <string>
 
 #include "replay/recording.h"
+#include "trace/byte_source.h"
 #include "trace/timeline.h"
 #include "trace/trace_form.h"
 
@@ -17,9 +17,9 @@ namespace brevold::replay {
  * thread of its own, a section for as long as a hint holds. The added threads belong to the
  * compositor's process and have ids that the trace does not use.
  *
- * The input is the text that the timeline was read from; messages call it by the path.
+ * `text` is the text from which the timeline was read. Error messages begin with `path`.
  */
-void writeTrace(std::istream& input, const std::string& path, const trace::Timeline& timeline,
+void writeTrace(trace::ByteSource& text, const std::string& path, const trace::Timeline& timeline,
                 const trace::TraceForm& form, const Recording& recording, std::ostream& out);
 
 }  // namespace brevold::replay
