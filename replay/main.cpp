@@ -30,7 +30,7 @@ void writeHints(const std::string& path, const Recording& recording) {
 void writeTrace(const std::string& path, trace::TraceInput& input, const trace::Timeline& timeline,
                 const trace::TraceForm& form, const Recording& recording) {
     OutputFile file(path);
-    writeTrace(input.openText(), input.name(), timeline, form, recording, file.stream());
+    writeTrace(input.open(), input.name(), timeline, form, recording, file.stream());
     file.commit();
 }
 
@@ -43,9 +43,10 @@ void writePlot(const std::string& path, const std::string& trace, const trace::T
 
 /** Replays one trace and writes its files. Also prints the summary if it is the only trace. */
 TraceResult replayTrace(const std::string& path, const Options& options) {
-    trace::TraceInput input(path);
+    trace::TraceInput input(
+            path, options.traceOut.empty() ? trace::Reading::Once : trace::Reading::Repeated);
     const std::string& trace = input.name();
-    if (!options.traceOut.empty() && input.kind() != trace::TraceInput::Kind::Ftrace) {
+    if (!options.traceOut.empty() && input.kind() == trace::TraceInput::Kind::LatencyDump) {
         throw InputError(trace + ": is a latency dump, and --trace-out needs a trace");
     }
     trace::TraceForm form;

@@ -6,7 +6,8 @@
 #include <cmath>
 
 #include "replay/hint_span.h"
-#include "trace/ftrace_reader.h"
+#include "trace/event_line.h"
+#include "trace/line_reader.h"
 
 namespace brevold::replay {
 
@@ -163,12 +164,12 @@ class LineBuilder {
 
 }  // namespace
 
-void writeTrace(std::istream& input, const std::string& path, const trace::Timeline& timeline,
+void writeTrace(trace::ByteSource& text, const std::string& path, const trace::Timeline& timeline,
                 const trace::TraceForm& form, const Recording& recording, std::ostream& out) {
     const std::vector<AddedLine> added = LineBuilder(form, timeline.endNs).build(recording);
     auto next = added.begin();
     int64_t timeNs = timeline.startNs;
-    trace::LineReader lines(input, path);
+    trace::LineReader lines(text, path);
     std::string_view line;
     while (lines.next(&line)) {
         trace::EventLine event;

@@ -1,10 +1,10 @@
 #pragma once
 
-#include <istream>
 #include <ostream>
 #include <string>
 
 #include "replay/recording.h"
+#include "trace/byte_source.h"
 #include "trace/timeline.h"
 #include "trace/trace_form.h"
 
@@ -20,9 +20,9 @@ namespace brevold::replay {
  *
  * The added threads belong to the compositor's process and have ids that the trace does not use.
  *
- * `input` is the text from which the timeline was read; `path` is its name in messages.
+ * `text` is the text from which the timeline was read; `path` is its name in messages.
  */
-void writeTrace(std::istream& input, const std::string& path, const trace::Timeline& timeline,
+void writeTrace(trace::ByteSource& text, const std::string& path, const trace::Timeline& timeline,
                 const trace::TraceForm& form, const Recording& recording, std::ostream& out);
 
 }  // namespace brevold::replay

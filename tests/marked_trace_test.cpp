@@ -1,7 +1,6 @@
 #include "replay/marked_trace.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <fstream>
 #include <sstream>
@@ -9,8 +8,9 @@
 
 #include "host/device_profile.h"
 #include "replay/isolated_play.h"
-#include "trace/ftrace_reader.h"
 #include "trace/read_timeline.h"
+#include "trace/string_source.h"
+#include "trace/text_mark_reader.h"
 
 namespace brevold::replay {
 namespace {
@@ -27,7 +27,7 @@ TEST(MarkedTraceTest, KeepsTheTraceAndAddsEveryMarkOfTheLibrary) {
     const trace::Timeline timeline = trace::readTimeline(input, {}, &form);
     const Recording recording = playIsolated(timeline, {});
     std::stringstream output;
-    writeTrace(input.openText(), path, timeline, form, recording, output);
+    writeTrace(input.open(), path, timeline, form, recording, output);
 
     std::ifstream original(path);
     std::stringstream added;
@@ -43,15 +43,16 @@ TEST(MarkedTraceTest, KeepsTheTraceAndAddsEveryMarkOfTheLibrary) {
     }
     EXPECT_FALSE(original) << "missing or changed line: " << expected;
 
-    trace::FtraceReader reader(added, "added");
+    trace::StringSource addedSource(added.str());
+    trace::TextMarkReader reader(addedSource, "added");
     std::vector<Mark> marks;
     for (trace::TraceMark mark; reader.next(&mark);) {
-        const std::string task = reader.threads().at(mark.tid);
+        const std::string task = reader.form().threads.at(mark.tid);
         if (mark.kind == trace::TraceMark::Kind::Counter || task.rfind("hints", 0) == 0) continue;
         marks.emplace_back(mark.timeNs, task, mark.kind == trace::TraceMark::Kind::Begin,
                            mark.name);
     }
-    EXPECT_EQ(reader.strayLines() + reader.backwardLines(), 0);
+    EXPECT_TRUE(reader.warnings().empty());
 
     std::vector<Mark> emitted;
     for (const host::TraceMark& mark : recording.traceMarks) {
@@ -93,10 +94,7 @@ TEST(MarkedTraceTest, UsesTheNotationOfTheTrace) {
         const std::string last = line("sf-90  ", "    1.0300", "B|90|x") + "# end\n";
         const std::string text = head + middle + last;
 
-        const std::string path = testing::TempDir() + "marked" + std::to_string(getpid());
-        std::ofstream(path) << text;
-        trace::TraceInput read(path);
-        unlink(path.c_str());
+        trace::TraceInput read(std::make_unique<trace::StringSource>(text), "trace");
         trace::TraceForm form;
         const trace::Timeline timeline = trace::readTimeline(read, {}, &form);
         Recording recording;
@@ -133,9 +131,8 @@ TEST(MarkedTraceTest, UsesTheNotationOfTheTrace) {
                 line(kSf, "    1.0200", "B|90|jank boost 10.000") + line(kSf, "    1.0200", "E") +
                 counter("    1.0200", "boost|0") + last + line(kQb, "    1.0300", "E") +
                 line(kRate, "    1.0300", "E");
-        std::istringstream input(text);
         std::ostringstream output;
-        writeTrace(input, "trace", timeline, form, recording, output);
+        writeTrace(read.open(), read.name(), timeline, form, recording, output);
         EXPECT_EQ(output.str(), expected);
     }
 }
