@@ -14,7 +14,7 @@ struct ModeChange {
     int32_t mode;
 };
 
-/** What the library did on a timeline. All lists are in time order. */
+/** The library's behaviour during a replay. All lists are in time order. */
 struct Recording {
     /** The result of brevoldInit. */
     bool isAnyFeatureOn = false;
