@@ -18,7 +18,7 @@ sanitizer_packages=(
     llvm # llvm-symbolizer, for the reports
 )
 arm64_packages=(lld qemu-user)
-# What clang brings on the build machine.
+# The parts of the sysroot that come with clang on the build machine.
 arm64_sysroot_packages=(libc6-dev libgcc-12-dev)
 # Format checks, the second compiler and the test of the plots.
 ci_packages=(clang-format blueprint-tools g++ make git gnuplot-nox)
