@@ -93,7 +93,7 @@ class Player {
         info.sfTime = mLastCompositionNs;
         info.lastMaxQueuedFrames = event.depth;
         info.refreshPeriod = mPeriodNs;
-        // The library forgets the mode with the first frame of the layer that it tracks.
+        // The library resets the mode at the first frame of the layer that it tracks.
         if (layer == mTimeline.focusedLayer && info.lastQbTime == kNoFrameYet) {
             setMode(event.timeNs, android::kModeUnclassified);
         }

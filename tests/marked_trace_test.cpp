@@ -19,7 +19,7 @@ const std::string kExamples = BREVOLD_EXAMPLES;
 
 using Mark = std::tuple<int64_t, std::string, bool, std::string>;
 
-TEST(TraceOutTest, HoldsTheTraceAndEveryMarkOfTheLibrary) {
+TEST(MarkedTraceTest, KeepsTheTraceAndAddsEveryMarkOfTheLibrary) {
     host::loadProfile(kExamples + "/everything-on.profile");
     const std::string path = kExamples + "/game-120hz-falls-behind.ftrace.txt";
     trace::TraceInput input(path);
@@ -41,7 +41,7 @@ TEST(TraceOutTest, HoldsTheTraceAndEveryMarkOfTheLibrary) {
             added << line << '\n';
         }
     }
-    EXPECT_FALSE(original) << "lacks or changes the line " << expected;
+    EXPECT_FALSE(original) << "missing or changed line: " << expected;
 
     trace::StringSource addedSource(added.str());
     trace::TextMarkReader reader(addedSource, "added");
@@ -68,7 +68,7 @@ host::Hint hintAt(int64_t timeNs, host::HintKind kind, int32_t durationMs, uint3
     return {timeNs, kind, 0, durationMs, type, scale, 0, 0};
 }
 
-TEST(TraceOutTest, AddsMarksInTheFormOfTheTrace) {
+TEST(MarkedTraceTest, UsesTheNotationOfTheTrace) {
     const struct {
         std::string columns;
         std::string event;
@@ -84,7 +84,7 @@ TEST(TraceOutTest, AddsMarksInTheFormOfTheTrace) {
             return thread + style.columns + time + style.decimals + style.event +
                    (mark == "E" ? style.end : mark) + "\n";
         };
-        // The second line's thread has the id that an added one would get.
+        // The thread of the second line has the first id that would be added.
         const std::string head = "# comment\n" +
                                  line("sf-90  ", "    1.0000", "C|90|BufferTX - a#1|1") +
                                  line("app-4194305", "    1.0005", "B|90|commit") + "stray\n";

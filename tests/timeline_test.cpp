@@ -258,7 +258,7 @@ TEST(TimelineTest, ReadsTheEvents) {
              "5\t84000000\t75000000\n90000000\t9223372036854775807\t80000000\n0\t0\t90000000\n\n",
              "100 16666666 100layer#0=1 200layer#0=2 333< 333layer#0=1 333> 500| 503< "
              "503layer#0=0 503> 670| 750layer#0=1 750< 750layer#0=0 750> 840| to 840; layer#0*3 ; "
-             "present times, less a refresh, present times"},
+             "present times minus a refresh period, present times"},
     };
     for (const auto& [bytes, timeline] : cases) {
         for (const size_t maxRead : {size_t(1), size_t(64), kWhole})
