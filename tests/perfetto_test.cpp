@@ -17,6 +17,7 @@
 #include "tests/gzip.h"
 #include "tests/proto_writer.h"
 #include "trace/event_line.h"
+#include "trace/expansion_limit.h"
 #include "trace/perfetto_packets.h"
 #include "trace/perfetto_reader.h"
 #include "trace/read_timeline.h"
@@ -290,6 +291,43 @@ TEST(PerfettoTest, ReportsTracesThatItCannotUse) {
             errorOf(filler + "\n" + endless),
             fmt::format("trace: is damaged at byte {}, where no packet of a Perfetto trace begins",
                         filler.size()));
+}
+
+TEST(PerfettoTest, RefusesPacketsThatExpandTooFar) {
+    const std::string filler = packet(Proto().text(33, std::string(size_t{1} << 20, '\0')));
+    const std::string compressed = packet(compressedPackets(filler + filler + filler + filler));
+    std::string bytes = packet(ftraceBundle(frames()));
+    for (int i = 0; i < 64; ++i)
+        bytes += compressed;
+    const std::string error = errorOf(bytes);
+    EXPECT_NE(error.find("trace: expected a compressed trace, got "), std::string::npos) << error;
+    EXPECT_NE(error.find(" bytes that expand to more than 256 MiB"), std::string::npos) << error;
+}
+
+TEST(PerfettoTest, LimitsTheExpansion) {
+    constexpr size_t kMiB = size_t{1} << 20;
+    const struct {
+        size_t compressed;
+        size_t expanded;
+        bool isRefused;
+    } cases[] = {
+            {1, 256 * kMiB, false},
+            {1, 256 * kMiB + 1, true},
+            {300'000, 300'000'000, false},
+            {300'000, 300'000'001, true},
+            {kMiB * 1024, kMiB * 4096, false},
+            {kMiB * 1024, kMiB * 4096 + 1, true},
+    };
+    for (const auto& one : cases) {
+        ExpansionLimit limit("trace");
+        limit.addCompressed(one.compressed);
+        limit.addExpanded(one.expanded - 1);
+        if (one.isRefused) {
+            EXPECT_THROW(limit.addExpanded(1), InputError) << one.expanded;
+        } else {
+            EXPECT_NO_THROW(limit.addExpanded(1)) << one.expanded;
+        }
+    }
 }
 
 TEST(PerfettoTest, NamesThreadsAndFindsTheLastSequence) {
