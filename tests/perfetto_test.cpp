@@ -196,6 +196,7 @@ TEST(PerfettoTest, WarnsOfLossAndDamage) {
             {"incomplete zlib",
              bytes + packet(Proto().text(50, zlib.substr(0, zlib.size() - 8))),
              {"damaged packets: 1"}},
+            {"bytes after zlib", bytes + packet(Proto().text(50, zlib + zlib)), {}},
             {"incomplete packet in zlib",
              packet(compressedPackets(bytes + incomplete)),
              {"damaged packets: 1"}},
@@ -248,6 +249,19 @@ TEST(PerfettoTest, TimesAreThoseOfAllEvents) {
                  packet(ftraceBundle({ftraceEvent(0xffff'ffff'0000'0000, 9, "")})));
     EXPECT_EQ(timeline.startNs, 500'000'001);
     EXPECT_EQ(timeline.endNs, 3'000'000'000);
+}
+
+TEST(PerfettoTest, SortsTheEventsOfABundle) {
+    std::vector<Proto> events = frames();
+    const std::string expected = describe(read(packet(ftraceBundle(events))));
+    // The commit is 1 ms before the latch in it.
+    std::swap(events[1], events[2]);
+    EXPECT_EQ(describe(read(packet(ftraceBundle(events)))), expected);
+
+    // An event with a field of an unknown type; those before it count.
+    const std::string damaged = packet(ftraceBundle(events, Proto().text(2, "\x0f")));
+    EXPECT_EQ(describe(read(damaged)), expected);
+    EXPECT_EQ(warningsOf(damaged), Texts{"damaged packets: 1"});
 }
 
 TEST(PerfettoTest, RecognisesTheFormatByItsFirstBytes) {
@@ -343,7 +357,7 @@ TEST(PerfettoTest, NamesThreadsAndFindsTheLastSequence) {
     read(packet(Proto().message(2, process(90, "/system/bin/compositor")
                                            .append(thread(91, "old"))
                                            .append(thread(92, "")))) +
-                 packet(Proto().message(2, process(91, "ignored").append(thread(91, "Binder:1")))) +
+                 packet(Proto().message(2, thread(91, "Binder:1").append(process(91, "ignored")))) +
                  packet(Proto().message(60, track)) +
                  packet(compressedPackets(Proto().message(1, Proto().number(10, 300)).bytes())) +
                  packet(ftraceBundle(framesAnd(ftraceEvent(2'000'000'000, 93, "E")))),
@@ -365,12 +379,15 @@ std::string frameBegin(uint64_t cookie, const std::string& layer, uint64_t prese
     return packet(Proto().number(8, 10).number(58, 3).message(76, Proto().message(4, frame)));
 }
 
+std::string frameEnd(uint64_t cookie) {
+    const Proto end = Proto().message(5, Proto().number(1, cookie));
+    return packet(Proto().number(8, 20).message(76, end));
+}
+
 /** The packets of a frame in the frame timeline, from 10 ns, in another clock, to 20 ns. */
 std::string judgedFrame(uint64_t cookie, const std::string& layer, uint64_t present,
                         uint64_t jank = 1) {
-    const Proto end = Proto().message(5, Proto().number(1, cookie));
-    return frameBegin(cookie, layer, present, jank) +
-           packet(Proto().number(8, 20).message(76, end));
+    return frameBegin(cookie, layer, present, jank) + frameEnd(cookie);
 }
 
 TEST(PerfettoTest, TakesTheVerdictsOnTheFocusedLayersFrames) {
@@ -386,7 +403,7 @@ TEST(PerfettoTest, TakesTheVerdictsOnTheFocusedLayersFrames) {
                  judgedFrame(4, layer, 3) + judgedFrame(5, layer, 4) +
                  judgedFrame(6, layer, 2, 64 | 1024) + judgedFrame(7, layer, 5) +
                  judgedFrame(8, layer, 77) + judgedFrame(9, layer.substr(5), 2) + expected +
-                 frameBegin(10, layer, 2, 64) + bytes);
+                 frameBegin(10, layer, 2, 64) + frameEnd(1) + bytes);
     ASSERT_TRUE(timeline.judgedFrames);
     using Verdict = FrameVerdict;
     std::vector<Verdict> verdicts;
