@@ -153,15 +153,21 @@ TEST(PerfettoTest, EqualsTheTextOfTheSameTrace) {
     }
 }
 
+const std::string kCounter = "C|90|BufferTX - com.example/com.example.Main#7|";
+
 /** Two frames of a layer, queued and latched on a compositor's threads. */
-std::vector<Proto> frames(uint64_t startNs = 1'000'000'000) {
-    const std::string counter = "C|90|BufferTX - com.example/com.example.Main#7|";
-    return {ftraceEvent(startNs, 91, counter + "1"),
-            ftraceEvent(startNs + 5'000'000, 90, "B|90|commit"),
-            ftraceEvent(startNs + 6'000'000, 90, counter + "0"),
-            ftraceEvent(startNs + 7'000'000, 90, "E|90"),
-            ftraceEvent(startNs + 16'000'000, 91, counter + "1"),
-            ftraceEvent(startNs + 22'000'000, 90, counter + "0")};
+std::vector<Proto> frames() {
+    constexpr uint64_t kStartNs = 1'000'000'000;
+    return {ftraceEvent(kStartNs, 91, kCounter + "1"),
+            ftraceEvent(kStartNs + 5'000'000, 90, "B|90|commit"),
+            ftraceEvent(kStartNs + 6'000'000, 90, kCounter + "0"),
+            ftraceEvent(kStartNs + 7'000'000, 90, "E|90"),
+            ftraceEvent(kStartNs + 16'000'000, 91, kCounter + "1"),
+            ftraceEvent(kStartNs + 22'000'000, 90, kCounter + "0")};
+}
+
+Proto depthAt(uint64_t timeNs, int depth) {
+    return ftraceEvent(timeNs, depth == 0 ? 90 : 91, kCounter + std::to_string(depth));
 }
 
 std::vector<Proto> framesAnd(const Proto& event) {
@@ -196,7 +202,7 @@ TEST(PerfettoTest, WarnsOfLossAndDamage) {
             {"incomplete zlib",
              bytes + packet(Proto().text(50, zlib.substr(0, zlib.size() - 8))),
              {"damaged packets: 1"}},
-            {"bytes after zlib", bytes + packet(Proto().text(50, zlib + zlib)), {}},
+            {"bytes after zlib", bytes + packet(Proto().text(50, zlib + "x")), {}},
             {"incomplete packet in zlib",
              packet(compressedPackets(bytes + incomplete)),
              {"damaged packets: 1"}},
@@ -234,8 +240,7 @@ TEST(PerfettoTest, WarnsOfLossAndDamage) {
              packet(ftraceBundle(framesAnd(ftraceEvent(1'030'000'000, 9, "C|9|a|b")))),
              {"counters skipped because their value is not a number: 1"}},
             {"jump",
-             packet(ftraceBundle(framesAnd(ftraceEvent(
-                     1'030'000'000, 90, "C|90|BufferTX - com.example/com.example.Main#7|2")))),
+             packet(ftraceBundle(framesAnd(depthAt(1'030'000'000, 2)))),
              {"queue depths that change by more than one: 1"}},
     };
     for (const auto& one : cases)
@@ -251,16 +256,25 @@ TEST(PerfettoTest, TimesAreThoseOfAllEvents) {
     EXPECT_EQ(timeline.endNs, 3'000'000'000);
 }
 
-TEST(PerfettoTest, SortsTheEventsOfABundle) {
-    std::vector<Proto> events = frames();
-    const std::string expected = describe(read(packet(ftraceBundle(events))));
-    // The commit is 1 ms before the latch in it.
-    std::swap(events[1], events[2]);
-    EXPECT_EQ(describe(read(packet(ftraceBundle(events)))), expected);
+TEST(PerfettoTest, SortsEventsByTimeThenByPosition) {
+    const std::vector<Proto> depths = {depthAt(1'030'000'000, 1), depthAt(1'030'500'000, 2),
+                                       depthAt(1'031'000'000, 0), depthAt(1'031'000'000, 1),
+                                       depthAt(1'031'000'000, 2), depthAt(1'031'000'000, 0)};
+    std::vector<Proto> swapped = depths;
+    std::swap(swapped[0], swapped[1]);
+    std::string separate;
+    for (const Proto& event : depths)
+        separate += packet(ftraceBundle({event}));
+    const std::string expected = describe(read(packet(ftraceBundle(depths))));
+    EXPECT_EQ(describe(read(packet(ftraceBundle(swapped)))), expected);
+    EXPECT_EQ(describe(read(separate)), expected);
+}
 
-    // An event with a field of an unknown type; those before it count.
-    const std::string damaged = packet(ftraceBundle(events, Proto().text(2, "\x0f")));
-    EXPECT_EQ(describe(read(damaged)), expected);
+TEST(PerfettoTest, KeepsTheEventsBeforeDamage) {
+    // An event with a field of an unknown type.
+    const std::string damaged =
+            packet(ftraceBundle(frames(), Proto().text(2, "\x0f").message(2, depthAt(1, 1))));
+    EXPECT_EQ(describe(read(damaged)), describe(read(packet(ftraceBundle(frames())))));
     EXPECT_EQ(warningsOf(damaged), Texts{"damaged packets: 1"});
 }
 
@@ -281,6 +295,7 @@ TEST(PerfettoTest, RecognisesTheFormatByItsFirstBytes) {
             {"a text after a newline", "\n# tracer: nop\n#\n a-1 [000] 1.000000: 0: E\n", false},
             {"a latency dump after a newline", "\n16666666\n0\t0\t0\n", false},
             {"a field of another type", Proto().message(1, Proto().number(1, 5)).bytes(), false},
+            {"a field longer than its packet", Proto().text(1, "\x0a\x7f").bytes() + bytes, false},
             {"another field of the trace", Proto().message(2, Proto().number(8, 5)).bytes(), false},
             {"damaged second packet", bytes + "x", false},
     };
