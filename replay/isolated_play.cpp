@@ -46,9 +46,14 @@ void serialize(Archive& archive, ModeChange& change) {
 }
 
 template <typename Archive>
+void serialize(Archive& archive, RecordedMark& mark) {
+    archive(mark.mark, mark.callerTid);
+}
+
+template <typename Archive>
 void serialize(Archive& archive, Recording& recording) {
     archive(recording.isAnyFeatureOn, recording.hints, recording.modes, recording.verdictTimesNs,
-            recording.log, recording.threads, recording.traceMarks);
+            recording.log, recording.threads, recording.marks);
 }
 
 namespace {

@@ -25,6 +25,8 @@ struct TraceForm {
     std::unordered_map<int32_t, std::string> threads;
     int32_t compositorPid = 0;
     int32_t compositorTid = 0;
+    /** The trace has sections of the library, recorded on a device or added by a replay. */
+    bool hasLibraryMarks = false;
 };
 
 }  // namespace brevold::trace
