@@ -58,7 +58,7 @@ void serialize(Archive& archive, Recording& recording) {
 
 namespace {
 
-/** What the child sends to its parent. */
+/** The child's message to its parent. */
 struct Outcome {
     std::string error;  // empty if the recording is valid
     Recording recording;

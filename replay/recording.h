@@ -21,7 +21,7 @@ struct RecordedMark {
     int32_t callerTid;
 };
 
-/** What the library did on a timeline. All lists are in time order. */
+/** The library's behaviour during a replay. All lists are in time order. */
 struct Recording {
     /** The result of brevoldInit. */
     bool isAnyFeatureOn = false;

@@ -17,6 +17,7 @@
 #include "tests/gzip.h"
 #include "tests/proto_writer.h"
 #include "trace/event_line.h"
+#include "trace/expansion_limit.h"
 #include "trace/perfetto_packets.h"
 #include "trace/perfetto_reader.h"
 #include "trace/read_timeline.h"
@@ -152,15 +153,21 @@ TEST(PerfettoTest, EqualsTheTextOfTheSameTrace) {
     }
 }
 
+const std::string kCounter = "C|90|BufferTX - com.example/com.example.Main#7|";
+
 /** Two frames of a layer, queued and latched on a compositor's threads. */
-std::vector<Proto> frames(uint64_t startNs = 1'000'000'000) {
-    const std::string counter = "C|90|BufferTX - com.example/com.example.Main#7|";
-    return {ftraceEvent(startNs, 91, counter + "1"),
-            ftraceEvent(startNs + 5'000'000, 90, "B|90|commit"),
-            ftraceEvent(startNs + 6'000'000, 90, counter + "0"),
-            ftraceEvent(startNs + 7'000'000, 90, "E|90"),
-            ftraceEvent(startNs + 16'000'000, 91, counter + "1"),
-            ftraceEvent(startNs + 22'000'000, 90, counter + "0")};
+std::vector<Proto> frames() {
+    constexpr uint64_t kStartNs = 1'000'000'000;
+    return {ftraceEvent(kStartNs, 91, kCounter + "1"),
+            ftraceEvent(kStartNs + 5'000'000, 90, "B|90|commit"),
+            ftraceEvent(kStartNs + 6'000'000, 90, kCounter + "0"),
+            ftraceEvent(kStartNs + 7'000'000, 90, "E|90"),
+            ftraceEvent(kStartNs + 16'000'000, 91, kCounter + "1"),
+            ftraceEvent(kStartNs + 22'000'000, 90, kCounter + "0")};
+}
+
+Proto depthAt(uint64_t timeNs, int depth) {
+    return ftraceEvent(timeNs, depth == 0 ? 90 : 91, kCounter + std::to_string(depth));
 }
 
 std::vector<Proto> framesAnd(const Proto& event) {
@@ -195,6 +202,7 @@ TEST(PerfettoTest, WarnsOfLossAndDamage) {
             {"incomplete zlib",
              bytes + packet(Proto().text(50, zlib.substr(0, zlib.size() - 8))),
              {"damaged packets: 1"}},
+            {"bytes after zlib", bytes + packet(Proto().text(50, zlib + "x")), {}},
             {"incomplete packet in zlib",
              packet(compressedPackets(bytes + incomplete)),
              {"damaged packets: 1"}},
@@ -232,8 +240,7 @@ TEST(PerfettoTest, WarnsOfLossAndDamage) {
              packet(ftraceBundle(framesAnd(ftraceEvent(1'030'000'000, 9, "C|9|a|b")))),
              {"counters skipped because their value is not a number: 1"}},
             {"jump",
-             packet(ftraceBundle(framesAnd(ftraceEvent(
-                     1'030'000'000, 90, "C|90|BufferTX - com.example/com.example.Main#7|2")))),
+             packet(ftraceBundle(framesAnd(depthAt(1'030'000'000, 2)))),
              {"queue depths that change by more than one: 1"}},
     };
     for (const auto& one : cases)
@@ -247,6 +254,28 @@ TEST(PerfettoTest, TimesAreThoseOfAllEvents) {
                  packet(ftraceBundle({ftraceEvent(0xffff'ffff'0000'0000, 9, "")})));
     EXPECT_EQ(timeline.startNs, 500'000'001);
     EXPECT_EQ(timeline.endNs, 3'000'000'000);
+}
+
+TEST(PerfettoTest, SortsEventsByTimeThenByPosition) {
+    const std::vector<Proto> depths = {depthAt(1'030'000'000, 1), depthAt(1'030'500'000, 2),
+                                       depthAt(1'031'000'000, 0), depthAt(1'031'000'000, 1),
+                                       depthAt(1'031'000'000, 2), depthAt(1'031'000'000, 0)};
+    std::vector<Proto> swapped = depths;
+    std::swap(swapped[0], swapped[1]);
+    std::string separate;
+    for (const Proto& event : depths)
+        separate += packet(ftraceBundle({event}));
+    const std::string expected = describe(read(packet(ftraceBundle(depths))));
+    EXPECT_EQ(describe(read(packet(ftraceBundle(swapped)))), expected);
+    EXPECT_EQ(describe(read(separate)), expected);
+}
+
+TEST(PerfettoTest, KeepsTheEventsBeforeDamage) {
+    // An event with a field of an unknown type.
+    const std::string damaged =
+            packet(ftraceBundle(frames(), Proto().text(2, "\x0f").message(2, depthAt(1, 1))));
+    EXPECT_EQ(describe(read(damaged)), describe(read(packet(ftraceBundle(frames())))));
+    EXPECT_EQ(warningsOf(damaged), Texts{"damaged packets: 1"});
 }
 
 TEST(PerfettoTest, RecognisesTheFormatByItsFirstBytes) {
@@ -266,6 +295,7 @@ TEST(PerfettoTest, RecognisesTheFormatByItsFirstBytes) {
             {"a text after a newline", "\n# tracer: nop\n#\n a-1 [000] 1.000000: 0: E\n", false},
             {"a latency dump after a newline", "\n16666666\n0\t0\t0\n", false},
             {"a field of another type", Proto().message(1, Proto().number(1, 5)).bytes(), false},
+            {"a field longer than its packet", Proto().text(1, "\x0a\x7f").bytes() + bytes, false},
             {"another field of the trace", Proto().message(2, Proto().number(8, 5)).bytes(), false},
             {"damaged second packet", bytes + "x", false},
     };
@@ -292,6 +322,43 @@ TEST(PerfettoTest, ReportsTracesThatItCannotUse) {
                         filler.size()));
 }
 
+TEST(PerfettoTest, RefusesPacketsThatExpandTooFar) {
+    const std::string filler = packet(Proto().text(33, std::string(size_t{1} << 20, '\0')));
+    const std::string compressed = packet(compressedPackets(filler + filler + filler + filler));
+    std::string bytes = packet(ftraceBundle(frames()));
+    for (int i = 0; i < 64; ++i)
+        bytes += compressed;
+    const std::string error = errorOf(bytes);
+    EXPECT_NE(error.find("trace: expected a compressed trace, got "), std::string::npos) << error;
+    EXPECT_NE(error.find(" bytes that expand to more than 256 MiB"), std::string::npos) << error;
+}
+
+TEST(PerfettoTest, LimitsTheExpansion) {
+    constexpr size_t kMiB = size_t{1} << 20;
+    const struct {
+        size_t compressed;
+        size_t expanded;
+        bool isRefused;
+    } cases[] = {
+            {1, 256 * kMiB, false},
+            {1, 256 * kMiB + 1, true},
+            {300'000, 300'000'000, false},
+            {300'000, 300'000'001, true},
+            {kMiB * 1024, kMiB * 4096, false},
+            {kMiB * 1024, kMiB * 4096 + 1, true},
+    };
+    for (const auto& one : cases) {
+        ExpansionLimit limit("trace");
+        limit.addCompressed(one.compressed);
+        limit.addExpanded(one.expanded - 1);
+        if (one.isRefused) {
+            EXPECT_THROW(limit.addExpanded(1), InputError) << one.expanded;
+        } else {
+            EXPECT_NO_THROW(limit.addExpanded(1)) << one.expanded;
+        }
+    }
+}
+
 TEST(PerfettoTest, NamesThreadsAndFindsTheLastSequence) {
     const auto process = [](uint64_t pid, const char* command) {
         return Proto().message(1, Proto().number(1, pid).text(3, command).text(3, "--argument"));
@@ -305,7 +372,7 @@ TEST(PerfettoTest, NamesThreadsAndFindsTheLastSequence) {
     read(packet(Proto().message(2, process(90, "/system/bin/compositor")
                                            .append(thread(91, "old"))
                                            .append(thread(92, "")))) +
-                 packet(Proto().message(2, process(91, "ignored").append(thread(91, "Binder:1")))) +
+                 packet(Proto().message(2, thread(91, "Binder:1").append(process(91, "ignored")))) +
                  packet(Proto().message(60, track)) +
                  packet(compressedPackets(Proto().message(1, Proto().number(10, 300)).bytes())) +
                  packet(ftraceBundle(framesAnd(ftraceEvent(2'000'000'000, 93, "E")))),
@@ -327,12 +394,15 @@ std::string frameBegin(uint64_t cookie, const std::string& layer, uint64_t prese
     return packet(Proto().number(8, 10).number(58, 3).message(76, Proto().message(4, frame)));
 }
 
+std::string frameEnd(uint64_t cookie) {
+    const Proto end = Proto().message(5, Proto().number(1, cookie));
+    return packet(Proto().number(8, 20).message(76, end));
+}
+
 /** The packets of a frame in the frame timeline, from 10 ns, in another clock, to 20 ns. */
 std::string judgedFrame(uint64_t cookie, const std::string& layer, uint64_t present,
                         uint64_t jank = 1) {
-    const Proto end = Proto().message(5, Proto().number(1, cookie));
-    return frameBegin(cookie, layer, present, jank) +
-           packet(Proto().number(8, 20).message(76, end));
+    return frameBegin(cookie, layer, present, jank) + frameEnd(cookie);
 }
 
 TEST(PerfettoTest, TakesTheVerdictsOnTheFocusedLayersFrames) {
@@ -348,7 +418,7 @@ TEST(PerfettoTest, TakesTheVerdictsOnTheFocusedLayersFrames) {
                  judgedFrame(4, layer, 3) + judgedFrame(5, layer, 4) +
                  judgedFrame(6, layer, 2, 64 | 1024) + judgedFrame(7, layer, 5) +
                  judgedFrame(8, layer, 77) + judgedFrame(9, layer.substr(5), 2) + expected +
-                 frameBegin(10, layer, 2, 64) + bytes);
+                 frameBegin(10, layer, 2, 64) + frameEnd(1) + bytes);
     ASSERT_TRUE(timeline.judgedFrames);
     using Verdict = FrameVerdict;
     std::vector<Verdict> verdicts;

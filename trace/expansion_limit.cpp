@@ -17,7 +17,7 @@ constexpr uint64_t kMinBytesForRatio = 256 * kMiB;
 void ExpansionLimit::addExpanded(size_t bytes) {
     mExpandedBytes += bytes;
     const bool isTooDense =
-            mExpandedBytes > kMinBytesForRatio && mExpandedBytes / kMaxRatio >= mCompressedBytes;
+            mExpandedBytes > kMinBytesForRatio && mExpandedBytes > kMaxRatio * mCompressedBytes;
     if (!isTooDense && mExpandedBytes <= kMaxBytes) return;
     throw InputError(
             fmt::format("{}: expected a compressed trace, got {} bytes that expand to more "

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <vector>
 
 #include "base/error.h"
 #include "base/temporary_file.h"
@@ -22,7 +21,8 @@ constexpr size_t kCopyBytes = 64 * 1024;
 
 Descriptor openInput(const std::string& path, const std::string& name) {
     const bool isStandardInput = path == "-";
-    Descriptor file(isStandardInput ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    Descriptor file(isStandardInput ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
+                                    : open(path.c_str(), O_RDONLY | O_CLOEXEC));
     struct stat status;
     if (!file.isOpen() || fstat(file.get(), &status) != 0) failWithErrno(name, "cannot be opened");
     const bool isFile = S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode);
@@ -46,7 +46,7 @@ Descriptor copyToTemporaryFile(const Descriptor& file, const std::string& name) 
     constexpr const char* kNoCopy = "cannot be copied to a temporary file in $TMPDIR or /tmp";
     Descriptor copy = createTemporaryFile();
     if (!copy.isOpen()) failWithErrno(name, kNoCopy);
-    std::vector<char> block(kCopyBytes);
+    std::string block(kCopyBytes, '\0');
     while (const size_t count = readSome(file, name, block.data(), block.size())) {
         if (!writeAll(copy.get(), {block.data(), count})) failWithErrno(name, kNoCopy);
     }

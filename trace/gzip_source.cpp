@@ -36,7 +36,7 @@ GzipSource::GzipSource(std::unique_ptr<ByteSource> compressed, std::string name,
         mName(std::move(name)),
         mFormat(format),
         mStream(new z_stream_s()),
-        mBlock(kBlockBytes),
+        mBlock(kBlockBytes, '\0'),
         mExpansion(mName) {
     const int windowBits = MAX_WBITS + (format == Format::Gzip ? kGzipFormat : 0);
     if (inflateInit2(mStream.get(), windowBits) != Z_OK) throw std::bad_alloc();
@@ -77,9 +77,10 @@ bool GzipSource::fill() {
 
 /** Returns false if no member follows; gzip ignores any other bytes as well. */
 bool GzipSource::startMember() {
-    if (mFormat == Format::Zlib) return false;
     if (mStream->avail_in == 0 && !fill()) return false;
-    mIsInMember = *mStream->next_in == static_cast<Bytef>(kMagic[0]);
+    mIsInMember = mFormat == Format::Zlib ? !mHasMember
+                                          : *mStream->next_in == static_cast<Bytef>(kMagic[0]);
+    mHasMember = true;
     if (mIsInMember) inflateReset(mStream.get());
     return mIsInMember;
 }
@@ -87,8 +88,8 @@ bool GzipSource::startMember() {
 void GzipSource::rewind() {
     mCompressed->rewind();
     mStream->avail_in = 0;
-    inflateReset(mStream.get());
-    mIsInMember = true;
+    mIsInMember = false;
+    mHasMember = false;
     mExpansion = ExpansionLimit(mName);
 }
 

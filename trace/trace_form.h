@@ -15,7 +15,7 @@ struct MarkStyle {
     int32_t decimals = 0;       // the maximum number of decimals in an event's time
 };
 
-/** What a writer needs to add marks to a trace in the trace's own notation. */
+/** The notation and the threads of a trace, for a writer that adds marks to it. */
 struct TraceForm {
     /** Of a text. */
     MarkStyle style;
