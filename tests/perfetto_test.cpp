@@ -440,7 +440,8 @@ TEST(PerfettoTest, SummaryCountsLateAndDroppedFrames) {
                                   Verdict::Late, Verdict::Unknown}) {
         timeline.judgedFrames->push_back({10, 20, verdict});
     }
-    const replay::Summary summary = replay::summarise("trace", timeline, {});
+    const replay::Summary summary =
+            replay::summarise("trace", timeline, {}, {timeline.startNs, timeline.endNs});
     std::ostringstream text;
     replay::print(summary, text);
     EXPECT_NE(text.str().find("\ndeadlines     6 frames, 2 late, 1 dropped (from the frame "

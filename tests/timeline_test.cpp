@@ -307,16 +307,7 @@ TEST(TimelineTest, ChoosesTheSourceOfThePeriod) {
     EXPECT_EQ(read(trace(marks), {{}, 59.94}).events[0].periodNs, 16'683'350);
 }
 
-TEST(TimelineTest, FindsTheRequestedLayer) {
-    const std::string text =
-            trace("0 91 +BufferTX - StatusBar;100 91 +BufferTX - com.a/com.a.Main#7;"
-                  "200 91 +BufferTX - com.a/com.a.Main#7;300 91 +BufferTX - Wall#1;"
-                  "400 91 +BufferTX - Wall#1;500 91 +BufferTX - Other;");
-    EXPECT_EQ(read(text).focusedLayer, 1u);
-    EXPECT_EQ(read(text, {"Other", {}}).focusedLayer, 3u);
-    EXPECT_EQ(warningsOf(text, {"com.a.Main", {}}),
-              Texts{": no layer 'com.a.Main' has frames; the closest names are "
-                    "'com.a/com.a.Main#7', 'StatusBar#0', 'Wall#1'"});
+TEST(TimelineTest, NamesTheLayerOfALatencyDump) {
     EXPECT_EQ(layersOf(read("16666666\n5\t60000\t5\n", {"com.a#7", {}})), "com.a#7*1 ");
 }
 

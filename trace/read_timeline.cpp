@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 
 #include "trace/compositor.h"
 #include "trace/focused_layer.h"
@@ -89,7 +90,9 @@ Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOp
     const std::vector<QueuedLayer> layers = findLayers(compositor);
     TimelineBuilder builder(timeline);
     addLayers(layers, builder, &timeline.warnings);
-    timeline.focusedLayer = findFocusedLayer(timeline.layers, options.layer, path);
+    const FocusedLayer focused = findFocusedLayer(timeline.layers, options.layer, path);
+    timeline.focusedLayer = focused.layer;
+    timeline.passedOverLayer = focused.passedOver;
     timeline.compositionSource = addCompositions(compositor, builder);
     timeline.vsyncSource = addVsyncs(compositor, builder);
 
@@ -100,6 +103,7 @@ Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOp
     for (const PeriodChange& change : periods.changes)
         builder.addPeriod(change.timeNs, change.periodNs);
     builder.finish();
+    if (options.followsFocus && !options.layer) followFocus(timeline);
 
     if (form != nullptr) {
         *form = reader.form();
@@ -110,6 +114,26 @@ Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOp
     return timeline;
 }
 
+std::vector<JudgedFrame> judgedFramesInFocus(const FrameTimeline& frameTimeline,
+                                             const Timeline& timeline) {
+    std::vector<JudgedFrame> judged;
+    size_t focus = timeline.focusedLayer;
+    int64_t beginNs = std::numeric_limits<int64_t>::min();
+    const auto takeUntil = [&](int64_t endNs) {
+        for (const JudgedFrame& frame : frameTimeline.framesOf(timeline.layers[focus].name)) {
+            if (frame.endNs >= beginNs && frame.endNs < endNs) judged.push_back(frame);
+        }
+        beginNs = endNs;
+    };
+    for (const TimelineEvent& event : timeline.events) {
+        if (event.kind != TimelineEvent::Kind::Focus) continue;
+        takeUntil(event.timeNs);
+        focus = static_cast<size_t>(event.layer);
+    }
+    takeUntil(std::numeric_limits<int64_t>::max());
+    return judged;
+}
+
 Timeline readPerfetto(ByteSource& trace, const std::string& path, const TimelineOptions& options,
                       TraceForm* form) {
     PerfettoReader reader(trace, path);
@@ -117,8 +141,7 @@ Timeline readPerfetto(ByteSource& trace, const std::string& path, const Timeline
     for (TraceWarning& warning : timeline.warnings)
         warning.lines.firstLine = 0;
     if (reader.frameTimeline().hasEvents()) {
-        timeline.judgedFrames =
-                reader.frameTimeline().framesOf(timeline.layers[timeline.focusedLayer].name);
+        timeline.judgedFrames = judgedFramesInFocus(reader.frameTimeline(), timeline);
     }
     return timeline;
 }

@@ -18,7 +18,10 @@ int32_t TimelineBuilder::addLayer(std::string name) {
 
 void TimelineBuilder::addFrame(TracePoint at, int32_t layer, int32_t depth) {
     addDepth(at, Kind::Frame, layer, depth);
-    ++mTimeline.layers[static_cast<size_t>(layer)].frames;
+    Layer& counted = mTimeline.layers[static_cast<size_t>(layer)];
+    const bool isFirst = counted.frames++ == 0;
+    counted.firstFrameNs = isFirst ? at.timeNs : std::min(counted.firstFrameNs, at.timeNs);
+    counted.lastFrameNs = isFirst ? at.timeNs : std::max(counted.lastFrameNs, at.timeNs);
 }
 
 void TimelineBuilder::addLatch(TracePoint at, int32_t layer, int32_t depth) {
