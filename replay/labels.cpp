@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include "base/text.h"
+
 namespace brevold::replay {
 
 namespace {
@@ -17,12 +19,16 @@ Label labelOf(trace::PeriodSource source) {
             return {"--refresh-rate", "option"};
         case trace::PeriodSource::SetPeriod:
             return {"VSR-setPeriod", "set-period"};
+        case trace::PeriodSource::DisplayMode:
+            return {"values", "display-mode"};
+        case trace::PeriodSource::PredictedPeriod:
+            return {"values", "predicted-period"};
         case trace::PeriodSource::VsyncToggles:
             return {"toggles", "vsync-toggles"};
         case trace::PeriodSource::FrameIntervals:
-            return {"frame intervals, as the trace has no vsyncs", "frame-intervals"};
+            return {"frame intervals, as no counter shows the display's vsyncs", "frame-intervals"};
         case trace::PeriodSource::Default:
-            return {"the default, as the trace has neither vsyncs nor steady frames", "default"};
+            return {"the default, as neither a counter nor steady frames show the rate", "default"};
         case trace::PeriodSource::LatencyDump:
             return {"the dump's first line", "latency-dump"};
     }
@@ -74,6 +80,12 @@ Label labelOf(trace::TraceWarning::Kind kind) {
             return {"lines that are not rows of a latency dump", "stray-row"};
         case Kind::OutOfOrderRow:
             return {"rows skipped because they go back in time", "out-of-order-row"};
+        case Kind::BadCounterValue:
+            return {"counters skipped because their value is not a number", "bad-counter-value"};
+        case Kind::RingOverrun:
+            return {"the recorder's buffer was full and lost its oldest events", "ring-overrun"};
+        case Kind::OtherCompositor:
+            return {"another process has marks of a compositor too", "other-compositor"};
         case Kind::NegativeDepth:
             return {"queue depths below 0, taken as 0", "negative-depth"};
         case Kind::DepthJump:
@@ -97,8 +109,17 @@ const char* vsyncSourceText(trace::VsyncSource source) {
 }
 
 std::string warningText(const trace::TraceWarning& warning) {
-    return fmt::format("{}: {}, the first in line {}", labelOf(warning.kind).text,
-                       warning.lines.lines, warning.lines.firstLine);
+    const std::string text = fmt::format("{}: {}", labelOf(warning.kind).text, warning.lines.lines);
+    switch (warning.kind) {
+        case trace::TraceWarning::Kind::RingOverrun:
+            return text + fmt::format("; the trace is whole from {:.2f} s on",
+                                      toSeconds(warning.wholeFromNs));
+        case trace::TraceWarning::Kind::OtherCompositor:
+            return text + fmt::format(" of process {}; process {} was taken as the compositor",
+                                      warning.otherPid, warning.pid);
+        default:
+            return text + fmt::format(", the first in line {}", warning.lines.firstLine);
+    }
 }
 
 const char* periodSourceWord(trace::PeriodSource source) {

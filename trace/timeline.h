@@ -32,12 +32,14 @@ struct TimelineEvent {
 
 /** Where the refresh period was taken from. */
 enum class PeriodSource : uint8_t {
-    Option,          // the caller gave the rate
-    SetPeriod,       // values of the counter VSR-setPeriod
-    VsyncToggles,    // distances between the toggles of Timeline::periodCounter
-    FrameIntervals,  // the trace has no vsyncs
-    Default,         // the trace has neither vsyncs nor steady frames
-    LatencyDump,     // the first line of a latency dump
+    Option,           // the caller gave the rate
+    SetPeriod,        // values of the counter VSR-setPeriod
+    DisplayMode,      // values of Timeline::periodCounter, which a display was set to
+    PredictedPeriod,  // values of Timeline::periodCounter, which the compositor measured
+    VsyncToggles,     // distances between the toggles of Timeline::periodCounter
+    FrameIntervals,   // no counter of the trace shows the display's vsyncs
+    Default,          // and its frames are not steady
+    LatencyDump,      // the first line of a latency dump
 };
 
 /** Where the compositions were taken from. The first values are sections of the compositor. */
@@ -71,7 +73,7 @@ struct Timeline {
     int64_t startNs = 0;
     int64_t endNs = 0;
     PeriodSource periodSource = PeriodSource::Default;
-    /** The counter's name if periodSource is VsyncToggles, else empty. */
+    /** The name of the counter that periodSource mentions, else empty. */
     std::string periodCounter;
     CompositionSource compositionSource = CompositionSource::Latches;
     VsyncSource vsyncSource = VsyncSource::None;
