@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <string>
 #include <vector>
 
@@ -68,7 +69,7 @@ struct Timeline {
     /** The requested layer, else the first of those with the most frames. */
     size_t focusedLayer = 0;
     /** Ordered by time, then as in the trace. The first is a Period at startNs. */
-    std::vector<TimelineEvent> events;
+    std::deque<TimelineEvent> events;
     /** Times of the first and the last event of the trace, whatever its kind. */
     int64_t startNs = 0;
     int64_t endNs = 0;

@@ -38,7 +38,6 @@ void TimelineBuilder::addComposition(TracePoint begin, TracePoint end) {
 void TimelineBuilder::addCompositionsFromLatches() {
     std::sort(mLatches.begin(), mLatches.end(),
               [](TracePoint a, TracePoint b) { return a.line < b.line; });
-    mTimeline.events.reserve(mTimeline.events.size() + 2 * mLatches.size());
     for (auto first = mLatches.begin(); first != mLatches.end();) {
         const auto next = std::find_if(first, mLatches.end(), [first](TracePoint latch) {
             return latch.timeNs - first->timeNs > kMaxLatchSpanNs;
@@ -58,7 +57,7 @@ void TimelineBuilder::addPeriod(int64_t timeNs, int64_t periodNs) {
 }
 
 void TimelineBuilder::finish() {
-    std::vector<TimelineEvent>& events = mTimeline.events;
+    std::deque<TimelineEvent>& events = mTimeline.events;
     std::sort(events.begin(), events.end(), [](const TimelineEvent& a, const TimelineEvent& b) {
         return a.timeNs != b.timeNs ? a.timeNs < b.timeNs : placeOf(a) < placeOf(b);
     });

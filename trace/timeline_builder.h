@@ -1,8 +1,8 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <string>
-#include <vector>
 
 #include "trace/timeline.h"
 #include "trace/trace_point.h"
@@ -49,7 +49,7 @@ class TimelineBuilder {
     static int64_t placeOf(const TimelineEvent& event);
 
     Timeline& mTimeline;
-    std::vector<TracePoint> mLatches;
+    std::deque<TracePoint> mLatches;
 };
 
 }  // namespace brevold::trace
