@@ -271,16 +271,19 @@ TEST(TimelineTest, ReadsTheEvents) {
             // A composition whose end was lost ends where its thread composes or commits again.
             {trace("0 91 +BufferTX - a#19;20 90 B|90|composite 1;21 90 B|90|inner;"
                    "22 90 B|90|composite 1;23 90 B|90|postFramebuffer;30 90 B|90|commit 2;31 90 E;"
-                   "32 91 B|90|composite 2;33 90 B|90|composite 3;34 90 E;35 90 E;"),
-             "0 16666666 0a#19=1 10a#19=0 20< 22> 22< 30> 33< 34> to 35; a#19*1 ; "
+                   "32 91 B|90|composite 2;33 90 B|90|composite 3;34 90 E;35 90 E;"
+                   "40 90 B|90|onMessageRefresh;41 90 B|90|postFramebuffer;"
+                   "42 90 B|90|postFramebuffer;43 90 E;44 90 E;"),
+             "0 16666666 0a#19=1 10a#19=0 20< 22> 22< 30> 33< 34> 40< 44> to 44; a#19*1 ; "
              "composite sections, none in the trace"},
             // Lines that are up to a millisecond late.
             {trace("100 91 C|90|BufferTX - a#1|1;130 90 B|90|commit;132 90 C|90|BufferTX - a#1|0;"
-                   "140 90 E;133 91 C|90|BufferTX - a#1|1;130 92 C|90|VSYNC-sf|1;"
+                   "140 90 E;132 91 C|90|BufferTX - a#1|1;132 91 C|90|BufferTX - a#1|2;"
+                   "132 91 C|90|BufferTX - a#1|3;130 92 C|90|VSYNC-sf|1;"
                    "131 92 C|90|VSYNC-sf|0;129 92 C|90|VSYNC-sf|1;150 90 B|90|commit;"
-                   "141 90 C|90|BufferTX - a#1|0;151 90 E;"),
-             "100 16666666 100a#1=1 130< 130| 131| 132a#1=0 133a#1=1 140> 141a#1=0 150< 151> to "
-             "151; a#1*2 ; commit sections, VSYNC-sf"},
+                   "141 90 C|90|BufferTX - a#1|2;151 90 E;"),
+             "100 16666666 100a#1=1 130< 130| 131| 132a#1=0 132a#1=1 132a#1=2 132a#1=3 140> "
+             "141a#1=2 150< 151> to 151; a#1*4 ; commit sections, VSYNC-sf"},
             {"a-91 [0] 2.0005: 0: C|90|BufferTX - a#1|1\na-91 [1] 2.0: x: y\n",
              "20000 16666666 20005a#1=1 to 20005; a#1*1 ; latches, none in the trace"},
             // A rise on the compositor's thread is not a frame, unless every rise is on it.
@@ -380,6 +383,7 @@ TEST(TimelineTest, ChoosesTheSourceOfThePeriod) {
             {"HW_VSYNC_123", 111, 6, 0, 1, "HW_VSYNC_123 toggles", kPeriod90Ns},
             {"HW_VSYNC_456", 167, 9, 0, 1, "HW_VSYNC_456 toggles", kPeriod60Ns},
             {"VSP-period", 167, 6, 10'900'000, 11'300'000, "VSP-period values", kPeriod90Ns},
+            {"VSP-period 7", 83, 7, 8'100'000, 8'500'000, "VSP-period 7 values", kPeriod120Ns},
             {"VSR-setDisplayMode 123", 1, 1, 8'333'333, 0, "VSR-setDisplayMode 123 values",
              kPeriod120Ns},
             {"VSR-setDisplayMode 456", 1, 1, 11'111'111, 0, "VSR-setDisplayMode 456 values",
