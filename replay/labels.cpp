@@ -80,6 +80,18 @@ Label labelOf(trace::TraceWarning::Kind kind) {
             return {"lines that are not rows of a latency dump", "stray-row"};
         case Kind::OutOfOrderRow:
             return {"rows skipped because they go back in time", "out-of-order-row"};
+        case Kind::IncompletePacket:
+            return {"the last packet is incomplete", "incomplete-packet"};
+        case Kind::DamagedPacket:
+            return {"damaged packets", "damaged-packet"};
+        case Kind::LossyBundle:
+            return {"ftrace bundles before which events were lost", "lossy-bundle"};
+        case Kind::LossyProcessor:
+            return {"processors whose ftrace buffer lost events", "lossy-processor"};
+        case Kind::UnknownClock:
+            return {"ftrace bundles in a clock that is not related to boot time", "unknown-clock"};
+        case Kind::OutOfOrderEvent:
+            return {"events skipped because they go back in time", "out-of-order-event"};
         case Kind::BadCounterValue:
             return {"counters skipped because their value is not a number", "bad-counter-value"};
         case Kind::RingOverrun:
@@ -109,17 +121,18 @@ const char* vsyncSourceText(trace::VsyncSource source) {
 }
 
 std::string warningText(const trace::TraceWarning& warning) {
+    using Kind = trace::TraceWarning::Kind;
     const std::string text = fmt::format("{}: {}", labelOf(warning.kind).text, warning.lines.lines);
-    switch (warning.kind) {
-        case trace::TraceWarning::Kind::RingOverrun:
-            return text + fmt::format("; the trace is whole from {:.2f} s on",
-                                      toSeconds(warning.wholeFromNs));
-        case trace::TraceWarning::Kind::OtherCompositor:
-            return text + fmt::format(" of process {}; process {} was taken as the compositor",
-                                      warning.otherPid, warning.pid);
-        default:
-            return text + fmt::format(", the first in line {}", warning.lines.firstLine);
+    if (warning.kind == Kind::RingOverrun) {
+        return fmt::format("{}; the trace is whole from {:.2f} s on", text,
+                           toSeconds(warning.wholeFromNs));
     }
+    if (warning.kind == Kind::OtherCompositor) {
+        return fmt::format("{} of process {}; process {} was taken as the compositor", text,
+                           warning.otherPid, warning.pid);
+    }
+    if (warning.lines.firstLine == 0) return text;
+    return fmt::format("{}, the first in line {}", text, warning.lines.firstLine);
 }
 
 const char* periodSourceWord(trace::PeriodSource source) {

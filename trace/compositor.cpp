@@ -72,7 +72,7 @@ void Compositor::findProcess(const std::string& path) {
 int32_t Compositor::findThread() const {
     std::map<int32_t, std::array<int64_t, 2>> sections;
     for (const Section& section : mMarks.sections()) {
-        if (section.pid == mPid) ++sections[section.tid][section.isCommit() ? 1 : 0];
+        if (section.pid == mPid) ++sections[section.begin.tid][section.isCommit() ? 1 : 0];
     }
     if (!sections.empty()) return maxOf(sections)->first;
 
@@ -92,7 +92,7 @@ std::vector<const Section*> Compositor::compositions() const {
     std::vector<const Section*> composing;
     std::vector<const Section*> committing;
     for (const Section& section : mMarks.sections()) {
-        if (section.pid != mPid || section.tid != mTid) continue;
+        if (section.pid != mPid || section.begin.tid != mTid) continue;
         (section.isCommit() ? committing : composing).push_back(&section);
     }
     return composing.empty() ? committing : composing;

@@ -20,7 +20,7 @@ std::vector<PeriodChange> statedPeriods(const Changes& values) {
         if (!isPeriod(value.value)) continue;
         const int64_t periodNs = snapPeriod(value.value);
         if (!changes.empty() && changes.back().periodNs == periodNs) continue;
-        changes.push_back({value.at.timeNs, periodNs});
+        changes.push_back({value.timeNs, periodNs});
     }
     return changes;
 }
@@ -31,11 +31,11 @@ std::vector<Interval> predictedTicks(const Changes& values) {
     for (const CounterChange& value : values) {
         if (!isPeriod(value.value)) continue;
         const bool isLast = &value == &values.back();
-        const int64_t heldNs = isLast ? std::numeric_limits<int64_t>::max()
-                                      : (&value)[1].at.timeNs - value.at.timeNs;
+        const int64_t heldNs =
+                isLast ? std::numeric_limits<int64_t>::max() : (&value)[1].timeNs - value.timeNs;
         const auto count = std::clamp<int64_t>(heldNs / value.value, 1, kDisplayTicksToFollow);
         for (int64_t i = 1; i <= count; ++i)
-            ticks.push_back({value.at.timeNs + i * value.value, value.value});
+            ticks.push_back({value.timeNs + i * value.value, value.value});
     }
     return ticks;
 }
@@ -43,8 +43,8 @@ std::vector<Interval> predictedTicks(const Changes& values) {
 std::vector<Interval> toggleIntervals(const Changes& toggles) {
     std::vector<Interval> intervals;
     for (size_t i = 1; i < toggles.size(); ++i) {
-        const int64_t endNs = toggles[i].at.timeNs;
-        intervals.push_back({endNs, endNs - toggles[i - 1].at.timeNs});
+        const int64_t endNs = toggles[i].timeNs;
+        intervals.push_back({endNs, endNs - toggles[i - 1].timeNs});
     }
     return intervals;
 }

@@ -53,11 +53,11 @@ QueuedLayer layerOf(const CounterTrack& track) {
     int32_t last = 0;
     for (const CounterChange& change : track.changes) {
         const int32_t depth = std::max(change.value, 0);
-        if (change.value < 0) layer.belowZero.add(change.at.line);
+        if (change.value < 0) layer.belowZero.add(change.line);
         // The first value may be any, as the recording starts at any moment.
         const bool isFirst = &change == track.changes.data();
         if (!isFirst && (depth > last ? depth - last : last - depth) > 1) {
-            layer.jumps.add(change.at.line);
+            layer.jumps.add(change.line);
         }
         last = depth;
     }

@@ -42,9 +42,9 @@ struct QueuedLayer {
             if (depth > last) {
                 const bool isFrame = change.tid != compositorTid;
                 visit(DepthChange{isFrame ? DepthChange::Kind::Frame : DepthChange::Kind::Other,
-                                  change.at, depth});
+                                  change.at(), depth});
             } else if (depth < last) {
-                visit(DepthChange{DepthChange::Kind::Latch, change.at, depth});
+                visit(DepthChange{DepthChange::Kind::Latch, change.at(), depth});
             }
             last = depth;
         }

@@ -53,7 +53,7 @@ void TimelineBuilder::addVsync(TracePoint at) {
 }
 
 void TimelineBuilder::addPeriod(int64_t timeNs, int64_t periodNs) {
-    mTimeline.events.push_back({timeNs, Kind::Period, 0, 0, periodNs});
+    mTimeline.events.push_back({timeNs, Kind::Period, 0, 0, 0, periodNs});
 }
 
 void TimelineBuilder::finish() {
@@ -69,7 +69,7 @@ void TimelineBuilder::finish() {
 // Until the events are sorted, the field that only a period uses has the place of the others.
 TimelineEvent& TimelineBuilder::add(TracePoint at, Order order, Kind kind) {
     const int64_t place = at.line * 3 + static_cast<int64_t>(order);
-    mTimeline.events.push_back({at.timeNs, kind, 0, 0, place});
+    mTimeline.events.push_back({at.timeNs, kind, 0, 0, at.tid, place});
     return mTimeline.events.back();
 }
 

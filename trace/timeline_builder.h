@@ -11,7 +11,7 @@ namespace brevold::trace {
 
 /**
  * Fills the layers and events of a timeline. Events may be added in any order. Takes no memory but
- * that of the events, and 16 bytes for each latch.
+ * that of the events, and 24 bytes for each latch.
  */
 class TimelineBuilder {
   public:

@@ -66,7 +66,7 @@ void TraceMarks::addValue(const TraceMark& mark) {
     if (track.values++ > 0 && track.lastValue == mark.value) return;
     track.lastValue = mark.value;
     const int64_t value = std::clamp<int64_t>(mark.value, Limits::min(), Limits::max());
-    track.changes.push_back({{mark.timeNs, mark.line}, static_cast<int32_t>(value), mark.tid});
+    track.changes.push_back({mark.timeNs, mark.line, mark.tid, static_cast<int32_t>(value)});
 }
 
 size_t TraceMarks::trackOf(int32_t pid, std::string_view name) {
@@ -83,7 +83,7 @@ void TraceMarks::begin(const TraceMark& mark) {
 
     Thread& thread = mThreads[mark.tid];
     if (const std::optional<CompositionSource> kind = compositionOf(mark.name)) {
-        const TracePoint at = {mark.timeNs, mark.line};
+        const TracePoint at = {mark.timeNs, mark.line, mark.tid};
         const auto lost =
                 std::find_if(thread.open.begin(), thread.open.end(), [&](const OpenSection& outer) {
                     return excludeEachOther(outer.section.kind, *kind);
@@ -94,7 +94,7 @@ void TraceMarks::begin(const TraceMark& mark) {
                 closeInnermost(thread, at);
             thread.level = level;
         }
-        thread.open.push_back({{*kind, mark.pid, mark.tid, at, {}}, thread.level});
+        thread.open.push_back({{*kind, mark.pid, at, {}}, thread.level});
     }
     ++thread.level;
 }
@@ -104,7 +104,7 @@ void TraceMarks::end(const TraceMark& mark) {
     if (thread.level == 0) return;
     --thread.level;
     if (!thread.open.empty() && thread.open.back().level == thread.level) {
-        closeInnermost(thread, {mark.timeNs, mark.line});
+        closeInnermost(thread, {mark.timeNs, mark.line, mark.tid});
     }
 }
 

@@ -15,9 +15,12 @@ namespace brevold::trace {
 
 /** A change of a counter. A trace may have millions, so it has no field that could be derived. */
 struct CounterChange {
-    TracePoint at;
-    int32_t value;  // clamped to 32 bits
+    int64_t timeNs;
+    int64_t line;
     int32_t tid;
+    int32_t value;  // clamped to 32 bits
+
+    TracePoint at() const { return {timeNs, line, tid}; }
 };
 
 /** A counter of one process. */
@@ -35,7 +38,6 @@ struct CounterTrack {
 struct Section {
     CompositionSource kind;
     int32_t pid;
-    int32_t tid;
     TracePoint begin;
     TracePoint end;
 
