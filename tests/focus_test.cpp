@@ -120,7 +120,7 @@ TEST(FocusTest, FollowsTheLayerWithTheMostFramesInEachSecond) {
         Timeline timeline = timelineOf(list, frames);
         followFocus(timeline);
         std::string focus = std::to_string(timeline.focusedLayer);
-        const std::vector<TimelineEvent>& events = timeline.events;
+        const std::deque<TimelineEvent>& events = timeline.events;
         for (size_t i = 0; i < events.size(); ++i) {
             if (i > 0) EXPECT_LE(events[i - 1].timeNs, events[i].timeNs) << what;
             if (events[i].kind != Kind::Focus) continue;

@@ -168,8 +168,7 @@ void followFocus(Timeline& timeline) {
     }
     endSecond();
 
-    std::vector<TimelineEvent> events;
-    events.reserve(timeline.events.size() + changes.size());
+    std::deque<TimelineEvent> events;
     // Of events of the same time, the change of the focus is the first.
     std::merge(changes.begin(), changes.end(), timeline.events.begin(), timeline.events.end(),
                std::back_inserter(events),

@@ -35,13 +35,19 @@ void addLayers(const std::vector<QueuedLayer>& layers, TimelineBuilder& builder,
     LineCount jumps;
     for (const QueuedLayer& layer : layers) {
         const int32_t index = builder.addLayer(layer.name);
-        for (const DepthChange& change : layer.depths) {
-            if (change.isFrame) {
-                builder.addFrame(change.at, index, change.depth);
-            } else {
-                builder.addLatch(change.at, index, change.depth);
+        layer.forEachDepth([&](const DepthChange& change) {
+            switch (change.kind) {
+                case DepthChange::Kind::Frame:
+                    builder.addFrame(change.at, index, change.depth);
+                    break;
+                case DepthChange::Kind::Latch:
+                    builder.addLatch(change.at, index, change.depth);
+                    break;
+                case DepthChange::Kind::Other:
+                    builder.addDepth(change.at, index, change.depth);
+                    break;
             }
-        }
+        });
         belowZero.add(layer.belowZero);
         jumps.add(layer.jumps);
     }
@@ -67,8 +73,9 @@ CompositionSource addCompositions(const Compositor& compositor, TimelineBuilder&
 
 VsyncSource addVsyncs(const Compositor& compositor, TimelineBuilder& builder) {
     const Vsyncs vsyncs = findVsyncs(compositor);
-    for (const CounterValue& toggle : vsyncs.toggles)
-        builder.addVsync(toggle.at);
+    if (vsyncs.toggles == nullptr) return vsyncs.source;
+    for (const CounterChange& toggle : *vsyncs.toggles)
+        builder.addVsync(toggle.at());
     return vsyncs.source;
 }
 
@@ -86,8 +93,11 @@ Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOp
     timeline.endNs = reader.endNs();
     timeline.warnings = reader.warnings();
 
-    const Compositor compositor(marks);
+    const Compositor compositor(marks, path);
+    if (compositor.rivalWarning()) timeline.warnings.push_back(*compositor.rivalWarning());
     const std::vector<QueuedLayer> layers = findLayers(compositor);
+    // This takes much memory for a moment, so do it before there are events.
+    RefreshPeriods periods = findRefreshPeriods(compositor, layers, options.refreshRateHz);
     TimelineBuilder builder(timeline);
     addLayers(layers, builder, &timeline.warnings);
     const FocusedLayer focused = findFocusedLayer(timeline.layers, options.layer, path);
@@ -96,7 +106,6 @@ Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOp
     timeline.compositionSource = addCompositions(compositor, builder);
     timeline.vsyncSource = addVsyncs(compositor, builder);
 
-    RefreshPeriods periods = findRefreshPeriods(compositor, layers, options.refreshRateHz);
     timeline.periodSource = periods.source;
     timeline.periodCounter = std::move(periods.counter);
     periods.changes.front().timeNs = timeline.startNs;

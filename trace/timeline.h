@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
@@ -38,12 +39,14 @@ struct TimelineEvent {
 
 /** Where the refresh period was taken from. */
 enum class PeriodSource : uint8_t {
-    Option,          // the caller gave the rate
-    SetPeriod,       // values of the counter VSR-setPeriod
-    VsyncToggles,    // distances between the toggles of Timeline::periodCounter
-    FrameIntervals,  // the trace has no vsyncs
-    Default,         // the trace has neither vsyncs nor steady frames
-    LatencyDump,     // the first line of a latency dump
+    Option,           // the caller gave the rate
+    SetPeriod,        // values of the counter VSR-setPeriod
+    DisplayMode,      // values of Timeline::periodCounter, which a display was set to
+    PredictedPeriod,  // values of Timeline::periodCounter, which the compositor measured
+    VsyncToggles,     // distances between the toggles of Timeline::periodCounter
+    FrameIntervals,   // no counter of the trace shows the display's vsyncs
+    Default,          // and its frames are not steady
+    LatencyDump,      // the first line of a latency dump
 };
 
 /** Where the compositions were taken from. The first values are sections of the compositor. */
@@ -84,12 +87,12 @@ struct Timeline {
     /** See FocusedLayer::passedOver. */
     std::optional<size_t> passedOverLayer;
     /** Ordered by time, then as in the trace. The first is a Period at startNs. */
-    std::vector<TimelineEvent> events;
+    std::deque<TimelineEvent> events;
     /** Times of the first and the last event of the trace, whatever its kind. */
     int64_t startNs = 0;
     int64_t endNs = 0;
     PeriodSource periodSource = PeriodSource::Default;
-    /** The counter's name if periodSource is VsyncToggles, else empty. */
+    /** The name of the counter that periodSource mentions, else empty. */
     std::string periodCounter;
     CompositionSource compositionSource = CompositionSource::Latches;
     VsyncSource vsyncSource = VsyncSource::None;
