@@ -20,7 +20,7 @@ namespace brevold::replay {
  *
  * The added threads belong to the compositor's process and have ids that the trace does not use.
  *
- * `text` is the text from which the timeline was read; `path` is its name in messages.
+ * `text` is the text from which the timeline was read. Error messages begin with `path`.
  */
 void writeTrace(trace::ByteSource& text, const std::string& path, const trace::Timeline& timeline,
                 const trace::TraceForm& form, const Recording& recording, std::ostream& out);

@@ -60,9 +60,9 @@ Json objectOf(const Summary& summary) {
     object["errors"] = summary.errors;
     object["warnings"] = Json::array();
     for (const trace::TraceWarning& warning : summary.warnings) {
-        object["warnings"].push_back({{"kind", warningWord(warning.kind)},
-                                      {"count", warning.lines.lines},
-                                      {"first_line", warning.lines.firstLine}});
+        Json item = {{"kind", warningWord(warning.kind)}, {"count", warning.lines.lines}};
+        if (warning.lines.firstLine != 0) item["first_line"] = warning.lines.firstLine;
+        object["warnings"].push_back(std::move(item));
     }
     return object;
 }

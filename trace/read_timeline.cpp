@@ -6,6 +6,7 @@
 #include "trace/compositor.h"
 #include "trace/focused_layer.h"
 #include "trace/latency_dump.h"
+#include "trace/perfetto_reader.h"
 #include "trace/period_source.h"
 #include "trace/queued_layer.h"
 #include "trace/text_mark_reader.h"
@@ -93,12 +94,28 @@ Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOp
     return timeline;
 }
 
+Timeline readPerfetto(ByteSource& trace, const std::string& path, const TimelineOptions& options,
+                      TraceForm* form) {
+    PerfettoReader reader(trace, path);
+    Timeline timeline = readMarks(reader, path, options, form);
+    for (TraceWarning& warning : timeline.warnings)
+        warning.lines.firstLine = 0;
+    if (reader.frameTimeline().hasEvents()) {
+        timeline.judgedFrames =
+                reader.frameTimeline().framesOf(timeline.layers[timeline.focusedLayer].name);
+    }
+    return timeline;
+}
+
 }  // namespace
 
 Timeline readTimeline(TraceInput& input, const TimelineOptions& options, TraceForm* form) {
     ByteSource& text = input.open();
     if (input.kind() == TraceInput::Kind::LatencyDump) {
         return readLatencyDump(text, input.name(), options);
+    }
+    if (input.kind() == TraceInput::Kind::Perfetto) {
+        return readPerfetto(text, input.name(), options, form);
     }
     TextMarkReader reader(text, input.name());
     return readMarks(reader, input.name(), options, form);

@@ -17,7 +17,10 @@ struct MarkStyle {
 
 /** What a writer needs to add marks to a trace in the trace's own notation. */
 struct TraceForm {
+    /** Of a text. */
     MarkStyle style;
+    /** The largest id of a packet sequence in a Perfetto trace. */
+    uint32_t lastSequenceId = 0;
     /** Thread and process ids in the trace, with the thread's name where known. */
     std::unordered_map<int32_t, std::string> threads;
     int32_t compositorPid = 0;
