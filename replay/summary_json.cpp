@@ -44,6 +44,11 @@ Json objectOf(const Summary& summary) {
     object["composition_source"] = compositionSourceWord(summary.compositionSource);
     object["vsyncs"] = summary.vsyncs;
     object["vsync_source"] = vsyncSourceWord(summary.vsyncSource);
+    if (summary.frameVerdicts) {
+        object["frame_timeline"] = {{"frames", summary.frameVerdicts->frames},
+                                    {"late", summary.frameVerdicts->late},
+                                    {"dropped", summary.frameVerdicts->dropped}};
+    }
     object["boost_verdicts"] = summary.boostVerdicts;
     object["any_feature_on"] = summary.isAnyFeatureOn;
     object["mode_s"] = nullptr;

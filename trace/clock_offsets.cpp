@@ -37,7 +37,6 @@ void ClockOffsets::add(std::string_view snapshot) {
 }
 
 std::optional<int64_t> ClockOffsets::toBootNs(uint32_t clockId) const {
-    if (clockId == perfetto::kBootClock) return 0;
     const auto offset = mOffsetsNs.find(clockId);
     if (offset == mOffsetsNs.end()) return std::nullopt;
     return offset->second;

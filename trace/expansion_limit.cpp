@@ -9,11 +9,12 @@ namespace brevold::trace {
 void ExpansionLimit::add(size_t expandedBytes, uint64_t inputBytes) {
     mExpandedBytes += expandedBytes;
     const bool isTooDense = mExpandedBytes > mLimits.minBytesForRatio &&
-                            mExpandedBytes / mLimits.maxRatio >= inputBytes;
+                            mExpandedBytes > mLimits.maxRatio * inputBytes;
     if (!isTooDense && mExpandedBytes <= mLimits.maxBytes) return;
     throw InputError(
-            fmt::format("{}: expected a compressed trace, got {} bytes that expand to more than {}",
-                        mName, inputBytes, mExpandedBytes - expandedBytes));
+            fmt::format("{}: expected a compressed trace, got {} bytes that expand to more "
+                        "than {} MiB",
+                        mName, inputBytes, (mExpandedBytes - 1) >> 20));
 }
 
 }  // namespace brevold::trace

@@ -9,18 +9,16 @@
 
 namespace brevold::trace {
 
-/**
- * Collects the events of a Perfetto trace's ftrace bundles. A bundle has events of one processor,
- * so the marks have to be read after the last bundle.
- */
+/** Collects the events in the ftrace bundles of a Perfetto trace. */
 class FtraceBundles {
   public:
     /**
-     * Takes the message FtraceEventBundle. Throws protozero::exception
-     * if the message is damaged; its events up to there are kept.
+     * Takes the message FtraceEventBundle. Throws protozero::exception if it is damaged; the events
+     * before the damage are kept.
      */
     void add(std::string_view bundle, const ClockOffsets& clocks);
 
+    /** The marks among the events. A bundle is of one processor, so add all bundles before. */
     MarkList& marks() { return mMarks; }
 
     int64_t events() const { return mEvents; }
@@ -46,7 +44,6 @@ class FtraceBundles {
     uint64_t offsetOf(const Header& header, const ClockOffsets& clocks);
     void addEvent(std::string_view event, uint64_t offsetNs, int64_t* lastNs);
     void addPrint(std::string_view print, int64_t timeNs, int32_t tid);
-
     void noteThread(int32_t tid);
 
     MarkList mMarks;

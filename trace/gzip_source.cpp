@@ -77,9 +77,10 @@ bool GzipSource::fill() {
 
 /** Returns false if no member follows; gzip ignores any other bytes as well. */
 bool GzipSource::startMember() {
-    if (mFormat == Format::Zlib) return false;
     if (mStream->avail_in == 0 && !fill()) return false;
-    mIsInMember = *mStream->next_in == static_cast<Bytef>(kMagic[0]);
+    mIsInMember = mFormat == Format::Zlib ? !mHasMember
+                                          : *mStream->next_in == static_cast<Bytef>(kMagic[0]);
+    mHasMember = true;
     if (mIsInMember) inflateReset(mStream.get());
     return mIsInMember;
 }
@@ -87,8 +88,8 @@ bool GzipSource::startMember() {
 void GzipSource::rewind() {
     mCompressed->rewind();
     mStream->avail_in = 0;
-    inflateReset(mStream.get());
-    mIsInMember = true;
+    mIsInMember = false;
+    mHasMember = false;
     mExpansion.reset();
 }
 

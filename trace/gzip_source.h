@@ -44,8 +44,9 @@ class GzipSource : public ByteSource {
     const std::string mName;
     const Format mFormat;
     const std::unique_ptr<z_stream_s, StreamDeleter> mStream;
-    std::string mBlock;       // compressed bytes
-    bool mIsInMember = true;  // gzip data is a sequence of members; a zlib stream has one
+    std::string mBlock;        // compressed bytes
+    bool mIsInMember = false;  // gzip data is a sequence of members; a zlib stream is one
+    bool mHasMember = false;
     ExpansionLimit mExpansion;
 };
 

@@ -18,13 +18,13 @@ namespace brevold::trace {
 class MarkList {
   public:
     void add(const TraceMark& mark);
-    /** Ends a run: the marks added since the previous call. Sorts them, if need be. */
+    /** Makes a run of the marks added since the previous call, which it sorts by time. */
     void endRun();
 
     /**
-     * Returns the earliest mark that is left, and numbers it from 1; of the same time, the one that
-     * was added first. Its name is valid as long as the list. Returns false if there is none. Call
-     * it after the last run.
+     * Takes the earliest mark that is left, and of several at that time the one that was added
+     * first. Numbers them from 1. The name is valid as long as the list. Returns false at the end.
+     * Add no marks after the first call.
      */
     bool next(TraceMark* mark);
 
@@ -59,7 +59,7 @@ class MarkList {
     uint32_t labelOf(const TraceMark& mark);
     void startMerge();
 
-    // Deques do not move their elements, of which the keys of the map are views.
+    // Deques, because they do not move their elements; labels are views of the names.
     std::deque<Entry> mEntries;
     std::deque<std::string> mNames;
     std::vector<Label> mLabels;

@@ -5,8 +5,7 @@
 #include <string_view>
 #include <unordered_map>
 
-/** The parts of a Perfetto trace that describe its events. Throw protozero::exception if damaged.
- */
+/** Messages about the events. The functions throw protozero::exception for a damaged message. */
 namespace brevold::trace {
 
 using ThreadNames = std::unordered_map<int32_t, std::string>;

@@ -55,48 +55,42 @@ protozero::pbf_wire_type typeOf(TracePacket field) {
     return protozero::pbf_wire_type::unknown;
 }
 
-/** Checks that packets are well-formed and that the fields known here have their type. */
-class PacketCheck {
-  public:
-    /** Returns false if the packet is none; `packet` may be only the beginning of it. */
-    bool add(std::string_view packet, bool isWhole) {
-        try {
-            protozero::pbf_message<TracePacket> fields(packet);
-            while (fields.next()) {
-                const protozero::pbf_wire_type type = typeOf(fields.tag());
-                const bool isKnown = type != protozero::pbf_wire_type::unknown;
-                if (isKnown && fields.wire_type() != type) return false;
-                mHasKnownField |= isKnown;
-                fields.skip();
-            }
-        } catch (const protozero::end_of_buffer_exception&) {
-            return !isWhole;
-        } catch (const protozero::exception&) {
-            return false;
+/** Returns true if the packet is well-formed and the fields known here have their type. */
+bool isTracePacket(std::string_view packet, bool isWhole) {
+    try {
+        protozero::pbf_message<TracePacket> fields(packet);
+        while (fields.next()) {
+            const protozero::pbf_wire_type type = typeOf(fields.tag());
+            const bool isKnown = type != protozero::pbf_wire_type::unknown;
+            if (isKnown && fields.wire_type() != type) return false;
+            fields.skip();
         }
-        return true;
+    } catch (const protozero::end_of_buffer_exception&) {
+        return !isWhole;
+    } catch (const protozero::exception&) {
+        return false;
     }
+    return true;
+}
 
-    bool hasKnownField() const { return mHasKnownField; }
-
-  private:
-    bool mHasKnownField = false;
-};
+/** No text has bytes of this kind, but every packet has small numbers. */
+bool isBinary(std::string_view head) {
+    return std::any_of(head.begin(), head.end(), [](char c) { return c >= 0 && c < '\t'; });
+}
 
 }  // namespace
 
 bool beginsAsPerfetto(std::string_view head) {
-    PacketCheck check;
+    if (!isBinary(head)) return false;
     while (!head.empty()) {
         uint64_t length;
         const Header header = takeHeader(&head, &length);
-        if (header == Header::Wrong) return false;
-        if (header == Header::CutShort) break;
+        if (header != Header::Whole) return header == Header::CutShort;
         const std::string_view packet = head.substr(0, length);
-        if (!check.add(packet, packet.size() == length)) return false;
+        if (!isTracePacket(packet, packet.size() == length)) return false;
         head.remove_prefix(packet.size());
     }
-    return check.hasKnownField();
+    return true;
 }
 
 PacketReader::PacketReader(ByteSource& source, std::string path)

@@ -98,22 +98,22 @@ void PerfettoReader::readCompressed(std::string_view bytes) {
     GzipSource plain(std::make_unique<StringSource>(std::string(bytes)), mPath,
                      GzipSource::Format::Zlib);
     PacketReader packets(plain, mPath);
+    bool isDamaged = false;
+    const auto next = [&](std::string_view* packet) {
+        try {
+            return packets.next(packet);
+        } catch (const InputError&) {
+            isDamaged = true;
+            return false;
+        }
+    };
     mIsCompressed = true;
-    for (std::string_view packet; nextCompressed(packets, &packet);) {
+    for (std::string_view packet; next(&packet);) {
         mExpansion.add(packets.bytes().size(), mTrace.inputBytes());
         readPacket(packet);
     }
     mIsCompressed = false;
-    if (packets.isCutShort()) ++mDamagedPackets;
-}
-
-bool PerfettoReader::nextCompressed(PacketReader& packets, std::string_view* packet) {
-    try {
-        return packets.next(packet);
-    } catch (const InputError&) {
-        ++mDamagedPackets;
-        return false;
-    }
+    if (isDamaged || packets.isCutShort()) ++mDamagedPackets;
 }
 
 std::vector<TraceWarning> PerfettoReader::warnings() const {

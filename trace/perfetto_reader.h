@@ -14,8 +14,6 @@
 
 namespace brevold::trace {
 
-class PacketReader;
-
 /**
  * Reads the marks of a Perfetto trace: the "print" events of its ftrace bundles. All times are boot
  * time. The frame timeline is collected; all else in the trace is skipped.
@@ -46,7 +44,6 @@ class PerfettoReader : public MarkReader {
     void readPacket(std::string_view packet);
     void readFields(std::string_view packet);
     void readCompressed(std::string_view bytes);
-    bool nextCompressed(PacketReader& packets, std::string_view* packet);
 
     ByteSource& mTrace;
     const std::string mPath;
