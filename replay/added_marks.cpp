@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <map>
 
 #include "replay/hint_span.h"
 
@@ -12,6 +13,7 @@ namespace {
 constexpr size_t kCompositor = 0;
 // The largest thread id that a kernel assigns.
 constexpr int32_t kMaxThreadId = 1 << 22;
+constexpr const char* kReplayedSuffix = " (replayed)";
 
 /** The names of a channel's tracks. */
 struct ChannelNames {
@@ -46,16 +48,29 @@ int64_t counterValueOf(const host::Hint& hint) {
     return 0;
 }
 
+/** Returns true if the trace has marks of the library, recorded or from an earlier replay. */
+bool hasLibraryMarks(const trace::TraceForm& form, const Recording& recording) {
+    std::vector<std::string> names = recording.threads;
+    for (const Channel channel : kChannels)
+        names.push_back(namesOf(channel).thread);
+    return form.hasLibraryMarks ||
+           std::any_of(form.threads.begin(), form.threads.end(), [&](const auto& thread) {
+               return std::count(names.begin(), names.end(), thread.second) != 0;
+           });
+}
+
 class MarkBuilder {
   public:
-    MarkBuilder(const trace::TraceForm& form, int64_t endNs) : mForm(form), mEndNs(endNs) {}
+    MarkBuilder(const Recording& recording, const trace::TraceForm& form, int64_t endNs)
+          : mRecording(recording),
+            mForm(form),
+            mEndNs(endNs),
+            mIsMarked(hasLibraryMarks(form, recording)) {}
 
-    AddedMarks build(const Recording& recording) {
-        const auto known = mForm.threads.find(mForm.compositorTid);
-        mAdded.threads.push_back(
-                {mForm.compositorTid, known == mForm.threads.end() ? "" : known->second});
-        addSections(recording);
-        const std::vector<HintSpan> spans = hintSpans(recording.hints, mEndNs);
+    AddedMarks build() {
+        mAdded.threads.push_back({mForm.compositorTid, nameOf(mForm.compositorTid)});
+        addSections();
+        const std::vector<HintSpan> spans = hintSpans(mRecording.hints, mEndNs);
         for (const Channel channel : kChannels)
             addHints(spans, channel);
         std::stable_sort(
@@ -65,21 +80,42 @@ class MarkBuilder {
     }
 
   private:
+    std::string nameOf(int32_t tid) const {
+        const auto thread = mForm.threads.find(tid);
+        return thread == mForm.threads.end() ? "" : thread->second;
+    }
+
+    std::string trackName(const std::string& name) const {
+        return mIsMarked ? name + kReplayedSuffix : name;
+    }
+
     size_t addThread(const std::string& name) {
         do {
             ++mLastTid;
         } while (mForm.threads.count(mLastTid) != 0);
-        mAdded.threads.push_back({mLastTid, name});
+        mAdded.threads.push_back({mLastTid, trackName(name)});
         return mAdded.threads.size() - 1;
     }
 
-    void addSections(const Recording& recording) {
+    /** Returns the thread of marks that the library made on a thread of the trace. */
+    size_t callerThread(int32_t tid) {
+        if (tid == 0) tid = mForm.compositorTid;
+        if (!mIsMarked && tid == mForm.compositorTid) return kCompositor;
+        const auto [caller, isNew] = mCallers.emplace(tid, mAdded.threads.size());
+        if (!isNew) return caller->second;
+        const std::string name = nameOf(tid);
+        if (mIsMarked) return addThread(name.empty() ? std::to_string(tid) : name);
+        mAdded.threads.push_back({tid, name});
+        return caller->second;
+    }
+
+    void addSections() {
         std::vector<size_t> workers;
-        for (const std::string& name : recording.threads)
+        for (const std::string& name : mRecording.threads)
             workers.push_back(addThread(name));
-        for (const host::TraceMark& mark : recording.traceMarks) {
-            const size_t thread =
-                    mark.thread < 0 ? kCompositor : workers.at(static_cast<size_t>(mark.thread));
+        for (const auto& [mark, callerTid] : mRecording.marks) {
+            const size_t thread = mark.thread < 0 ? callerThread(callerTid)
+                                                  : workers.at(static_cast<size_t>(mark.thread));
             if (mark.isBegin) {
                 addBegin(mark.timeNs, thread, mark.label);
             } else {
@@ -91,19 +127,20 @@ class MarkBuilder {
     void addHints(const std::vector<HintSpan>& spans, Channel channel) {
         const ChannelNames names = namesOf(channel);
         const size_t thread = addThread(names.thread);
+        const std::string counter = trackName(names.counter);
         const HintSpan* last = nullptr;
         for (const HintSpan& span : spans) {
             if (channelOf(span.hint.kind) != channel) continue;
             if (last != nullptr && last->endNs < span.hint.timeNs) {
-                addCounter(last->endNs, names.counter, 0);
+                addCounter(last->endNs, counter, 0);
             }
-            addCounter(span.hint.timeNs, names.counter, counterValueOf(span.hint));
+            addCounter(span.hint.timeNs, counter, counterValueOf(span.hint));
             addBegin(span.hint.timeNs, thread, host::describe(span.hint));
             addEnd(span.endNs, thread);
             last = &span;
         }
         if (last != nullptr && last->endNs < mEndNs) {
-            addCounter(last->endNs, names.counter, 0);
+            addCounter(last->endNs, counter, 0);
         }
     }
 
@@ -115,13 +152,16 @@ class MarkBuilder {
         mAdded.marks.push_back({timeNs, AddedMark::Kind::End, thread, "", 0});
     }
 
-    void addCounter(int64_t timeNs, const char* name, int64_t value) {
+    void addCounter(int64_t timeNs, const std::string& name, int64_t value) {
         mAdded.marks.push_back({timeNs, AddedMark::Kind::Counter, kCompositor, name, value});
     }
 
+    const Recording& mRecording;
     const trace::TraceForm& mForm;
     const int64_t mEndNs;
+    const bool mIsMarked;
     int32_t mLastTid = kMaxThreadId;
+    std::map<int32_t, size_t> mCallers;  // indices of their threads, by their ids in the trace
     AddedMarks mAdded;
 };
 
@@ -129,7 +169,7 @@ class MarkBuilder {
 
 AddedMarks addedMarks(const Recording& recording, const trace::TraceForm& form,
                       int64_t traceEndNs) {
-    return MarkBuilder(form, traceEndNs).build(recording);
+    return MarkBuilder(recording, form, traceEndNs).build();
 }
 
 }  // namespace brevold::replay

@@ -27,14 +27,17 @@ struct AddedMark {
 /**
  * The marks that a marked trace adds to the trace:
  *
- *   - the library's sections, on the compositor's thread and on the library's workers
+ *   - the library's sections, on the thread that called it or on the library's workers
  *
  *   - for each channel of hints, a counter, and sections on a separate thread while a hint holds
+ *
+ * If the trace has marks of the library already, all sections are on new threads, and the names of
+ * threads and counters end in " (replayed)".
  */
 struct AddedMarks {
     /**
-     * All threads of the compositor's process. The first is the compositor's own; the others are
-     * new and have ids that the trace does not use.
+     * All threads of the compositor's process. The first is the one that composes; others of the
+     * trace keep their ids. New threads have ids that the trace does not use.
      */
     std::vector<AddedThread> threads;
     /** In time order. */

@@ -87,10 +87,12 @@ Recording exampleRecording() {
             hintAt(1'025'000'000, host::HintKind::Release, 0, 1, 0),
     };
     recording.threads = {"Monitor0"};
-    recording.traceMarks = {{1'000'500'001, -1, true, "report"},
-                            {1'000'500'001, 0, true, "x y"},
-                            {1'000'500'001, 0, false, ""},
-                            {1'000'500'002, -1, false, ""}};
+    recording.marks = {{{1'000'000'000, -1, true, "frame"}, 4'194'305},
+                       {{1'000'000'000, -1, false, ""}, 4'194'305},
+                       {{1'000'500'001, -1, true, "report"}, 90},
+                       {{1'000'500'001, 0, true, "x y"}, 0},
+                       {{1'000'500'001, 0, false, ""}, 0},
+                       {{1'000'500'002, -1, false, ""}, 90}};
     return recording;
 }
 
@@ -121,27 +123,30 @@ TEST(MarkedPerfettoTest, AppendsTheMarksToTheWholePackets) {
             "sequence 8 track 1 thread 90 of 90 'sf'",
             // The first id after those of kernels is taken.
             "sequence 8 track 2 thread 4194306 of 90 'Monitor0'",
-            "sequence 8 track 3 thread 4194307 of 90 'hints QB'",
-            "sequence 8 track 4 thread 4194308 of 90 'hints SF'",
-            "sequence 8 track 5 thread 4194309 of 90 'hints rate'",
+            "sequence 8 track 3 thread 4194305 of 90 ''",
+            "sequence 8 track 4 thread 4194307 of 90 'hints QB'",
+            "sequence 8 track 5 thread 4194308 of 90 'hints SF'",
+            "sequence 8 track 6 thread 4194309 of 90 'hints rate'",
+            "sequence 8 clock 6 1000000000 track 3 type 1 'frame'",
+            "sequence 8 clock 6 1000000000 track 3 type 2 ''",
             "sequence 8 clock 6 1000500001 track 1 type 1 'report'",
             "sequence 8 clock 6 1000500001 track 2 type 1 'x y'",
             "sequence 8 clock 6 1000500001 track 2 type 2 ''",
-            "sequence 8 track 6 counter 'hint scale x1000' of track 0",
-            "sequence 8 clock 6 1000500001 track 6 type 4 '282'",
-            "sequence 8 clock 6 1000500001 track 3 type 1 'DOWN 0.282'",
-            "sequence 8 track 7 counter 'hint refresh rate' of track 0",
-            "sequence 8 clock 6 1000500001 track 7 type 4 '90'",
-            "sequence 8 clock 6 1000500001 track 5 type 1 'refresh-rate 90'",
+            "sequence 8 track 7 counter 'hint scale x1000' of track 0",
+            "sequence 8 clock 6 1000500001 track 7 type 4 '282'",
+            "sequence 8 clock 6 1000500001 track 4 type 1 'DOWN 0.282'",
+            "sequence 8 track 8 counter 'hint refresh rate' of track 0",
+            "sequence 8 clock 6 1000500001 track 8 type 4 '90'",
+            "sequence 8 clock 6 1000500001 track 6 type 1 'refresh-rate 90'",
             "sequence 8 clock 6 1000500002 track 1 type 2 ''",
-            "sequence 8 clock 6 1019500001 track 3 type 2 ''",
-            "sequence 8 clock 6 1019500001 track 6 type 4 '0'",
-            "sequence 8 track 8 counter 'hint boost' of track 0",
-            "sequence 8 clock 6 1020000000 track 8 type 4 '1'",
-            "sequence 8 clock 6 1020000000 track 4 type 1 'jank boost 10.000'",
-            "sequence 8 clock 6 1025000000 track 4 type 2 ''",
-            "sequence 8 clock 6 1025000000 track 8 type 4 '0'",
-            "sequence 8 clock 6 1030000000 track 5 type 2 ''",
+            "sequence 8 clock 6 1019500001 track 4 type 2 ''",
+            "sequence 8 clock 6 1019500001 track 7 type 4 '0'",
+            "sequence 8 track 9 counter 'hint boost' of track 0",
+            "sequence 8 clock 6 1020000000 track 9 type 4 '1'",
+            "sequence 8 clock 6 1020000000 track 5 type 1 'jank boost 10.000'",
+            "sequence 8 clock 6 1025000000 track 5 type 2 ''",
+            "sequence 8 clock 6 1025000000 track 9 type 4 '0'",
+            "sequence 8 clock 6 1030000000 track 6 type 2 ''",
     };
     EXPECT_EQ(describe(addedTo(kPackets, kPackets)), expected);
     EXPECT_EQ(describe(addedTo(gzip(kPackets + incomplete), kPackets)), expected);
@@ -152,11 +157,15 @@ TEST(MarkedPerfettoTest, KeepsApartTheMarksOfTwoReplays) {
     const std::string second = addedTo(kPackets + first, kPackets + first);
     // Each descriptor gives a track that no other has, and the events find theirs.
     const std::vector<std::string> lines = describe(first + second);
-    ASSERT_EQ(lines.size(), 48u);
-    EXPECT_EQ(lines[24], "sequence 9 track 9 process 90");
-    EXPECT_EQ(lines[25], "sequence 9 track 10 thread 90 of 90 'sf'");
-    EXPECT_EQ(lines[26], "sequence 9 track 11 thread 4194310 of 90 'Monitor0'");
-    EXPECT_EQ(lines[31], "sequence 9 clock 6 1000500001 track 11 type 1 'x y'");
+    ASSERT_EQ(lines.size(), 55u);
+    EXPECT_EQ(lines[27], "sequence 9 track 10 process 90");
+    EXPECT_EQ(lines[28], "sequence 9 track 11 thread 90 of 90 'sf'");
+    EXPECT_EQ(lines[29], "sequence 9 track 12 thread 4194310 of 90 'Monitor0 (replayed)'");
+    EXPECT_EQ(lines[30], "sequence 9 track 13 thread 4194311 of 90 '4194305 (replayed)'");
+    EXPECT_EQ(lines[31], "sequence 9 track 14 thread 4194312 of 90 'sf (replayed)'");
+    EXPECT_EQ(lines[37], "sequence 9 clock 6 1000500001 track 14 type 1 'report'");
+    EXPECT_EQ(lines[38], "sequence 9 clock 6 1000500001 track 12 type 1 'x y'");
+    EXPECT_EQ(lines[40], "sequence 9 track 18 counter 'hint scale x1000 (replayed)' of track 10");
 }
 
 }  // namespace

@@ -16,6 +16,18 @@
 namespace brevold::trace {
 namespace {
 
+/** The beginnings of the labels of the library's sections. */
+constexpr std::string_view kLibrarySections[] = {"[DOWN_SCALING]mode", "[UP_SCALING]mode",
+                                                 "energyScaling[", "[FM]gMode:"};
+
+bool isLibraryMark(const TraceMark& mark) {
+    return mark.kind == TraceMark::Kind::Begin &&
+           std::any_of(std::begin(kLibrarySections), std::end(kLibrarySections),
+                       [&](std::string_view label) {
+                           return mark.name.substr(0, label.size()) == label;
+                       });
+}
+
 void addLayers(const std::vector<QueuedLayer>& layers, TimelineBuilder& builder,
                std::vector<TraceWarning>* warnings) {
     LineCount belowZero;
@@ -62,8 +74,11 @@ VsyncSource addVsyncs(const Compositor& compositor, TimelineBuilder& builder) {
 Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOptions& options,
                    TraceForm* form) {
     TraceMarks marks;
-    for (TraceMark mark; reader.next(&mark);)
+    bool hasLibraryMarks = false;
+    for (TraceMark mark; reader.next(&mark);) {
         marks.add(mark);
+        hasLibraryMarks |= isLibraryMark(mark);
+    }
 
     Timeline timeline;
     timeline.startNs = reader.startNs();
@@ -90,6 +105,7 @@ Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOp
         *form = reader.form();
         form->compositorPid = compositor.pid();
         form->compositorTid = compositor.tid();
+        form->hasLibraryMarks = hasLibraryMarks;
     }
     return timeline;
 }

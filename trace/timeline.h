@@ -28,6 +28,7 @@ struct TimelineEvent {
     Kind kind;
     int32_t layer;     // Frame, Depth: index into Timeline::layers
     int32_t depth;     // Frame, Depth: the queue depth after the event, at least 0; initially 0
+    int32_t tid;       // the thread of the event; 0 if unknown
     int64_t periodNs;  // Period: the refresh period after the event
 };
 

@@ -53,7 +53,7 @@ void TimelineBuilder::addCompositionsFromLatches() {
     for (size_t i = 0; i < count; ++i) {
         TimelineEvent& event = mTimeline.events[i];
         if (event.kind != Kind::Depth) continue;
-        const TracePoint latch = {event.timeNs, positionOf(event) / kOrders};
+        const TracePoint latch = {event.timeNs, positionOf(event) / kOrders, event.tid};
         if (first && latch.timeNs - first->timeNs > kMaxLatchSpanNs) {
             addCompositionAround(*first, last);
             first.reset();
@@ -74,7 +74,7 @@ void TimelineBuilder::addVsync(TracePoint at) {
 }
 
 void TimelineBuilder::addPeriod(int64_t timeNs, int64_t periodNs) {
-    mTimeline.events.push_back({timeNs, Kind::Period, 0, 0, periodNs});
+    mTimeline.events.push_back({timeNs, Kind::Period, 0, 0, 0, periodNs});
 }
 
 void TimelineBuilder::finish() {
@@ -85,7 +85,7 @@ void TimelineBuilder::finish() {
 }
 
 void TimelineBuilder::add(TracePoint at, Order order, Kind kind, int32_t layer, int32_t depth) {
-    mTimeline.events.push_back({at.timeNs, kind, layer, depth, 0});
+    mTimeline.events.push_back({at.timeNs, kind, layer, depth, at.tid, 0});
     positionOf(mTimeline.events.back()) = at.line * kOrders + static_cast<int64_t>(order);
 }
 

@@ -15,7 +15,7 @@ struct MarkStyle {
     int32_t decimals = 0;       // the maximum number of decimals in an event's time
 };
 
-/** What a writer needs to add marks to a trace in the trace's own notation. */
+/** The notation and the threads of a trace, for a writer that adds marks to it. */
 struct TraceForm {
     /** Of a text. */
     MarkStyle style;
@@ -25,6 +25,8 @@ struct TraceForm {
     std::unordered_map<int32_t, std::string> threads;
     int32_t compositorPid = 0;
     int32_t compositorTid = 0;
+    /** The trace has sections of the library, recorded on a device or added by a replay. */
+    bool hasLibraryMarks = false;
 };
 
 }  // namespace brevold::trace
