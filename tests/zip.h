@@ -10,7 +10,7 @@
 namespace brevold {
 
 /** Returns a zip archive of members with these names and bytes. */
-inline std::string zip(const std::vector<std::pair<std::string, std::string>>& members) {
+inline std::string zipOf(const std::vector<std::pair<std::string, std::string>>& members) {
     zip_error_t error;
     zip_error_init(&error);
     zip_source_t* const buffer = zip_source_buffer_create(nullptr, 0, 0, &error);
