@@ -67,10 +67,12 @@ void writeTrace(trace::ByteSource& text, const std::string& path, const trace::T
             while (next != added.marks.end() && next->timeNs < timeNs)
                 writeNext();
         }
+        if (lines.isUnfinished()) break;
         out << line << '\n';
     }
     while (next != added.marks.end())
         writeNext();
+    if (lines.isUnfinished()) out << line;
 }
 
 }  // namespace brevold::replay

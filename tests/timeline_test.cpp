@@ -1,16 +1,17 @@
-// From an input's bytes to a timeline: the kinds of input, the lines of a trace, the activity of
-// the compositor, errors and warnings.
+// From an input's bytes to a timeline: the lines of a trace, the activity of the compositor,
+// errors and warnings.
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <sstream>
 #include <tuple>
 
 #include "base/error.h"
 #include "replay/labels.h"
 #include "tests/gzip.h"
+#include "tests/pages.h"
+#include "tests/rest.h"
 #include "trace/read_timeline.h"
 #include "trace/refresh_period.h"
 #include "trace/string_source.h"
@@ -29,14 +30,6 @@ constexpr size_t kWhole = std::string::npos;
 
 TraceInput inputOf(const std::string& bytes, size_t maxRead = kWhole) {
     return {std::make_unique<StringSource>(bytes, maxRead), kName};
-}
-
-std::string rest(ByteSource& source) {
-    std::string text;
-    char block[1000];
-    while (const size_t count = source.read(block, sizeof(block)))
-        text.append(block, count);
-    return text;
 }
 
 Timeline read(const std::string& bytes, const TimelineOptions& options = {},
@@ -108,65 +101,10 @@ std::string describe(const Timeline& timeline) {
            vsyncSourceText(timeline.vsyncSource);
 }
 
-const std::string kElement = "<script class=\"trace-data\" type=\"application/text\">\n";
-
-std::string pageOf(const std::string& content, size_t viewerBytes = 30) {
-    return "<!DOCTYPE html>\n<script>" + std::string(viewerBytes, 'x') + "</script>\n" + kElement +
-           "PROCESS DUMP\n  </script>\n" + kElement + content + "  </script>\n</html>\n";
-}
-
-std::string oldPageOf(const std::string& content) {
-    std::string escaped = std::regex_replace(content, std::regex("[\"\\\\]"), "\\$&");
-    escaped.pop_back();  // The string may end without a newline.
-    escaped = std::regex_replace(escaped, std::regex("\n"), "\\n\\\n");
-    return "<html><script>\n  var linuxPerfData = \"\\\n" + escaped + "\";\n</script></html>";
-}
-
-TEST(TimelineTest, FindsTheTextInEveryKindOfInput) {
-    const std::string text = "# tracer: nop\n" + trace("0 91 +a;20 90 B|90|composite \"1\\2\";");
-    std::string longText = text;
-    for (int i = 1; i <= 20'000; ++i)
-        longText += fmt::format("a-{} [000] 2.0: 0: C|90|a|{}\n", 90 + i % 2, i % 2);
-    longText += trace("20000 90 C|90|VSYNC|1;");
-    const std::vector<size_t> small = {1, 2, 3, 7, 64, kWhole};
-    const std::vector<size_t> large = {4096, kWhole};
-    const struct {
-        const char* what;
-        std::string bytes;
-        std::string text;
-        std::vector<size_t> maxReads;
-    } cases[] = {
-            {"text", text, text, small},
-            {"old page", oldPageOf(text), text, small},
-            {"two pages", pageOf(text) + pageOf(text), text + text, small},
-            {"long page", pageOf(longText, 300'000), longText, large},
-            {"gzip", gzip(text), text, small},
-            {"gzip of two members and padding", gzip(text) + gzip(text) + "0", text + text, small},
-            {"gzip of an old page", gzip(oldPageOf(text)), text, small},
-            {"gzip of a long page", gzip(pageOf(longText, 300'000)), longText, large},
-    };
-    for (const auto& [what, bytes, expected, maxReads] : cases) {
-        for (const size_t maxRead : maxReads) {
-            TraceInput input = inputOf(bytes, maxRead);
-            EXPECT_EQ(rest(input.open()), expected) << what << " in reads of " << maxRead;
-            char some[10];
-            input.open().read(some, sizeof(some));
-            EXPECT_EQ(rest(input.open()), expected) << what << " again, in reads of " << maxRead;
-        }
-    }
-    EXPECT_EQ(layersOf(read(longText)), "a#0*10001 ");
-}
-
 TEST(TimelineTest, ReportsErrorsAndWarnings) {
     const std::string event = "a-7 [001] 1.0: sched_wakeup: comm=b\n";
     const std::string start = trace("40 9 C|9|BufferTX - a|3;50 9 C|9|BufferTX - a|2;");
     const std::string early = trace("0 9 E;");
-    const auto cutShort = [](int line) {
-        return fmt::format(
-                ":{}: expected a whole line, got the end of the text; was the recording "
-                "cut short?",
-                line);
-    };
     const std::string whole = gzip(start);
     const std::string page = pageOf(start);
     const char* const kNoCompositor =
@@ -182,8 +120,9 @@ TEST(TimelineTest, ReportsErrorsAndWarnings) {
             {trace("0 90 C|90|VSYNC|1;"),
              {": no layer has frames; record the trace with graphics events"}},
             {event + std::string(1, '\0') + "\n",
-             {": expected text, got binary data at byte 36; record the trace as text"}},
-            {event + "a-7 [001] 1.0: 0: C|9|a|1", {cutShort(2)}},
+             {": expected text, got binary data at byte 36; copy the file again"}},
+            {start + "a-7 [001] 1.0: 0: C|9|a",
+             {"lines skipped because the text ends inside them: 1, the first in line 3"}},
             {trace("0 91 +crosses threads;100 91 +crosses threads;"), {kNoCompositor}},
             {start + trace("60 7 C|7|a;61 7 C|7|a|9223372036854775808;"),
              {"counters skipped because their value is not a number: 2, the first in line 3"}},
@@ -229,7 +168,8 @@ TEST(TimelineTest, ReportsErrorsAndWarnings) {
              {":1: expected a refresh period of 1000000 to 1000000000 ns, got '999999'"}},
             {"16666666\n0\t0\t0\n5\t9223372036854775807\t6\n",
              {": expected rows of presented frames, got none; was the layer drawing?"}},
-            {"16666666\n5000\t6000\t50", {cutShort(2)}},
+            {"16666666\n500\t600\t500\n5000\t6000\t50",
+             {"lines skipped because the text ends inside them: 1, the first in line 3"}},
             {"16666666\n5\t6000\t5\nx\n5\t7000\t4\n5\t8000\t9000000000000000001\n",
              {"lines that are not rows of a latency dump: 2, the first in line 3",
               "rows skipped because they go back in time: 1, the first in line 4"}},
@@ -299,6 +239,13 @@ TEST(TimelineTest, ReadsTheEvents) {
                    "90 90 C|90|BufferTX - a#1|0;100 91 +BufferTX - b#2;"),
              "0 16666666 0a#1=1 10< 10a#1=0 10> 41b#2=1 51< 51b#2=0 60a#1=1 90a#1=0 90> 100b#2=1 "
              "110< 110b#2=0 110> to 110; a#1*2 b#2*2 ; latches, none in the trace"},
+            // Ready after the present: queued at the desired present, not before the frame above.
+            {"16666666\n30000000\t50000000\t20000000\n40000000\t66700000\t90000000\n"
+             "10000000\t84000000\t99000000\n0\t100700000\t110000000\n",
+             "200 16666666 200layer#0=1 333< 333layer#0=0 333> 400layer#0=1 400layer#0=2 500| 500< "
+             "500layer#0=1 500> 667| 673< 673layer#0=0 673> 840| 1007layer#0=1 1007< 1007layer#0=0 "
+             "1007> 1007| to 1007; layer#0*4 ; present times minus a refresh period, present "
+             "times"},
             // The fourth frame is ready late; the first row is unused, the last two are pending.
             {"WARNING: something\n16700000\n0\t0\t0\n5\t50000000\t10000000\n5\t67000000\t20000000\n"
              "5\t84000000\t75000000\n90000000\t9223372036854775807\t80000000\n0\t0\t90000000\n\n",

@@ -41,7 +41,7 @@ bool TextMarkReader::readLine() {
     if (!mLines.next(&text)) return false;
     EventLine line;
     if (!parseEventLine(text, &line)) {
-        if (!isBlankOrComment(text)) mStray.add(mLines.lineNumber());
+        if (!isBlankOrComment(text)) noteSkipped();
         noteHeader(text);
         return true;
     }
@@ -84,6 +84,10 @@ void TextMarkReader::noteHeader(std::string_view text) {
     }
 }
 
+void TextMarkReader::noteSkipped() {
+    (mLines.isUnfinished() ? mUnfinished : mStray).add(mLines.lineNumber());
+}
+
 bool TextMarkReader::parseMark(std::string_view payload, TraceMark* mark) {
     switch (parseMarkPayload(payload, mark)) {
         case MarkPayload::Mark:
@@ -91,7 +95,11 @@ bool TextMarkReader::parseMark(std::string_view payload, TraceMark* mark) {
         case MarkPayload::Other:
             return false;
         case MarkPayload::BadCounterValue:
-            mBadCounters.add(mark->line);
+            if (mLines.isUnfinished()) {
+                noteSkipped();
+            } else {
+                mBadCounters.add(mark->line);
+            }
             return false;
     }
     return false;
@@ -123,6 +131,7 @@ void TextMarkReader::noteStyle(const EventLine& line, std::string_view event,
 std::vector<TraceWarning> TextMarkReader::warnings() const {
     std::vector<TraceWarning> warnings;
     addWarning(TraceWarning::Kind::StrayLine, mStray, &warnings);
+    addWarning(TraceWarning::Kind::UnfinishedLine, mUnfinished, &warnings);
     // Recorders close with a mark of time 0.
     const bool isClosingMark = mOutOfOrder.lines == 1 && mIsLastOutOfOrder;
     if (!isClosingMark) addWarning(TraceWarning::Kind::OutOfOrderLine, mOutOfOrder, &warnings);
@@ -141,7 +150,6 @@ void TextMarkReader::checkEnd() const {
     if (mEvents == 0) {
         throw InputError(mPath + ": expected ftrace text, got no line with an event");
     }
-    mLines.requireWholeLines();
     if (mOutOfOrder.lines > mEvents) {
         throw InputError(
                 fmt::format("{}:{}: expected ascending times, got mostly earlier ones from "

@@ -19,9 +19,9 @@ class TextMarkReader : public MarkReader {
     TextMarkReader(ByteSource& text, std::string path);
 
     /**
-     * Skips lines that are not events, lines more than kMaxDisorderNs earlier than a line above,
-     * and counters whose value is not a number. Throws InputError if the text is empty, binary or
-     * incomplete, has no events, or has mostly lines out of order.
+     * Skips lines that are not events, an incomplete last line, lines more than kMaxDisorderNs
+     * earlier than a line above, and counters whose value is not a number. Throws InputError if the
+     * text is empty or binary, has no events, or has mostly lines out of order.
      */
     bool next(TraceMark* mark) override;
 
@@ -34,6 +34,7 @@ class TextMarkReader : public MarkReader {
   private:
     bool readLine();
     void noteHeader(std::string_view text);
+    void noteSkipped();
     bool parseMark(std::string_view payload, TraceMark* mark);
     void noteThread(const EventLine& line);
     void noteStyle(const EventLine& line, std::string_view event, const TraceMark& mark);
@@ -45,6 +46,7 @@ class TextMarkReader : public MarkReader {
     int64_t mStartNs = 0;
     int64_t mEndNs = 0;
     LineCount mStray;
+    LineCount mUnfinished;
     LineCount mOutOfOrder;
     LineCount mBadCounters;
     LineCount mOverrun;             // events lost, and the line of the header
