@@ -122,7 +122,9 @@ TEST(FocusTest, FollowsTheLayerWithTheMostFramesInEachSecond) {
         std::string focus = std::to_string(timeline.focusedLayer);
         const std::deque<TimelineEvent>& events = timeline.events;
         for (size_t i = 0; i < events.size(); ++i) {
-            if (i > 0) EXPECT_LE(events[i - 1].timeNs, events[i].timeNs) << what;
+            if (i > 0) {
+                EXPECT_LE(events[i - 1].timeNs, events[i].timeNs) << what;
+            }
             if (events[i].kind != Kind::Focus) continue;
             focus += fmt::format(" {}:{}", events[i].timeNs / kMs - 5000, events[i].layer);
             EXPECT_LT(events[i - 1].timeNs, events[i].timeNs) << what;
