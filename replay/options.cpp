@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/file_identity.h"
 #include "host/device_profile.h"
 #include "replay/plot.h"
 
@@ -65,13 +66,16 @@ void addOptions(CLI::App& app, Options& options) {
 void checkOptions(const Options& options) {
     if (!options.plot.empty()) plotTerminal(options.plot);
     checkWindow(options.window);
-    if (options.traces.size() == 1) return;
-    const std::pair<const char*, const std::string&> outputs[] = {{"--hints", options.hints},
-                                                                  {"--trace-out", options.traceOut},
-                                                                  {"--plot", options.plot}};
-    for (const auto& [name, path] : outputs) {
-        if (!path.empty()) throw std::runtime_error(std::string(name) + " takes one trace");
+    std::vector<NamedFile> outputs;
+    for (const NamedFile& output :
+         {NamedFile{"--hints", options.hints}, NamedFile{"--trace-out", options.traceOut},
+          NamedFile{"--plot", options.plot}}) {
+        if (!output.path.empty()) outputs.push_back(output);
     }
+    if (options.traces.size() > 1 && !outputs.empty()) {
+        throw std::runtime_error(outputs.front().option + " takes one trace");
+    }
+    requireSeparateFiles(options.traces, outputs);
 }
 
 void applyProfile(const Options& options) {
