@@ -70,6 +70,8 @@ Label labelOf(trace::TraceWarning::Kind kind) {
             return {"lines that are not trace events", "stray-line"};
         case Kind::OutOfOrderLine:
             return {"lines skipped because they go back in time", "out-of-order-line"};
+        case Kind::UnfinishedLine:
+            return {"lines skipped because the text ends inside them", "unfinished-line"};
         case Kind::StrayRow:
             return {"lines that are not rows of a latency dump", "stray-row"};
         case Kind::OutOfOrderRow:

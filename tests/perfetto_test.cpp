@@ -349,12 +349,11 @@ TEST(PerfettoTest, LimitsTheExpansion) {
     };
     for (const auto& one : cases) {
         ExpansionLimit limit("trace");
-        limit.addCompressed(one.compressed);
-        limit.addExpanded(one.expanded - 1);
+        limit.add(one.expanded - 1, one.compressed);
         if (one.isRefused) {
-            EXPECT_THROW(limit.addExpanded(1), InputError) << one.expanded;
+            EXPECT_THROW(limit.add(1, one.compressed), InputError) << one.expanded;
         } else {
-            EXPECT_NO_THROW(limit.addExpanded(1)) << one.expanded;
+            EXPECT_NO_THROW(limit.add(1, one.compressed)) << one.expanded;
         }
     }
 }

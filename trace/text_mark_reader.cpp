@@ -32,7 +32,7 @@ bool TextMarkReader::next(TraceMark* mark) {
     while (mLines.next(&text)) {
         EventLine line;
         if (!parseEventLine(text, &line)) {
-            if (!isBlankOrComment(text)) mStray.add(mLines.lineNumber());
+            if (!isBlankOrComment(text)) noteSkipped();
             continue;
         }
         mIsLastOutOfOrder = mEvents > 0 && line.timeNs < mEndNs - kMaxDisorderNs;
@@ -59,14 +59,20 @@ bool TextMarkReader::next(TraceMark* mark) {
     return false;
 }
 
-bool TextMarkReader::parseMark(std::string_view payload, TraceMark* mark) const {
+void TextMarkReader::noteSkipped() {
+    (mLines.isUnfinished() ? mUnfinished : mStray).add(mLines.lineNumber());
+}
+
+bool TextMarkReader::parseMark(std::string_view payload, TraceMark* mark) {
     switch (parseMarkPayload(payload, mark)) {
         case MarkPayload::Mark:
             return true;
         case MarkPayload::Other:
             return false;
         case MarkPayload::BadCounterValue:
-            break;
+            if (!mLines.isUnfinished()) break;
+            noteSkipped();
+            return false;
     }
     throw InputError(fmt::format("{}:{}: expected a counter with a whole number, got {}", mPath,
                                  mark->line, quote(payload)));
@@ -98,6 +104,7 @@ void TextMarkReader::noteStyle(const EventLine& line, std::string_view event,
 std::vector<TraceWarning> TextMarkReader::warnings() const {
     std::vector<TraceWarning> warnings;
     addWarning(TraceWarning::Kind::StrayLine, mStray, &warnings);
+    addWarning(TraceWarning::Kind::UnfinishedLine, mUnfinished, &warnings);
     // Recorders close with a mark of time 0.
     const bool isClosingMark = mOutOfOrder.lines == 1 && mIsLastOutOfOrder;
     if (!isClosingMark) addWarning(TraceWarning::Kind::OutOfOrderLine, mOutOfOrder, &warnings);
@@ -111,7 +118,6 @@ void TextMarkReader::checkEnd() const {
     if (mEvents == 0) {
         throw InputError(mPath + ": expected ftrace text, got no line with an event");
     }
-    mLines.requireWholeLines();
     if (mOutOfOrder.lines > mEvents) {
         throw InputError(
                 fmt::format("{}:{}: expected ascending times, got mostly earlier ones from "

@@ -17,10 +17,10 @@ class TextMarkReader : public MarkReader {
     TextMarkReader(ByteSource& text, std::string path);
 
     /**
-     * Skips lines that are not events, and lines more than 1 ms earlier than a line above. A line
-     * that is earlier by less takes the time of the line above. Throws InputError if the text is
-     * empty, binary or incomplete, has no events, has mostly lines out of order, or has a counter
-     * whose value is not a number.
+     * Skips lines that are not events, an incomplete last line, and lines more than 1 ms earlier
+     * than a line above. A line that is earlier by less takes the time of the line above. Throws
+     * InputError if the text is empty or binary, has no events, has mostly lines out of order, or
+     * has a counter whose value is not a number.
      */
     bool next(TraceMark* mark) override;
 
@@ -31,7 +31,8 @@ class TextMarkReader : public MarkReader {
     const TraceForm& form() const override { return mForm; }
 
   private:
-    bool parseMark(std::string_view payload, TraceMark* mark) const;
+    void noteSkipped();
+    bool parseMark(std::string_view payload, TraceMark* mark);
     void noteThread(const EventLine& line);
     void noteStyle(const EventLine& line, std::string_view event, const TraceMark& mark);
     void checkEnd() const;
@@ -42,6 +43,7 @@ class TextMarkReader : public MarkReader {
     int64_t mStartNs = 0;
     int64_t mEndNs = 0;
     LineCount mStray;
+    LineCount mUnfinished;
     LineCount mOutOfOrder;
     bool mIsLastOutOfOrder = false;
     bool mHasStyle = false;

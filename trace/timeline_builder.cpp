@@ -1,6 +1,7 @@
 #include "trace/timeline_builder.h"
 
 #include <algorithm>
+#include <optional>
 #include <tuple>
 
 namespace brevold::trace {
@@ -8,6 +9,20 @@ namespace {
 
 /** Latches of one composition are at most this far apart. */
 constexpr int64_t kMaxLatchSpanNs = 4'000'000;
+constexpr int64_t kOrders = 3;
+
+/**
+ * Until finish(), periodNs of an event that has no period is its position in the trace: a separate
+ * position would need half as much memory again.
+ */
+int64_t& positionOf(TimelineEvent& event) {
+    return event.periodNs;
+}
+
+/** Periods are first among the events of their time. */
+int64_t sortKey(const TimelineEvent& event) {
+    return event.kind == TimelineEvent::Kind::Period ? -1 : event.periodNs;
+}
 
 }  // namespace
 
@@ -17,7 +32,7 @@ int32_t TimelineBuilder::addLayer(std::string name) {
 }
 
 void TimelineBuilder::addFrame(TracePoint at, int32_t layer, int32_t depth) {
-    addDepth(at, Kind::Frame, layer, depth);
+    add(at, Order::At, Kind::Frame, layer, depth);
     Layer& counted = mTimeline.layers[static_cast<size_t>(layer)];
     const bool isFirst = counted.frames++ == 0;
     counted.firstFrameNs = isFirst ? at.timeNs : std::min(counted.firstFrameNs, at.timeNs);
@@ -25,8 +40,7 @@ void TimelineBuilder::addFrame(TracePoint at, int32_t layer, int32_t depth) {
 }
 
 void TimelineBuilder::addLatch(TracePoint at, int32_t layer, int32_t depth) {
-    addDepth(at, Kind::Depth, layer, depth);
-    mLatches.push_back(at);
+    add(at, Order::At, Kind::Depth, layer, depth);
 }
 
 void TimelineBuilder::addComposition(TracePoint begin, TracePoint end) {
@@ -35,16 +49,27 @@ void TimelineBuilder::addComposition(TracePoint begin, TracePoint end) {
 }
 
 void TimelineBuilder::addCompositionsFromLatches() {
-    std::sort(mLatches.begin(), mLatches.end(),
-              [](TracePoint a, TracePoint b) { return a.line < b.line; });
-    for (auto first = mLatches.begin(); first != mLatches.end();) {
-        const auto next = std::find_if(first, mLatches.end(), [first](TracePoint latch) {
-            return latch.timeNs - first->timeNs > kMaxLatchSpanNs;
-        });
-        add(*first, Order::Before, Kind::CompositionBegin);
-        add(*std::prev(next), Order::After, Kind::CompositionEnd);
-        first = next;
+    sortEvents();
+    std::optional<TracePoint> first;
+    TracePoint last = {};
+    const size_t count = mTimeline.events.size();
+    for (size_t i = 0; i < count; ++i) {
+        TimelineEvent& event = mTimeline.events[i];
+        if (event.kind != Kind::Depth) continue;
+        const TracePoint latch = {event.timeNs, positionOf(event) / kOrders, event.tid};
+        if (first && latch.timeNs - first->timeNs > kMaxLatchSpanNs) {
+            addCompositionAround(*first, last);
+            first.reset();
+        }
+        if (!first) first = latch;
+        last = latch;
     }
+    if (first) addCompositionAround(*first, last);
+}
+
+void TimelineBuilder::addCompositionAround(TracePoint firstLatch, TracePoint lastLatch) {
+    add(firstLatch, Order::Before, Kind::CompositionBegin);
+    add(lastLatch, Order::After, Kind::CompositionEnd);
 }
 
 void TimelineBuilder::addVsync(TracePoint at) {
@@ -52,28 +77,27 @@ void TimelineBuilder::addVsync(TracePoint at) {
 }
 
 void TimelineBuilder::addPeriod(int64_t timeNs, int64_t periodNs) {
-    add({timeNs, 0}, Order::At, Kind::Period);
-    mEvents.back().event.periodNs = periodNs;
+    mTimeline.events.push_back({timeNs, Kind::Period, 0, 0, 0, periodNs});
 }
 
 void TimelineBuilder::finish() {
-    std::sort(mEvents.begin(), mEvents.end(), [](const OrderedEvent& a, const OrderedEvent& b) {
-        return std::tie(a.event.timeNs, a.line, a.order) <
-               std::tie(b.event.timeNs, b.line, b.order);
-    });
-    mTimeline.events.reserve(mEvents.size());
-    for (const OrderedEvent& ordered : mEvents)
-        mTimeline.events.push_back(ordered.event);
+    sortEvents();
+    for (TimelineEvent& event : mTimeline.events) {
+        if (event.kind != Kind::Period) positionOf(event) = 0;
+    }
 }
 
-void TimelineBuilder::add(TracePoint at, Order order, Kind kind) {
-    mEvents.push_back({at.line, order, {at.timeNs, kind, 0, 0, at.tid, 0}});
+void TimelineBuilder::add(TracePoint at, Order order, Kind kind, int32_t layer, int32_t depth) {
+    mTimeline.events.push_back({at.timeNs, kind, layer, depth, at.tid, 0});
+    positionOf(mTimeline.events.back()) = at.line * kOrders + static_cast<int64_t>(order);
 }
 
-void TimelineBuilder::addDepth(TracePoint at, Kind kind, int32_t layer, int32_t depth) {
-    add(at, Order::At, kind);
-    mEvents.back().event.layer = layer;
-    mEvents.back().event.depth = depth;
+void TimelineBuilder::sortEvents() {
+    std::sort(mTimeline.events.begin(), mTimeline.events.end(),
+              [](const TimelineEvent& a, const TimelineEvent& b) {
+                  return std::make_tuple(a.timeNs, sortKey(a)) <
+                         std::make_tuple(b.timeNs, sortKey(b));
+              });
 }
 
 }  // namespace brevold::trace

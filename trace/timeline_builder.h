@@ -39,18 +39,11 @@ class TimelineBuilder {
     /** Orders events of the same line. */
     enum class Order : uint8_t { Before, At, After };
 
-    struct OrderedEvent {
-        int64_t line;
-        Order order;
-        TimelineEvent event;
-    };
-
-    void add(TracePoint at, Order order, Kind kind);
-    void addDepth(TracePoint at, Kind kind, int32_t layer, int32_t depth);
+    void add(TracePoint at, Order order, Kind kind, int32_t layer = 0, int32_t depth = 0);
+    void addCompositionAround(TracePoint firstLatch, TracePoint lastLatch);
+    void sortEvents();
 
     Timeline& mTimeline;
-    std::vector<OrderedEvent> mEvents;
-    std::vector<TracePoint> mLatches;
 };
 
 }  // namespace brevold::trace

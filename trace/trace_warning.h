@@ -15,6 +15,7 @@ struct TraceWarning {
     enum class Kind : uint8_t {
         StrayLine,         // not an event, a comment or blank; skipped
         OutOfOrderLine,    // more than 1 ms earlier than a line above; skipped
+        UnfinishedLine,    // the last one, which ends inside an event or a row; skipped
         StrayRow,          // not a row of a latency dump; skipped
         OutOfOrderRow,     // its frame was ready before that of an earlier row; skipped
         IncompletePacket,  // the last one of a Perfetto trace; skipped from there on
