@@ -31,7 +31,8 @@ void addOptions(CLI::App& app, Options& options) {
     const auto layer =
             app.add_option("--layer", options.timeline.layer,
                            "focused layer: its name, or a part that no other layer's name has; "
-                           "without it, the application's layer with the most frames")
+                           "without it, the application's layer with the most frames; for a "
+                           "latency dump, the name of its layer")
                     ->type_name("NAME");
     app.add_flag("--follow-focus", options.timeline.followsFocus,
                  "move the focus each second to the application's layer with the most frames in "

@@ -35,6 +35,7 @@ constexpr size_t kBlockBytes = 64 * 1024;
 constexpr size_t kMaxTagBytes = 1024;
 /** The beginning of an element or a string that decides if it is a trace. */
 constexpr size_t kHeadBytes = 4096;
+constexpr size_t kMaxDumpBytes = 4 * 1024 * 1024;
 /** The end of an element that may be blanks and the closing tag. */
 constexpr size_t kTailBytes = 64;
 /** Each step of the parser sees this much of the page, so that it never has to start again. */
@@ -97,6 +98,7 @@ void PageSource::rewind() {
     mHasTrace = false;
     mText.clear();
     mGiven = 0;
+    mDump.clear();
     mLast = '\n';
 }
 
@@ -120,6 +122,7 @@ void PageSource::advance() {
             findTrace();
             break;
         case Place::TraceElement:
+        case Place::ProcessDump:
         case Place::OtherElement:
             takeElement();
             break;
@@ -158,7 +161,9 @@ void PageSource::enterElement() {
     mBegin = std::min(mPage.find_first_not_of("\r\n", mBegin), mPage.size());
     const std::string_view head = rest().substr(0, kHeadBytes);
     const bool isTrace = beginsAsFtrace(head.substr(0, head.find(kElementEnd)));
-    mPlace = isTrace ? Place::TraceElement : Place::OtherElement;
+    mPlace = isTrace               ? Place::TraceElement
+             : isProcessDump(head) ? Place::ProcessDump
+                                   : Place::OtherElement;
     mHasTrace |= isTrace;
 }
 
@@ -182,6 +187,10 @@ void PageSource::takeElement() {
         // A last line of blanks is the indentation of the closing tag.
         if (isWhole) mText.erase(mText.find_last_not_of(" \t") + 1);
         finishText(isWhole);
+    } else if (mPlace == Place::ProcessDump) {
+        mDump.append(rest().substr(0, std::min(taken, kMaxDumpBytes - mDump.size())));
+        if (isWhole) addProcesses(mDump, &mProcesses);
+        if (isWhole) mDump.clear();
     }
     mBegin += taken + (isWhole ? kElementEnd.size() : 0);
     if (isWhole) mPlace = Place::Outside;

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "trace/byte_source.h"
+#include "trace/process_dump.h"
 
 namespace brevold::trace {
 
@@ -25,10 +26,12 @@ class PageSource : public ByteSource {
     /** Throws InputError also if the page is incomplete or has no ftrace text. */
     size_t read(char* text, size_t size) override;
     void rewind() override;
+    /** The processes that the page lists, in the part read so far. */
+    const ProcessNames& processes() const { return mProcesses; }
     uint64_t inputBytes() const override { return mInput->inputBytes(); }
 
   private:
-    enum class Place : uint8_t { Outside, TraceElement, OtherElement, String };
+    enum class Place : uint8_t { Outside, TraceElement, ProcessDump, OtherElement, String };
 
     std::string_view rest() const { return std::string_view(mPage).substr(mBegin); }
     void fill();
@@ -53,6 +56,8 @@ class PageSource : public ByteSource {
     bool mHasTrace = false;
     std::string mText;  // parsed; read() has given the first mGiven bytes
     size_t mGiven = 0;
+    std::string mDump;  // of the processes
+    ProcessNames mProcesses;
     char mLast = '\n';  // the last byte of the trace so far
 };
 

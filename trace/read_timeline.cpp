@@ -166,7 +166,9 @@ Timeline readTimeline(TraceInput& input, const TimelineOptions& options, TraceFo
         return readPerfetto(text, input.name(), options, form);
     }
     TextMarkReader reader(text, input.name());
-    return readMarks(reader, input.name(), options, form);
+    Timeline timeline = readMarks(reader, input.name(), options, form);
+    if (form != nullptr) form->processes = input.processes();
+    return timeline;
 }
 
 }  // namespace brevold::trace

@@ -6,7 +6,6 @@
 #include "trace/gzip_source.h"
 #include "trace/head_source.h"
 #include "trace/input_format.h"
-#include "trace/page_source.h"
 #include "trace/tail_source.h"
 #include "trace/trace_member.h"
 #include "trace/unreadable_format.h"
@@ -95,15 +94,22 @@ TraceInput::TraceInput(std::unique_ptr<ByteSource> bytes, std::string name,
         case InputFormat::LatencyDump:
             mKind = Kind::LatencyDump;
             break;
-        case InputFormat::Page:
-            mTrace = std::make_unique<PageSource>(std::move(source), mName);
+        case InputFormat::Page: {
+            auto page = std::make_unique<PageSource>(std::move(source), mName);
+            mPage = page.get();
+            mTrace = std::move(page);
             return;
+        }
         case InputFormat::OtherBinary:
             throw InputError(mName + ": expected a trace, got binary data of an unknown format");
         default:
             break;
     }
     mTrace = std::move(source);
+}
+
+ProcessNames TraceInput::processes() const {
+    return mPage == nullptr ? ProcessNames() : mPage->processes();
 }
 
 ByteSource& TraceInput::open() {

@@ -7,6 +7,7 @@
 #include "trace/byte_source.h"
 #include "trace/expansion_limit.h"
 #include "trace/file_source.h"
+#include "trace/page_source.h"
 
 namespace brevold::trace {
 
@@ -41,9 +42,13 @@ class TraceInput {
      */
     ByteSource& open();
 
+    /** Returns the processes that a page lists, in the part read so far. */
+    ProcessNames processes() const;
+
   private:
     const std::string mName;
     std::unique_ptr<ByteSource> mTrace;
+    const PageSource* mPage = nullptr;  // mTrace, if that is a page
     Kind mKind;
 };
 
