@@ -29,8 +29,9 @@ static void compareWithExpression(const std::string& name, int tokensLeft) {
         ASSERT_EQ(android::getPackageName(layer), isMatch ? match[1].str() : "") << layer;
     }
     if (tokensLeft == 0) return;
-    for (const char* token :
-         {"SurfaceView", "S", "a", "/", "#", "0", "-", " ", "\t", "\n", "\r", "\xe9"}) {
+    // The bytes of each class, and those next to its ends.
+    for (const char* token : {"SurfaceView", "a", "/", "#", "0", "9", ":", "-", " ", "\x08", "\t",
+                              "\n", "\v", "\r", "\x0e", "\xe9"}) {
         compareWithExpression(name + token, tokensLeft - 1);
         if (testing::Test::HasFatalFailure()) return;
     }
@@ -38,7 +39,7 @@ static void compareWithExpression(const std::string& name, int tokensLeft) {
 
 TEST(NameTest, PackageNameOfEveryShortNameIsThatOfTheExpression) {
     for (const char* begin : {"", "SurfaceView-"})
-        compareWithExpression(begin, 4);
+        compareWithExpression(begin, 3);
 }
 
 TEST(NameTest, LongNamesAreNotMatchedAsAWhole) {
