@@ -28,28 +28,20 @@ using host::ServiceCall;
 
 constexpr auto kWindow = std::chrono::milliseconds(1001);
 
-std::atomic<int> gDelayMs;
 std::atomic<int> gHintsStarted;
-std::atomic<int> gHintsFinished;
 std::atomic<int64_t> gHintStartNs;
 cpu_set_t gProcessors;
 std::array<std::atomic<pid_t>, 2> gWorkers;
 std::array<std::atomic<pthread_t>, 2> gWorkerThreads;
 
 void onServiceCall(const ServiceCall& call, void* /*context*/) {
-    const bool isScaling =
-            call.kind == ServiceCall::Kind::Hint && call.identifier == android::kScalingHint;
-    if (isScaling) {
-        const bool isQb = android::unpackTypeWord(static_cast<uint32_t>(call.type)).isQb;
-        const size_t channel = isQb ? android::kQbChannel : android::kSfChannel;
-        gWorkers[channel] = gettid();
-        gWorkerThreads[channel] = pthread_self();
-        gHintStartNs = call.timeNs;
-        ++gHintsStarted;
-    }
-    const int delayMs = gDelayMs;
-    if (delayMs != 0) std::this_thread::sleep_for(std::chrono::milliseconds(delayMs));
-    if (isScaling) ++gHintsFinished;
+    if (call.kind != ServiceCall::Kind::Hint || call.identifier != android::kScalingHint) return;
+    const bool isQb = android::unpackTypeWord(static_cast<uint32_t>(call.type)).isQb;
+    const size_t channel = isQb ? android::kQbChannel : android::kSfChannel;
+    gWorkers[channel] = gettid();
+    gWorkerThreads[channel] = pthread_self();
+    gHintStartNs = call.timeNs;
+    ++gHintsStarted;
 }
 
 }  // namespace
@@ -121,20 +113,12 @@ LayerFrameInfo frameOf(const std::string& layerName) {
     return info;
 }
 
-void setServiceDelayMs(int delayMs) {
-    gDelayMs = delayMs;
-}
-
 int hintsStarted() {
     return gHintsStarted;
 }
 
 int64_t hintStartNs() {
     return gHintStartNs;
-}
-
-bool isHintInProgress() {
-    return gHintsStarted != gHintsFinished;
 }
 
 pid_t workerOf(Channel channel) {

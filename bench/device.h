@@ -13,7 +13,6 @@
 namespace brevold::bench {
 
 constexpr int64_t kPeriod60Ns = 16666666;
-constexpr int64_t kPeriod90Ns = 11111111;
 constexpr char kLayer[] = "SurfaceView - com.example.game/com.example.game.MainActivity#0";
 
 enum class Channel { Sf = android::kSfChannel, Qb = android::kQbChannel };
@@ -39,14 +38,10 @@ void measureRate(int64_t intervalNs);
 /** Returns a frame that needs no request: one frame is queued and it is on time. */
 LayerFrameInfo frameOf(const std::string& layerName);
 
-/** Sets how long each call of the service takes. */
-void setServiceDelayMs(int delayMs);
-
 /** Number of scaling hints started so far. */
 int hintsStarted();
 /** Start of the last scaling hint. */
 int64_t hintStartNs();
-bool isHintInProgress();
 
 /** Returns the thread that last sent a hint on a channel, or 0. */
 pid_t workerOf(Channel channel);

@@ -6,6 +6,5 @@ namespace brevold::bench {
 bool printCosts();
 void printMemory();
 void printGrowth();
-bool printSlowService();
 
 }  // namespace brevold::bench

@@ -1,5 +1,6 @@
-// Initialisation and the frame path: switches and debug layers follow the settings, and hints
-// follow the posted requests, for any reports of the compositor and any answers of the service.
+// The frame path. Half of the inputs are frames of steady rates, for which every call of the
+// service is known. The others are any settings, reports of the compositor and answers of the
+// service; for these, hints follow the posted requests.
 
 #include <cutils/properties.h>
 #include <fuzzer/FuzzedDataProvider.h>
@@ -8,16 +9,20 @@
 #include <algorithm>
 #include <cstring>
 #include <map>
-#include <mutex>
+#include <utility>
 
 #include "brevold/brevold.h"
 #include "brevold/state.h"
 #include "fuzz/fuzz.h"
 #include "host/virtual_platform.h"
 #include "host/workers.h"
+#include "tests/account.h"
 
 using namespace android;
 using brevold::fuzz::require;
+using brevold::test::Account;
+using brevold::test::Frame;
+using brevold::test::Switches;
 namespace host = brevold::host;
 
 namespace {
@@ -42,14 +47,20 @@ struct Service {
     /** Feature and client library: 0 is missing, 1 lacks its functions, 2 is complete. */
     int found[2] = {2, 2};
     int appType, nextHandle, heldHandle;
-    bool isCalled;
-    std::mutex lock;
+    std::string calls;
     std::vector<Hint> hints;
     uint32_t sfType, qbType, sfCount;
     bool isBoostHeld;
 };
 Service gService;
 int64_t gNowNs;
+
+template <typename... Values>
+void addCall(const char* format, Values... values) {
+    char text[200];
+    snprintf(text, sizeof(text), format, values...);
+    gService.calls += (gService.calls.empty() ? "" : "; ") + std::string(text);
+}
 
 /** Compares the hints that the workers sent with the requests. */
 void compareHints() {
@@ -69,12 +80,22 @@ void compareHints() {
         }
     }
     gService.hints.clear();
-    require(gMode >= 0 && gMode <= 5, "the mode is one of six");
+    require(modeWithoutLock() >= 0 && modeWithoutLock() <= 5, "the mode is one of six");
 }
 
-/** Initialises with random settings. The workers of the first initialisation serve every input. */
-void initialise(FuzzedDataProvider& input) {
+/** Initialises again. The workers of the first initialisation serve every input. */
+void initialise() {
     static const sp<ScalingSyncThread> workers[] = {gSFThread, gQBThread};
+    clearConfigs();
+    gPerfGetProp = nullptr;
+    const bool isAnyOn = brevoldInit();
+    require(isAnyOn == (gJr10Enabled || gScalingEnabled || gFpsSwitchEnabled), "any feature");
+    require((gSFThread != workers[0]) == gScalingEnabled, "workers with energy scaling only");
+    gSFThread = workers[0];
+    gQBThread = workers[1];
+}
+
+void initialiseAnyhow(FuzzedDataProvider& input) {
     for (int& found : gService.found)
         found = std::min(input.ConsumeIntegralInRange(0, 7), 2);
     for (bool& allowed : gService.allowed)
@@ -83,34 +104,8 @@ void initialise(FuzzedDataProvider& input) {
         gService.settings[setting] =
                 input.ConsumeIntegralInRange(0, 5) ? "1" : input.ConsumeRandomLengthString(100);
     gService.settings[kDebugLayersProperty] = input.ConsumeRandomLengthString(100);
-    clearConfigs();
-    gPerfGetProp = nullptr;
-    const size_t listed = gDebugLayers.size();
-    const bool isAnyOn = brevoldInit();
-
-    require(isAnyOn == (gJr10Enabled || gScalingEnabled || gFpsSwitchEnabled), "any feature");
-    require((gSFThread != workers[0]) == gScalingEnabled, "workers with energy scaling only");
-    gSFThread = workers[0];
-    gQBThread = workers[1];
+    initialise();
     if (input.ConsumeBool()) gPerfLockRel = nullptr;
-
-    const auto textOf = [](const char* setting) -> std::string {
-        return gService.settings[setting].substr(0, kSettingSize - 1).c_str();
-    };
-    const bool switches[] = {gSmoothMotion, gFpsSwitchEnabled == 1, gJr10Enabled, gScalingEnabled,
-                             gDebug,        gPfarDownEnabled};
-    for (size_t i = 0; i < std::size(switches); ++i)
-        require(!switches[i] || atoi(textOf(kSwitches[i]).c_str()) == 1, kSwitches[i]);
-    const bool readsList = gService.found[0] + gService.found[1] == 4 &&
-                           (gService.allowed[0] || gService.allowed[1]) &&
-                           textOf(kDebugLayersProperty).compare(0, 4, "NONE") != 0;
-    const std::string list = readsList ? textOf(kDebugLayersProperty) : "";
-    std::string joined;
-    for (size_t i = listed; i < gDebugLayers.size(); ++i) {
-        require(isDebugLayer(gDebugLayers[i]), "listed layers are debug layers");
-        joined += gDebugLayers[i] + " ";
-    }
-    require(joined == list || joined == list + " ", "the list is split at blanks and appended");
 }
 
 template <typename T, size_t N>
@@ -164,7 +159,8 @@ void step(FuzzedDataProvider& input) {
             return require(brevoldScaling(any(input, kQueues), input.ConsumeBool()) == 0, "0");
         case 2: {
             const int verdict = brevoldMonitor(any(input, kQueues), any(input, kPeriodsNs));
-            return require(verdict == 0 || (verdict == 1 && gMode <= 1), "verdict in low modes");
+            return require(verdict == 0 || (verdict == 1 && modeWithoutLock() <= 1),
+                           "verdict in low modes");
         }
         case 3:
             return energyScaling(
@@ -177,9 +173,69 @@ void step(FuzzedDataProvider& input) {
             gService.nextHandle = input.ConsumeIntegralInRange(-2, 9);
             return;
         case 6:
-            return initialise(input);
+            return initialiseAnyhow(input);
         default:
             return reportFrame(input);
+    }
+}
+
+void stepAnyhow(FuzzedDataProvider& input) {
+    gService.calls.clear();
+    const bool isOff = !gScalingEnabled && !gJr10Enabled && gFpsSwitchEnabled == 0;
+    step(input);
+    compareHints();
+    require(!isOff || gService.calls.empty(), "with every feature off the service is not called");
+}
+
+Switches initialiseSteadily(FuzzedDataProvider& input) {
+    Switches switches;
+    const std::pair<bool&, const char*> settings[] = {
+            {switches.scaling, kScalingProperty},
+            {switches.scalingDown, kScalingDownProperty},
+            {switches.jankBoost, kJankBoostProperty},
+            {switches.smoothMotion, kSmoothMotionProperty},
+            {switches.refreshRate, kFpsSwitchProperty}};
+    for (const auto& [isOn, setting] : settings) {
+        isOn = input.ConsumeIntegralInRange(0, 5) != 0;
+        gService.settings[setting] = isOn ? "1" : "0";
+    }
+    for (int i = 0; i < 2; ++i) {
+        gService.found[i] = 2;
+        gService.allowed[i] = true;
+    }
+    gService.settings[kDebugProperty] = "0";
+    gService.settings[kDebugLayersProperty] = brevold::test::kDebugLayer.name;
+    initialise();
+    return switches;
+}
+
+void playSteadily(FuzzedDataProvider& input) {
+    Account account(initialiseSteadily(input));
+    Frame frame = {};
+    frame.rate = brevold::test::kRates;
+    frame.layer = brevold::test::kLayers;
+    const auto requireDue = [&account](const char* entryPoint) {
+        compareHints();
+        require(std::exchange(gService.calls, {}) == account.takeDue(), entryPoint);
+    };
+    while (input.remaining_bytes() > 0) {
+        advance(frame, gNowNs,
+                [&](size_t below) { return input.ConsumeIntegralInRange<size_t>(0, below - 1); });
+        gService.appType = frame.layer->appType;
+        host::setTimeNs(frame.nowNs);
+        account.tick(frame);
+        brevoldRefresh();
+        requireDue("calls of a tick");
+        account.report(frame);
+        LayerFrameInfo info = infoOf(frame);
+        brevoldOnFrameAvailable(&info);
+        requireDue("calls of a report");
+        host::setTimeNs(frame.nowNs += input.ConsumeIntegralInRange(0, 2) * 9000000);
+        require(brevoldMonitor(frame.queued, frame.rate->periodNs) == account.vsync(frame),
+                "the verdict");
+        account.compose(frame);
+        brevoldScaling(frame.queued, frame.isSuppressed);
+        requireDue("calls of a composition");
     }
 }
 
@@ -189,21 +245,21 @@ extern "C" {
 
 // The service's functions, found by name in the program.
 int perf_hint(int hint, const char* package, int duration, int type) {
-    const std::lock_guard lock(gService.lock);
-    gService.isCalled = true;
     require(package == nullptr, "hints name no package");
-    if (hint == kRefreshRateHint) return gService.heldHandle = gService.nextHandle;
+    addCall("hint %d %d 0x%x", hint, duration, static_cast<unsigned>(type));
+    const int handle = gService.nextHandle > 0 ? gService.nextHandle++ : gService.nextHandle;
+    if (hint == kRefreshRateHint) return gService.heldHandle = handle;
     gService.hints.push_back({duration, static_cast<uint32_t>(type)});
-    return gService.nextHandle;
+    return handle;
 }
 int perf_lock_rel(int handle) {
-    gService.isCalled = true;
     require(handle > 0 && handle == gService.heldHandle,
             "only the held handle is released, and once");
+    addCall("release %d", handle);
     return gService.heldHandle = 0;
 }
-int perf_get_feedback(int, const char*) {
-    gService.isCalled = true;
+int perf_get_feedback(int query, const char* package) {
+    addCall("query %d %s", query, package);
     return gService.appType;
 }
 /** Not terminated if the text fills the setting. */
@@ -267,14 +323,14 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     host::setTimeNs(gNowNs = 100000000000);
     gService.appType = 2;
     gService.nextHandle = 1;
-    initialise(input);
-    while (input.remaining_bytes() > 0) {
-        gService.isCalled = false;
-        const bool isOff = !gScalingEnabled && !gJr10Enabled && gFpsSwitchEnabled == 0;
-        step(input);
-        compareHints();
-        require(!isOff || !gService.isCalled, "with every feature off the service is not called");
+    gService.calls.clear();
+    if (input.ConsumeBool()) {
+        playSteadily(input);
+        return 0;
     }
+    initialiseAnyhow(input);
+    while (input.remaining_bytes() > 0)
+        stepAnyhow(input);
     return 0;
 }
 
