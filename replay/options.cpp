@@ -5,6 +5,7 @@
 
 #include "base/file_identity.h"
 #include "host/device_profile.h"
+#include "replay/labels.h"
 #include "replay/plot.h"
 
 namespace brevold::replay {
@@ -44,6 +45,18 @@ void addOptions(CLI::App& app, Options& options) {
                    "display refresh rate in Hz, instead of the trace's own")
             ->type_name("HZ")
             ->check(CLI::Range(1.0, 1000.0));
+    app.add_option_function<std::string>(
+               "--boost-depth",
+               [&options](const std::string& word) {
+                   const bool isFound = word == boostDepthWord(BoostDepth::Found);
+                   options.play.boostDepth = isFound ? BoostDepth::Found : BoostDepth::Left;
+               },
+               "queued frames that decide on a boost when a composition ends: those left in the "
+               "queue (default), or the maximum found since the previous composition")
+            ->type_name("left|found")
+            ->check(CLI::IsMember(
+                            {boostDepthWord(BoostDepth::Left), boostDepthWord(BoostDepth::Found)})
+                            .description(""));
     app.add_option("--from", options.window.fromS,
                    "report only from this time on, in seconds since the first event; the library "
                    "sees the whole trace")
