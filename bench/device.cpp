@@ -1,9 +1,7 @@
 #include "bench/device.h"
 
 #include <fcntl.h>
-#include <pthread.h>
 #include <sched.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <array>
@@ -12,7 +10,6 @@
 #include <cstring>
 #include <stdexcept>
 #include <thread>
-#include <vector>
 
 #include "bench/floors.h"
 #include "brevold/frame_rate.h"
@@ -32,14 +29,12 @@ std::atomic<int> gHintsStarted;
 std::atomic<int64_t> gHintStartNs;
 cpu_set_t gProcessors;
 std::array<std::atomic<pid_t>, 2> gWorkers;
-std::array<std::atomic<pthread_t>, 2> gWorkerThreads;
 
 void onServiceCall(const ServiceCall& call, void* /*context*/) {
     if (call.kind != ServiceCall::Kind::Hint || call.identifier != android::kScalingHint) return;
     const bool isQb = android::unpackTypeWord(static_cast<uint32_t>(call.type)).isQb;
     const size_t channel = isQb ? android::kQbChannel : android::kSfChannel;
     gWorkers[channel] = gettid();
-    gWorkerThreads[channel] = pthread_self();
     gHintStartNs = call.timeNs;
     ++gHintsStarted;
 }
@@ -73,12 +68,8 @@ void startDevice() {
     android::releaseScaling();
 }
 
-size_t processorCount() {
-    return static_cast<size_t>(CPU_COUNT(&gProcessors));
-}
-
 void useProcessor(size_t index) {
-    size_t skip = index % processorCount();
+    size_t skip = index % static_cast<size_t>(CPU_COUNT(&gProcessors));
     size_t processor = 0;
     for (;; ++processor) {
         if (CPU_ISSET(processor, &gProcessors) && skip-- == 0) break;
@@ -123,24 +114,6 @@ int64_t hintStartNs() {
 
 pid_t workerOf(Channel channel) {
     return gWorkers.at(static_cast<size_t>(channel));
-}
-
-StackBytes stackOf(Channel channel) {
-    pthread_attr_t attributes;
-    pthread_getattr_np(gWorkerThreads.at(static_cast<size_t>(channel)), &attributes);
-    void* stack = nullptr;
-    StackBytes bytes = {};
-    pthread_attr_getstack(&attributes, &stack, &bytes.reserved);
-    pthread_attr_destroy(&attributes);
-
-    const auto pageBytes = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-    std::vector<unsigned char> pages(bytes.reserved / pageBytes);
-    if (mincore(stack, bytes.reserved, pages.data()) != 0) {
-        throw std::runtime_error("mincore failed");
-    }
-    for (const unsigned char page : pages)
-        bytes.used += (page & 1u) * pageBytes;
-    return bytes;
 }
 
 SleepWatch::SleepWatch(pid_t thread)

@@ -24,8 +24,6 @@ enum class Channel { Sf = android::kSfChannel, Qb = android::kQbChannel };
  */
 void startDevice();
 
-size_t processorCount();
-
 /** Keeps the calling thread and those it starts on one processor; the index wraps around. */
 void useProcessor(size_t index);
 
@@ -45,13 +43,6 @@ int64_t hintStartNs();
 
 /** Returns the thread that last sent a hint on a channel, or 0. */
 pid_t workerOf(Channel channel);
-
-/** Bytes of a worker's stack: reserved, and used at any time so far. */
-struct StackBytes {
-    size_t reserved;
-    size_t used;
-};
-StackBytes stackOf(Channel channel);
 
 /** Blocks until the condition holds, without yielding the processor. */
 template <typename Condition>

@@ -26,8 +26,6 @@ class Player {
   public:
     Player() : mDriver(host::Workers::Stepped) {
         if (!mDriver.init(kStartNs)) throw std::runtime_error("no feature is on");
-        mFrame.rate = test::kRates;
-        mFrame.layer = test::kLayers;
     }
 
     /** Returns the number of calls of the service. */
@@ -45,7 +43,7 @@ class Player {
     host::Driver mDriver;
     // The standard fixes its values; those of the distributions differ between libraries.
     std::mt19937 mRandom;
-    test::Frame mFrame = {};
+    test::Frame mFrame;
     int64_t mTickNs = kStartNs;
 };
 

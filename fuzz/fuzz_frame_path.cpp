@@ -1,13 +1,13 @@
 // The frame path. Half of the inputs are frames of steady rates, for which every call of the
-// service is known. The others are any settings, reports of the compositor and answers of the
-// service; for these, hints follow the posted requests.
+// service is known. The others are any settings, calls of the compositor and answers of the
+// service.
 
 #include <cutils/properties.h>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <utils/Thread.h>
 
-#include <algorithm>
 #include <cstring>
+#include <functional>
 #include <map>
 #include <utility>
 
@@ -19,10 +19,8 @@
 #include "tests/account.h"
 
 using namespace android;
+using namespace brevold::test;
 using brevold::fuzz::require;
-using brevold::test::Account;
-using brevold::test::Frame;
-using brevold::test::Switches;
 namespace host = brevold::host;
 
 namespace {
@@ -33,24 +31,14 @@ constexpr const char* kNames[] = {"com.example.a/Main#0", "com.example.b#1", "1"
 /** Differences of stamps this far apart, and the differences of those, fit in 64 bits. */
 constexpr int64_t kFarNs = int64_t{1} << 61;
 
-constexpr const char* kSwitches[] = {kSmoothMotionProperty, kFpsSwitchProperty,
-                                     kJankBoostProperty,    kScalingProperty,
-                                     kDebugProperty,        kScalingDownProperty};
-
-/** Duration and type word. */
-using Hint = std::pair<int, uint32_t>;
-
-/** The service, its calls, and the requests posted to the two workers. */
+/** The service and its calls. */
 struct Service {
     std::map<std::string, std::string> settings;
-    bool allowed[2] = {true, true};
+    bool isAllowed = true;
     /** Feature and client library: 0 is missing, 1 lacks its functions, 2 is complete. */
     int found[2] = {2, 2};
-    int appType, nextHandle, heldHandle;
+    int appType, nextHandle;
     std::string calls;
-    std::vector<Hint> hints;
-    uint32_t sfType, qbType, sfCount;
-    bool isBoostHeld;
 };
 Service gService;
 int64_t gNowNs;
@@ -62,35 +50,17 @@ void addCall(const char* format, Values... values) {
     gService.calls += (gService.calls.empty() ? "" : "; ") + std::string(text);
 }
 
-/** Compares the hints that the workers sent with the requests. */
-void compareHints() {
-    host::settle();
-    for (const auto& [duration, type] : gService.hints) {
-        if (duration == 0) {
-            require(type == gService.sfCount, "releases count boosts");
-            gService.sfCount = 0;
-            gService.isBoostHeld = false;
-        } else if (duration == 2000) {
-            require(type == gService.sfType, "the boost's type word is that of the request");
-            require(!gService.isBoostHeld, "a boost is sent once");
-            gService.isBoostHeld = true;
-        } else {
-            require(type == gService.qbType && duration > 0,
-                    "the type word is that of the request");
-        }
-    }
-    gService.hints.clear();
-    require(modeWithoutLock() >= 0 && modeWithoutLock() <= 5, "the mode is one of six");
-}
-
-/** Initialises again. The workers of the first initialisation serve every input. */
-void initialise() {
-    static const sp<ScalingSyncThread> workers[] = {gSFThread, gQBThread};
+/** Initialises with these settings. The workers of the first initialisation serve every input. */
+void initialise(const std::function<std::string(std::string)>& settingOf) {
+    for (const char* key :
+         {kSmoothMotionProperty, kFpsSwitchProperty, kJankBoostProperty, kScalingProperty,
+          kDebugProperty, kScalingDownProperty, kDebugLayersProperty})
+        gService.settings[key] = settingOf(key);
     clearConfigs();
     gPerfGetProp = nullptr;
     const bool isAnyOn = brevoldInit();
     require(isAnyOn == (gJr10Enabled || gScalingEnabled || gFpsSwitchEnabled), "any feature");
-    require((gSFThread != workers[0]) == gScalingEnabled, "workers with energy scaling only");
+    static const sp<ScalingSyncThread> workers[] = {gSFThread, gQBThread};
     gSFThread = workers[0];
     gQBThread = workers[1];
 }
@@ -98,13 +68,10 @@ void initialise() {
 void initialiseAnyhow(FuzzedDataProvider& input) {
     for (int& found : gService.found)
         found = std::min(input.ConsumeIntegralInRange(0, 7), 2);
-    for (bool& allowed : gService.allowed)
-        allowed = input.ConsumeIntegralInRange(0, 3) != 0;
-    for (const char* setting : kSwitches)
-        gService.settings[setting] =
-                input.ConsumeIntegralInRange(0, 5) ? "1" : input.ConsumeRandomLengthString(100);
-    gService.settings[kDebugLayersProperty] = input.ConsumeRandomLengthString(100);
-    initialise();
+    gService.isAllowed = input.ConsumeIntegralInRange(0, 3) != 0;
+    initialise([&input](const std::string&) -> std::string {
+        return input.ConsumeIntegralInRange(0, 5) ? "1" : input.ConsumeRandomLengthString(100);
+    });
     if (input.ConsumeBool()) gPerfLockRel = nullptr;
 }
 
@@ -124,7 +91,7 @@ std::string anyName(FuzzedDataProvider& input) {
                                : input.ConsumeRandomLengthString(40);
 }
 
-void reportFrame(FuzzedDataProvider& input) {
+void reportAnything(FuzzedDataProvider& input) {
     LayerFrameInfo info = {};
     info.skipLayerCheck = input.ConsumeIntegralInRange<uint8_t>(0, 7) == 0 ? 1 : 0;
     info.layerKeyA = input.ConsumeIntegralInRange(0, 1);
@@ -147,8 +114,6 @@ void tick(FuzzedDataProvider& input) {
         host::setTimeNs(gNowNs += intervalNs);
         brevoldRefresh();
     }
-    compareHints();
-    require(!gScalingEnabled || !gService.isBoostHeld, "a tick releases every boost");
 }
 
 void step(FuzzedDataProvider& input) {
@@ -159,8 +124,7 @@ void step(FuzzedDataProvider& input) {
             return require(brevoldScaling(any(input, kQueues), input.ConsumeBool()) == 0, "0");
         case 2: {
             const int verdict = brevoldMonitor(any(input, kQueues), any(input, kPeriodsNs));
-            return require(verdict == 0 || (verdict == 1 && modeWithoutLock() <= 1),
-                           "verdict in low modes");
+            return require(verdict == 0 || (verdict == 1 && modeWithoutLock() <= 1), "verdict");
         }
         case 3:
             return energyScaling(
@@ -175,47 +139,44 @@ void step(FuzzedDataProvider& input) {
         case 6:
             return initialiseAnyhow(input);
         default:
-            return reportFrame(input);
+            return reportAnything(input);
     }
 }
 
-void stepAnyhow(FuzzedDataProvider& input) {
-    gService.calls.clear();
-    const bool isOff = !gScalingEnabled && !gJr10Enabled && gFpsSwitchEnabled == 0;
-    step(input);
-    compareHints();
-    require(!isOff || gService.calls.empty(), "with every feature off the service is not called");
-}
-
-Switches initialiseSteadily(FuzzedDataProvider& input) {
-    Switches switches;
-    const std::pair<bool&, const char*> settings[] = {
-            {switches.scaling, kScalingProperty},
-            {switches.scalingDown, kScalingDownProperty},
-            {switches.jankBoost, kJankBoostProperty},
-            {switches.smoothMotion, kSmoothMotionProperty},
-            {switches.refreshRate, kFpsSwitchProperty}};
-    for (const auto& [isOn, setting] : settings) {
-        isOn = input.ConsumeIntegralInRange(0, 5) != 0;
-        gService.settings[setting] = isOn ? "1" : "0";
+void playAnything(FuzzedDataProvider& input) {
+    initialiseAnyhow(input);
+    while (input.remaining_bytes() > 0) {
+        const bool isOff = !gScalingEnabled && !gJr10Enabled && gFpsSwitchEnabled == 0;
+        step(input);
+        host::settle();
+        const std::string calls = std::exchange(gService.calls, {});
+        require(!isOff || calls.empty(), "with every feature off the service is not called");
+        require(modeWithoutLock() >= 0 && modeWithoutLock() <= 5, "the mode is one of six");
     }
-    for (int i = 0; i < 2; ++i) {
-        gService.found[i] = 2;
-        gService.allowed[i] = true;
-    }
-    gService.settings[kDebugProperty] = "0";
-    gService.settings[kDebugLayersProperty] = brevold::test::kDebugLayer.name;
-    initialise();
-    return switches;
 }
 
 void playSteadily(FuzzedDataProvider& input) {
-    Account account(initialiseSteadily(input));
-    Frame frame = {};
-    frame.rate = brevold::test::kRates;
-    frame.layer = brevold::test::kLayers;
+    Account account;
+    Switches switches = {};
+    for (bool* isOn : {&switches.scaling, &switches.scalingDown, &switches.jankBoost,
+                       &switches.smoothMotion, &switches.refreshRate})
+        *isOn = input.ConsumeIntegralInRange(0, 5) != 0;
+    gService.found[0] = gService.found[1] = 2;
+    gService.isAllowed = true;
+    initialise([&switches](const std::string& key) {
+        const std::map<std::string, bool> isOn = {{kScalingProperty, switches.scaling},
+                                                  {kScalingDownProperty, switches.scalingDown},
+                                                  {kJankBoostProperty, switches.jankBoost},
+                                                  {kSmoothMotionProperty, switches.smoothMotion},
+                                                  {kFpsSwitchProperty, switches.refreshRate},
+                                                  {kDebugProperty, false}};
+        return isOn.count(key) == 0 ? kDebugLayer.name : isOn.at(key) ? "1" : "0";
+    });
+    account.restart(switches);
+
+    Frame frame;
     const auto requireDue = [&account](const char* entryPoint) {
-        compareHints();
+        host::settle();
         require(std::exchange(gService.calls, {}) == account.takeDue(), entryPoint);
     };
     while (input.remaining_bytes() > 0) {
@@ -247,16 +208,12 @@ extern "C" {
 int perf_hint(int hint, const char* package, int duration, int type) {
     require(package == nullptr, "hints name no package");
     addCall("hint %d %d 0x%x", hint, duration, static_cast<unsigned>(type));
-    const int handle = gService.nextHandle > 0 ? gService.nextHandle++ : gService.nextHandle;
-    if (hint == kRefreshRateHint) return gService.heldHandle = handle;
-    gService.hints.push_back({duration, static_cast<uint32_t>(type)});
-    return handle;
+    return gService.nextHandle > 0 ? gService.nextHandle++ : gService.nextHandle;
 }
 int perf_lock_rel(int handle) {
-    require(handle > 0 && handle == gService.heldHandle,
-            "only the held handle is released, and once");
+    require(handle > 0, "only a held handle is released");
     addCall("release %d", handle);
-    return gService.heldHandle = 0;
+    return 0;
 }
 int perf_get_feedback(int query, const char* package) {
     addCall("query %d %s", query, package);
@@ -268,8 +225,8 @@ PerfSetting perf_get_prop(const char* key, const char*) {
     strncpy(setting.text, gService.settings[key].c_str(), sizeof(setting.text));
     return setting;
 }
-int IsFeatureEnabled(int feature) {
-    return gService.allowed[feature == kEnergyScalingFeature ? 1 : 0];
+int IsFeatureEnabled(int) {
+    return gService.isAllowed;
 }
 
 // Replaces the library's call.
@@ -279,22 +236,6 @@ void* __wrap_dlopen(const char* name, int mode) {
     return found == 0 ? nullptr : __real_dlopen(found == 1 ? "libc.so.6" : nullptr, mode);
 }
 
-// Records the library's requests before it posts them.
-void __real__ZN7android13energyScalingEfjji(float, unsigned, unsigned, int);
-void __wrap__ZN7android13energyScalingEfjji(float scale, unsigned direction, unsigned boostLevel,
-                                            int channel) {
-    if (gScalingEnabled && direction != 0) {
-        const double thousandths = static_cast<double>(scale * 1000.0f);
-        const double bounded = !(thousandths > 0) ? 0 : std::min(thousandths, 4294967295.0);
-        const uint32_t word =
-                (static_cast<uint32_t>(bounded) & 0xffff) | direction << 16 | boostLevel << 19;
-        if (channel == 0) gService.sfType = word;
-        if (channel == 0 && boostLevel != 0) ++gService.sfCount;
-        if (channel == 1) gService.qbType = word | 1u << 22;
-    }
-    __real__ZN7android13energyScalingEfjji(scale, direction, boostLevel, channel);
-}
-
 // Workers of later initialisations do not run.
 int __real__ZN7android6Thread3runEPKcim(void*, const char*, int, size_t);
 int __wrap__ZN7android6Thread3runEPKcim(void* thread, const char* name, int priority, size_t size) {
@@ -302,22 +243,16 @@ int __wrap__ZN7android6Thread3runEPKcim(void* thread, const char* name, int prio
     return __real__ZN7android6Thread3runEPKcim(thread, name, priority, size);
 }
 
-int LLVMFuzzerInitialize(int*, char***) {
-    for (const char* setting : kSwitches)
-        gService.settings[setting] = "1";
-    require(brevoldInit(), "everything is on");
-    return 0;
-}
-
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    [[maybe_unused]] static const bool isStarted =
+            (initialise([](const std::string&) { return "1"; }), true);
     FuzzedDataProvider input(data, size);
     // The workers live as long as the process; everything else starts as after loading.
     releaseScaling();
-    compareHints();
-    require(!gService.isBoostHeld, "a withdrawn boost is released");
+    host::settle();
     gCurrentLayer.clear();
     gDebugLayers.clear();
-    gRefreshRate = gRefreshRateHandle = gService.heldHandle = 0;
+    gRefreshRate = gRefreshRateHandle = 0;
     host::takeLog();
     host::takeTraceMarks();
     host::setTimeNs(gNowNs = 100000000000);
@@ -326,11 +261,9 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     gService.calls.clear();
     if (input.ConsumeBool()) {
         playSteadily(input);
-        return 0;
+    } else {
+        playAnything(input);
     }
-    initialiseAnyhow(input);
-    while (input.remaining_bytes() > 0)
-        stepAnyhow(input);
     return 0;
 }
 

@@ -28,7 +28,7 @@ SWAPS = [
     ("true", "false"), ("false", "true"),
 ]
 NUMBER = re.compile(r"(?<![\w.])(?:0x([0-9a-f]+)|(\d+))(\.\d+)?(?=[uf]?\b)(?![\w.]*\()")
-CONSTANT = re.compile(r"\bk[A-Z]\w+")
+CONSTANT = re.compile(r"\bk[A-Z]\w+(?!\[?\]? = )\b")
 ARGUMENTS = re.compile(r"(?<=[(, ])([\w.]+), ([\w.]+)(?=[,)])")
 BRANCHES = re.compile(r" \? ([\w.:]+) : ([\w.:]+)")
 # Statements that are not dropped: the code would not build, or have no defined behaviour.

@@ -43,17 +43,14 @@ inline constexpr const Layer& kDebugLayer = kLayers[5];
 
 /** Input of the library around one refresh tick. */
 struct Frame {
-    int64_t nowNs;
-    const Rate* rate;
-    const Layer* layer;
-    int32_t key;
-    int32_t queued;
+    int64_t nowNs = 0;
+    const Rate* rate = kRates;
+    const Layer* layer = kLayers;
+    int32_t key = 0;
+    int32_t queued = 0;
     /** Much slower than the display: a single queued frame is due an UP request. */
-    bool isSlow;
-    bool isSkipped;
-    bool isFirstOfQueue;
-    bool hasOtherPeer;
-    bool isSuppressed;
+    bool isSlow = false;
+    bool isSkipped = false, isFirstOfQueue = false, hasOtherPeer = false, isSuppressed = false;
 };
 
 constexpr int64_t kStampAgeNs = 2000000;
@@ -77,7 +74,7 @@ inline LayerFrameInfo infoOf(const Frame& frame) {
     return info;
 }
 
-/** Makes `frame` the next one; pick(n) returns a random number below n. */
+/** Makes `frame` the next one, at the next tick; pick(n) returns a random number below n. */
 template <typename Pick>
 void advance(Frame& frame, int64_t& tickNs, Pick pick) {
     // The rate changes only after an idle gap, so each frame-rate window has one rate.
