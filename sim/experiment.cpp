@@ -1,0 +1,206 @@
+#include "sim/experiment.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+#include <cstring>
+
+#include "host/device_profile.h"
+#include "sim/processes.h"
+
+namespace brevold::sim {
+
+namespace {
+
+const std::vector<std::string> kNoSettings;
+
+double totalPowerMw(const Metrics& metrics) {
+    const double compositorMw = at(metrics, Metric::CompositorPowerMw);
+    return at(metrics, Metric::AppPowerMw) + (std::isnan(compositorMw) ? 0.0 : compositorMw);
+}
+
+double ratioOf(double value, double reference) {
+    return reference > 0.0 ? value / reference : kNotANumber;
+}
+
+void relateToOff(const std::vector<Metrics>& off, std::vector<Metrics>& runs) {
+    for (size_t seed = 0; seed < runs.size(); ++seed) {
+        at(runs[seed], Metric::EnergyRatio) =
+                ratioOf(totalPowerMw(runs[seed]), totalPowerMw(off[seed]));
+        at(runs[seed], Metric::AppEnergyRatio) = ratioOf(at(runs[seed], Metric::AppPowerMw),
+                                                         at(off[seed], Metric::AppPowerMw));
+    }
+}
+
+Estimate estimate(const std::vector<Metrics>& runs, size_t metric) {
+    double sum = 0.0;
+    double count = 0.0;
+    for (const Metrics& run : runs) {
+        if (std::isnan(run[metric])) continue;
+        sum += run[metric];
+        ++count;
+    }
+    if (count == 0.0) return {};
+    const double mean = sum / count;
+    double squares = 0.0;
+    for (const Metrics& run : runs) {
+        if (!std::isnan(run[metric])) squares += (run[metric] - mean) * (run[metric] - mean);
+    }
+    return {mean, count > 1.0 ? std::sqrt(squares / (count - 1.0)) : kNotANumber};
+}
+
+Estimates estimateAll(const std::vector<Metrics>& runs) {
+    Estimates estimates;
+    for (size_t metric = 0; metric < kMetricCount; ++metric)
+        estimates[metric] = estimate(runs, metric);
+    return estimates;
+}
+
+std::optional<size_t> equalPoint(const std::vector<Estimates>& held, const Estimates& variant) {
+    for (size_t point = 0; point < held.size(); ++point) {
+        if (at(held[point], Metric::MissedPerMinute).mean <=
+            at(variant, Metric::MissedPerMinute).mean) {
+            return point;
+        }
+    }
+    return {};
+}
+
+/** Collects the runs of an experiment, then hands out their results in the same order. */
+class Runs {
+  public:
+    explicit Runs(const ExperimentOptions& options) : mOptions(options) {}
+
+    /** Adds a run of each seed. Null settings: without the library. */
+    void add(const Setup& setup, const Reading& reading, std::optional<size_t> heldPoint,
+             const std::vector<std::string>* settings) {
+        for (int32_t seed = 1; seed <= mOptions.seeds; ++seed) {
+            Scenario scenario = scenarioOf(setup, reading, mOptions.measuredNs,
+                                           static_cast<uint64_t>(seed));
+            scenario.heldPoint = heldPoint;
+            mJobs.push_back([scenario = std::move(scenario), settings] {
+                const Metrics metrics = measure(scenario, settings);
+                return std::string(reinterpret_cast<const char*>(metrics.data()), sizeof(metrics));
+            });
+        }
+    }
+
+    void run() { mResults = runInProcesses(mJobs, mOptions.jobs); }
+
+    std::vector<Metrics> take() {
+        std::vector<Metrics> runs(static_cast<size_t>(mOptions.seeds));
+        for (Metrics& metrics : runs)
+            memcpy(metrics.data(), mResults[mNextResult++].data(), sizeof(metrics));
+        return runs;
+    }
+
+  private:
+    const ExperimentOptions& mOptions;
+    std::vector<Job> mJobs;
+    std::vector<std::string> mResults;
+    size_t mNextResult = 0;
+};
+
+void addRuns(const Setup& setup, const ExperimentOptions& options, Runs& runs) {
+    runs.add(setup, {}, {}, nullptr);
+    const size_t points = setup.device.clusters[setup.device.appCluster].points.size();
+    for (size_t point = 0; point < points; ++point)
+        runs.add(setup, {}, point, nullptr);
+    for (const Reading& reading : setup.readings) {
+        runs.add(setup, reading, {}, &kNoSettings);
+        if (!options.vsSettings.empty()) runs.add(setup, reading, {}, &options.vsSettings);
+    }
+}
+
+SetupResult takeResult(const Setup& setup, const ExperimentOptions& options, Runs& runs) {
+    std::vector<Metrics> off = runs.take();
+    const auto takeEstimates = [&] {
+        std::vector<Metrics> variant = runs.take();
+        relateToOff(off, variant);
+        return estimateAll(variant);
+    };
+    SetupResult result;
+    result.setup = setup;
+    relateToOff(off, off);
+    result.off = estimateAll(off);
+    const size_t points = setup.device.clusters[setup.device.appCluster].points.size();
+    for (size_t point = 0; point < points; ++point)
+        result.held.push_back(takeEstimates());
+    const auto takeVariant = [&] {
+        VariantResult variant = {takeEstimates(), {}};
+        variant.equalPoint = equalPoint(result.held, variant.estimates);
+        return variant;
+    };
+    for (const Reading& reading : setup.readings) {
+        ReadingResult& added = result.readings.emplace_back();
+        added.reading = reading;
+        added.given = takeVariant();
+        if (!options.vsSettings.empty()) added.vs = takeVariant();
+    }
+    return result;
+}
+
+}  // namespace
+
+void checkSetup(const Setup& setup) {
+    if (setup.device.latchNs >= setup.workload.periodNs()) {
+        throw InputError(fmt::format(
+                "display.latch-ms={} of {} is not below the refresh period of {}, {:.3f} ms",
+                static_cast<double>(setup.device.latchNs) / 1e6, setup.device.name,
+                setup.workload.name, static_cast<double>(setup.workload.periodNs()) / 1e6));
+    }
+}
+
+std::vector<SetupResult> runExperiment(const std::vector<Setup>& setups,
+                                       const ExperimentOptions& options) {
+    Runs runs(options);
+    for (const Setup& setup : setups)
+        addRuns(setup, options, runs);
+    runs.run();
+    std::vector<SetupResult> results;
+    for (const Setup& setup : setups)
+        results.push_back(takeResult(setup, options, runs));
+    return results;
+}
+
+Scenario scenarioOf(const Setup& setup, const Reading& reading, int64_t measuredNs, uint64_t seed) {
+    Scenario scenario = {setup.device, setup.workload, reading.boostDepth, {}, seed, kWarmUpNs,
+                         measuredNs};
+    scenario.device.service = reading.service;
+    return scenario;
+}
+
+void simulateWithLibrary(const Scenario& scenario, const std::vector<std::string>& settings,
+                         Observer& observer) {
+    for (const std::string& setting : settings)
+        host::setProfileEntry(setting);
+    Library library(kStartNs);
+    Simulation(scenario, &library, observer).run();
+}
+
+Metrics measure(const Scenario& scenario, const std::vector<std::string>* settings) {
+    std::optional<Library> library;
+    if (settings != nullptr) {
+        for (const std::string& setting : *settings)
+            host::setProfileEntry(setting);
+        library.emplace(kStartNs);
+    }
+    MetricsObserver observer(scenario.workload.periodNs());
+    Simulation simulation(scenario, library ? &*library : nullptr, observer);
+    simulation.run();
+    Metrics metrics = observer.metrics();
+    const Device& device = scenario.device;
+    const double seconds = static_cast<double>(scenario.measuredNs) / 1e9;
+    at(metrics, Metric::AppPowerMw) = simulation.energyMj(device.appCluster) / seconds;
+    if (device.compositorCluster != device.appCluster) {
+        at(metrics, Metric::CompositorPowerMw) =
+                simulation.energyMj(device.compositorCluster) / seconds;
+    }
+    if (observer.framesShown() > 0) {
+        at(metrics, Metric::FrameEnergyMj) =
+                totalPowerMw(metrics) * seconds / static_cast<double>(observer.framesShown());
+    }
+    return metrics;
+}
+
+}  // namespace brevold::sim

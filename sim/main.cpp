@@ -1,0 +1,121 @@
+#include <CLI/CLI.hpp>
+#include <fstream>
+#include <iostream>
+#include <thread>
+
+#include "base/output_file.h"
+#include "host/device_profile.h"
+#include "sim/experiment.h"
+#include "sim/result_text.h"
+
+namespace {
+
+using namespace brevold;
+using namespace brevold::sim;
+
+struct Options {
+    std::string device;
+    std::vector<std::string> deviceSettings;
+    std::string profile;
+    std::vector<std::string> settings;
+    std::string workload;
+    std::string boostDepth = "left";
+    std::string sweep;
+    double seconds = 60.0;
+    bool json = false;
+    std::string plot;
+    std::string traceOut;
+    ExperimentOptions experiment;
+};
+
+CLI::Option* addEntries(CLI::App& app, const char* name, std::vector<std::string>& entries,
+                        const char* description) {
+    return app.add_option(name, entries, description)
+            ->type_name("KEY=VALUE")
+            ->expected(1)
+            ->take_all();
+}
+
+void addOptions(CLI::App& app, Options& options) {
+    app.add_option("--device", options.device, "the simulated device: a file of key=value lines")
+            ->type_name("FILE")
+            ->required();
+    addEntries(app, "--device-set", options.deviceSettings,
+               "one entry of the device file, overrides the file; repeatable");
+    app.add_option("--profile", options.profile,
+                   "the library's settings on the device: a file of key=value lines")
+            ->type_name("FILE");
+    addEntries(app, "--set", options.settings,
+               "one entry of the profile, overrides the file; repeatable");
+    addEntries(app, "--vs", options.experiment.vsSettings,
+               "simulate a second variant with this entry changed; all --vs are one variant");
+    app.add_option("--workload", options.workload,
+                   "a built-in workload or a file of key=value lines; built in are " +
+                           CLI::detail::join(builtInWorkloads(), ", "))
+            ->type_name("NAME|FILE")
+            ->required();
+    app.add_option("--seeds", options.experiment.seeds, "runs per variant, each with other work")
+            ->type_name("N")
+            ->check(CLI::Range(1, 1000))
+            ->capture_default_str();
+    app.add_option("--seconds", options.seconds, "simulated time of each run, after 3 s of warm-up")
+            ->type_name("S")
+            ->check(CLI::Range(1.0, 1e6))
+            ->capture_default_str();
+    app.add_option("--boost-depth", options.boostDepth,
+                   "queue depth that the compositor hands over: left at the end of a composition, "
+                   "or the largest found since the one before")
+            ->check(CLI::IsMember({"left", "found"}))
+            ->type_name("left|found")
+            ->capture_default_str();
+    app.add_option("--jobs", options.experiment.jobs, "runs at the same time")
+            ->type_name("N")
+            ->check(CLI::Range(1, 1024))
+            ->default_str("number of processors");
+    app.set_version_flag("--version", BREVOLD_VERSION);
+}
+
+void applyProfile(const Options& options) {
+    if (!options.profile.empty()) host::loadProfile(options.profile);
+    for (const std::string& setting : options.settings)
+        host::setProfileEntry(setting);
+}
+
+void run(Options& options) {
+    applyProfile(options);
+    options.experiment.measuredNs = static_cast<int64_t>(options.seconds * 1e9);
+    Setup setup;
+    setup.device = readDevice(options.device, options.deviceSettings);
+    setup.workload = readWorkload(options.workload);
+    setup.readings = {{setup.device.service, options.boostDepth == "left" ? BoostDepth::Left
+                                                                           : BoostDepth::Found}};
+    checkSetup(setup);
+    const std::vector<SetupResult> results = runExperiment({setup}, options.experiment);
+    printResult(results.front(), options.experiment, std::cout);
+    std::cout.flush();
+    if (!std::cout) throw OutputError("the result cannot be written to standard output");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    CLI::App app(
+            "Simulates an application, the display, the compositor and the processor in a closed "
+            "loop with libbrevold, and prints what the library saves and costs.",
+            "brevold-sim");
+    Options options;
+    options.experiment.jobs = std::max(1u, std::thread::hardware_concurrency());
+    addOptions(app, options);
+    try {
+        app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        return app.exit(error) == 0 ? 0 : 2;
+    }
+    try {
+        run(options);
+        return 0;
+    } catch (const std::exception& error) {
+        std::cerr << "brevold-sim: " << error.what() << '\n';
+        return 1;
+    }
+}

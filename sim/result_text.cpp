@@ -1,0 +1,181 @@
+#include "sim/result_text.h"
+
+#include <fmt/format.h>
+#include <fmt/ostream.h>
+
+#include <algorithm>
+#include <cmath>
+
+#include "sim/metric_labels.h"
+
+namespace brevold::sim {
+
+namespace {
+
+constexpr int kLabelWidth = 37;
+constexpr int kColumnWidth = 18;
+
+const char* describeDown(DownReading reading) {
+    switch (reading) {
+        case DownReading::Cap:
+            return "a cap at that share of the greatest frequency";
+        case DownReading::Governor:
+            return "that share of the governor's choice";
+        case DownReading::Frame:
+            return "a cap at that share of the measured frame's speed";
+    }
+    return "";
+}
+
+const char* describeBoost(BoostTarget target) {
+    switch (target) {
+        case BoostTarget::Compositor:
+            return "the compositor's cluster";
+        case BoostTarget::All:
+            return "both clusters";
+        case BoostTarget::None:
+            return "no cluster";
+    }
+    return "";
+}
+
+const char* depthWord(BoostDepth depth) {
+    return depth == BoostDepth::Left ? "left" : "found";
+}
+
+std::string describeGovernor(const Device& device) {
+    const GovernorSpec& governor = device.governor;
+    std::string text = wordOf(governor.kind, kGovernorWords);
+    if (governor.kind == GovernorKind::Fixed) {
+        text += fmt::format(" at {:.0f} % of the greatest frequency", governor.fixedShare * 100);
+    }
+    return text;
+}
+
+std::string cell(const Estimate& estimate, const MetricLabel& label) {
+    if (std::isnan(estimate.mean)) return "-";
+    std::string text = fmt::format("{:.{}f}", estimate.mean * label.factor, label.decimals);
+    if (!std::isnan(estimate.deviation)) {
+        text += fmt::format(" ± {:.{}f}", estimate.deviation * label.factor, label.decimals);
+    }
+    return text;
+}
+
+std::string cell(const Estimates& estimates, Metric metric) {
+    return cell(at(estimates, metric), labelOf(metric));
+}
+
+std::string pointText(const Setup& setup, std::optional<size_t> point) {
+    if (!point) return "none";
+    return fmt::format("{:g} MHz", setup.device.clusters[setup.device.appCluster].points[*point].mhz);
+}
+
+void printWorkload(const Setup& setup, const ExperimentOptions& options, std::ostream& out) {
+    const Workload& workload = setup.workload;
+    fmt::print(out, "device      {}\n", setup.device.name);
+    fmt::print(out, "workload    {}: {}, {:g} Hz, {} buffers\n", workload.name,
+               wordOf(workload.pace, kPaceWords), workload.refreshHz,
+               setup.device.buffers.value_or(workload.buffers));
+    fmt::print(out, "runs        {} {} of {:g} s, mean ± standard deviation\n", options.seeds,
+               options.seeds == 1 ? "seed" : "seeds",
+               static_cast<double>(options.measuredNs) / 1e9);
+}
+
+/** The columns of a result, by title. */
+using Column = std::pair<std::string, const Estimates*>;
+
+std::vector<Column> columnsOf(const SetupResult& result) {
+    const ReadingResult& reading = result.readings.front();
+    std::vector<Column> columns = {{"library off", &result.off},
+                                   {"as given", &reading.given.estimates}};
+    std::vector<std::optional<size_t>> points = {reading.given.equalPoint};
+    if (reading.vs) {
+        columns.emplace_back("--vs", &reading.vs->estimates);
+        if (reading.vs->equalPoint != points.front()) points.push_back(reading.vs->equalPoint);
+    }
+    for (const std::optional<size_t> point : points) {
+        if (point) columns.emplace_back(pointText(result.setup, point), &result.held[*point]);
+    }
+    return columns;
+}
+
+std::string equalPointLine(const SetupResult& result, const char* variant,
+                           const VariantResult& given) {
+    return fmt::format("Lowest operating point of \"{}\" that, held without the library, misses no "
+                       "more vsyncs than\n\"{}\": {}\n",
+                       result.setup.device.clusters[result.setup.device.appCluster].name, variant,
+                       pointText(result.setup, given.equalPoint));
+}
+
+}  // namespace
+
+std::string describeAssumptions(const Device& device, const Reading& reading) {
+    return fmt::format("governor {}; DOWN is {}; a boost raises {} and follows the depth {}",
+                       describeGovernor(device), describeDown(reading.service.down),
+                       describeBoost(reading.service.boost), depthWord(reading.boostDepth));
+}
+
+void printResult(const SetupResult& result, const ExperimentOptions& options, std::ostream& out) {
+    const ReadingResult& reading = result.readings.front();
+    printWorkload(result.setup, options, out);
+    fmt::print(out, "assumed     {}\n\n",
+               describeAssumptions(result.setup.device, reading.reading));
+    const std::vector<Column> columns = columnsOf(result);
+    fmt::print(out, "{:{}}", "", kLabelWidth);
+    for (const auto& [title, estimates] : columns)
+        fmt::print(out, "{:>{}}", title, kColumnWidth);
+    out << '\n';
+    for (const MetricLabel& label : kMetricLabels) {
+        const bool hasValue = std::any_of(columns.begin(), columns.end(), [&](const Column& c) {
+            return !std::isnan(at(*c.second, label.metric).mean);
+        });
+        if (!hasValue) continue;
+        fmt::print(out, "{:{}}", label.label, kLabelWidth);
+        for (const auto& [title, estimates] : columns)
+            fmt::print(out, "{:>{}}", cell(*estimates, label.metric), kColumnWidth);
+        out << '\n';
+    }
+    out << '\n' << equalPointLine(result, "as given", reading.given);
+    if (reading.vs) out << equalPointLine(result, "--vs", *reading.vs);
+}
+
+void printSweep(const std::vector<SetupResult>& results, const ExperimentOptions& options,
+                std::ostream& out) {
+    constexpr Metric kColumns[] = {Metric::EnergyRatio, Metric::AppEnergyRatio,
+                                   Metric::MissedPerMinute, Metric::ShowLatencyMs,
+                                   Metric::BoostShare};
+    constexpr const char* kTitles[] = {"energy", "app's energy", "missed a min", "latency, ms",
+                                       "boosted, %"};
+    printWorkload(results.front().setup, options, out);
+    fmt::print(out, "\n{:12}{:8}{:10}{:12}{:6}{:12}", "governor", "buffers", "DOWN", "boost",
+               "depth", "variant");
+    for (const char* title : kTitles)
+        fmt::print(out, "{:>15}", title);
+    fmt::print(out, "{:>12}\n", "held");
+    for (const SetupResult& result : results) {
+        const Setup& setup = result.setup;
+        const auto printRow = [&](const Reading* reading, const char* name,
+                                  const Estimates& estimates, const std::string& held) {
+            fmt::print(out, "{:12}{:<8}{:10}{:12}{:6}{:12}",
+                       wordOf(setup.device.governor.kind, kGovernorWords),
+                       setup.device.buffers.value_or(setup.workload.buffers),
+                       reading ? wordOf(reading->service.down, kDownWords) : "-",
+                       reading ? wordOf(reading->service.boost, kBoostWords) : "-",
+                       reading ? depthWord(reading->boostDepth) : "-", name);
+            for (const Metric metric : kColumns)
+                fmt::print(out, "{:>15}", cell(estimates, metric));
+            fmt::print(out, "{:>12}\n", held);
+        };
+        printRow(nullptr, "library off", result.off, "-");
+        for (const ReadingResult& reading : result.readings) {
+            const auto printVariant = [&](const char* name, const VariantResult& variant) {
+                printRow(&reading.reading, name, variant.estimates,
+                         pointText(setup, variant.equalPoint));
+            };
+            printVariant("as given", reading.given);
+            if (reading.vs) printVariant("--vs", *reading.vs);
+        }
+    }
+}
+
+}  // namespace brevold::sim
