@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 #include <map>
 
 #include "base/text.h"
@@ -219,17 +220,17 @@ double ClusterSpec::speedAt(size_t point) const {
 }
 
 size_t ClusterSpec::pointForMhz(double mhz) const {
-    size_t point = 0;
-    while (point + 1 < points.size() && points[point].mhz < mhz * kRounding)
-        ++point;
-    return point;
+    const auto found = std::partition_point(
+            points.begin(), std::prev(points.end()),
+            [=](const OperatingPoint& point) { return point.mhz < mhz * kRounding; });
+    return static_cast<size_t>(found - points.begin());
 }
 
 size_t ClusterSpec::pointForSpeed(double speed) const {
-    size_t point = 0;
-    while (point + 1 < points.size() && speedAt(point) < speed * kRounding)
-        ++point;
-    return point;
+    // The inverse of speedAt(), which no frequency reaches if the memory share alone takes longer.
+    if (speed <= 0.0) return 0;
+    const double scaledShare = 1.0 / speed - memoryShare;
+    return pointForMhz(scaledShare > 0.0 ? maxMhz() * (1.0 - memoryShare) / scaledShare : maxMhz());
 }
 
 Device parseDevice(std::string_view text, const std::string& name,

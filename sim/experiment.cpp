@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -56,14 +57,23 @@ Estimates estimateAll(const std::vector<Metrics>& runs) {
     return estimates;
 }
 
-std::optional<size_t> equalPoint(const std::vector<Estimates>& held, const Estimates& variant) {
-    for (size_t point = 0; point < held.size(); ++point) {
-        if (at(held[point], Metric::MissedPerMinute).mean <=
-            at(variant, Metric::MissedPerMinute).mean) {
-            return point;
-        }
+std::optional<size_t> equalHeld(const std::vector<HeldResult>& held, const Estimates& variant) {
+    const double missed = at(variant, Metric::MissedPerMinute).mean;
+    for (size_t i = 0; i < held.size(); ++i) {
+        if (at(held[i].estimates, Metric::MissedPerMinute).mean <= missed) return i;
     }
     return {};
+}
+
+/** The operating points at which the application's cluster is held: all, or evenly spread ones. */
+std::vector<size_t> heldPoints(const Device& device) {
+    constexpr size_t kMaxHeldPoints = 32;
+    const size_t last = device.clusters[device.appCluster].points.size() - 1;
+    const size_t count = std::min(last, kMaxHeldPoints - 1);
+    std::vector<size_t> points = {0};
+    for (size_t i = 1; i <= count; ++i)
+        points.push_back(last * i / count);
+    return points;
 }
 
 /** Collects the runs of an experiment, then hands out their results in the same order. */
@@ -103,8 +113,7 @@ class Runs {
 
 void addRuns(const Setup& setup, const ExperimentOptions& options, Runs& runs) {
     runs.add(setup, {}, {}, nullptr);
-    const size_t points = setup.device.clusters[setup.device.appCluster].points.size();
-    for (size_t point = 0; point < points; ++point)
+    for (const size_t point : heldPoints(setup.device))
         runs.add(setup, {}, point, nullptr);
     for (const Reading& reading : setup.readings) {
         runs.add(setup, reading, {}, &kNoSettings);
@@ -123,12 +132,11 @@ SetupResult takeResult(const Setup& setup, const ExperimentOptions& options, Run
     result.setup = setup;
     relateToOff(off, off);
     result.off = estimateAll(off);
-    const size_t points = setup.device.clusters[setup.device.appCluster].points.size();
-    for (size_t point = 0; point < points; ++point)
-        result.held.push_back(takeEstimates());
+    for (const size_t point : heldPoints(setup.device))
+        result.held.push_back({point, takeEstimates()});
     const auto takeVariant = [&] {
         VariantResult variant = {takeEstimates(), {}};
-        variant.equalPoint = equalPoint(result.held, variant.estimates);
+        variant.equalHeld = equalHeld(result.held, variant.estimates);
         return variant;
     };
     for (const Reading& reading : setup.readings) {

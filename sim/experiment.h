@@ -48,8 +48,8 @@ constexpr const Estimate& at(const Estimates& estimates, Metric metric) {
 
 struct VariantResult {
     Estimates estimates;
-    /** The lowest point of the application's cluster that, held, misses no more vsyncs. */
-    std::optional<size_t> equalPoint;
+    /** Index into SetupResult::held of the first that misses no more vsyncs. */
+    std::optional<size_t> equalHeld;
 };
 
 struct ReadingResult {
@@ -58,11 +58,17 @@ struct ReadingResult {
     std::optional<VariantResult> vs;
 };
 
+/** The application's cluster held at an operating point, without the library. */
+struct HeldResult {
+    size_t point;
+    Estimates estimates;
+};
+
 struct SetupResult {
     Setup setup;
     Estimates off;
-    /** Without the library, by the point at which the application's cluster is held. */
-    std::vector<Estimates> held;
+    /** By rising frequency. Of a table with many points, only some were tried. */
+    std::vector<HeldResult> held;
     std::vector<ReadingResult> readings;
 };
 

@@ -65,9 +65,11 @@ std::string cell(const Estimates& estimates, Metric metric) {
     return cell(at(estimates, metric), labelOf(metric));
 }
 
-std::string pointText(const Setup& setup, std::optional<size_t> point) {
-    if (!point) return "none";
-    return fmt::format("{:g} MHz", setup.device.clusters[setup.device.appCluster].points[*point].mhz);
+std::string heldText(const SetupResult& result, std::optional<size_t> held) {
+    if (!held) return "none";
+    const Device& device = result.setup.device;
+    const size_t point = result.held[*held].point;
+    return fmt::format("{:g} MHz", device.clusters[device.appCluster].points[point].mhz);
 }
 
 void printWorkload(const Setup& setup, const ExperimentOptions& options, std::ostream& out) {
@@ -88,13 +90,13 @@ std::vector<Column> columnsOf(const SetupResult& result) {
     const ReadingResult& reading = result.readings.front();
     std::vector<Column> columns = {{"library off", &result.off},
                                    {"as given", &reading.given.estimates}};
-    std::vector<std::optional<size_t>> points = {reading.given.equalPoint};
+    std::vector<std::optional<size_t>> held = {reading.given.equalHeld};
     if (reading.vs) {
         columns.emplace_back("--vs", &reading.vs->estimates);
-        if (reading.vs->equalPoint != points.front()) points.push_back(reading.vs->equalPoint);
+        if (reading.vs->equalHeld != held.front()) held.push_back(reading.vs->equalHeld);
     }
-    for (const std::optional<size_t> point : points) {
-        if (point) columns.emplace_back(pointText(result.setup, point), &result.held[*point]);
+    for (const std::optional<size_t> index : held) {
+        if (index) columns.emplace_back(heldText(result, index), &result.held[*index].estimates);
     }
     return columns;
 }
@@ -104,7 +106,7 @@ std::string equalPointLine(const SetupResult& result, const char* variant,
     return fmt::format("Lowest operating point of \"{}\" that, held without the library, misses no "
                        "more vsyncs than\n\"{}\": {}\n",
                        result.setup.device.clusters[result.setup.device.appCluster].name, variant,
-                       pointText(result.setup, given.equalPoint));
+                       heldText(result, given.equalHeld));
 }
 
 }  // namespace
@@ -170,7 +172,7 @@ void printSweep(const std::vector<SetupResult>& results, const ExperimentOptions
         for (const ReadingResult& reading : result.readings) {
             const auto printVariant = [&](const char* name, const VariantResult& variant) {
                 printRow(&reading.reading, name, variant.estimates,
-                         pointText(setup, variant.equalPoint));
+                         heldText(result, variant.equalHeld));
             };
             printVariant("as given", reading.given);
             if (reading.vs) printVariant("--vs", *reading.vs);

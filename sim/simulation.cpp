@@ -1,6 +1,7 @@
 #include "sim/simulation.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace brevold::sim {
 
@@ -88,9 +89,9 @@ void Simulation::onVsync() {
         mLibrary->vsync(mNowNs, mBuffers.depth(), mPeriodNs);
         sendHints();
     }
-    const bool isBeginning = mWorkload.pace == Pace::Vsync && !mAppFrame &&
-                             mBuffers.hasFreeBuffer() && mBursts.isActive(mNowNs - kStartNs);
-    if (isBeginning) beginFrame(mVsyncIndex, 0);
+    if (mWorkload.pace != Pace::Vsync) return;
+    mHasTick = !mAppFrame && mBursts.isActive(mNowNs - kStartNs);
+    beginFrameIfPossible();
 }
 
 void Simulation::onLatch() {
@@ -158,17 +159,26 @@ void Simulation::onGovernorTick() {
 }
 
 void Simulation::beginFrameIfPossible() {
-    if (mWorkload.pace == Pace::Vsync || mAppFrame || !mBuffers.hasFreeBuffer()) return;
-    int64_t dueNs = 0;
-    if (mWorkload.pace == Pace::Video) {
-        const int64_t frameTimeNs = kStartNs + mFrameIndex * mWorkload.framePeriodNs();
-        if (mNowNs < frameTimeNs) {
-            schedule(Source::FrameTime, frameTimeNs);
-            return;
+    if (mAppFrame || !mBuffers.hasFreeBuffer()) return;
+    switch (mWorkload.pace) {
+        case Pace::Free:
+            beginFrame(mFrameIndex++, 0);
+            break;
+        case Pace::Vsync:
+            if (std::exchange(mHasTick, false)) beginFrame(mVsyncIndex, 0);
+            break;
+        case Pace::Video: {
+            const int64_t frameTimeNs = kStartNs + mFrameIndex * mWorkload.framePeriodNs();
+            if (mNowNs < frameTimeNs) {
+                schedule(Source::FrameTime, frameTimeNs);
+                break;
+            }
+            ++mFrameIndex;
+            beginFrame(mFrameIndex - 1,
+                       frameTimeNs + mWorkload.dueFrames * mWorkload.framePeriodNs());
+            break;
         }
-        dueNs = frameTimeNs + mWorkload.dueFrames * mWorkload.framePeriodNs();
     }
-    beginFrame(mFrameIndex++, dueNs);
 }
 
 void Simulation::beginFrame(int64_t index, int64_t dueNs) {

@@ -113,7 +113,8 @@ class Simulation {
     WorkSource mWork;
     BurstSource mBursts;
     int64_t mVsyncIndex = -1;
-    int64_t mFrameIndex = 0;
+    int64_t mFrameIndex = 0;  // of the next frame, unless frames begin at vsyncs
+    bool mHasTick = false;    // a frame that begins at vsyncs waits for a free buffer
     std::optional<Frame> mAppFrame;
     std::optional<Frame> mComposedFrame;
     double mFrameSpeed = 1.0;
