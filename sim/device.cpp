@@ -45,9 +45,10 @@ class DeviceParser {
             found->second(*this, value);
             return;
         }
-        throw InputError(fmt::format("unknown key \"{}\"; the keys are cluster.NAME.opp, "
-                                     ".coefficient, .memory-share, .static-mw, {}",
-                                     key, keys()));
+        throw InputError(
+                fmt::format("unknown key \"{}\"; the keys are cluster.NAME.opp, "
+                            ".coefficient, .memory-share, .static-mw, {}",
+                            key, keys()));
     }
 
     Device finish() {
@@ -87,9 +88,7 @@ class DeviceParser {
                 {"governor.headroom",
                  [](Parser& p, View v) { p.governor().headroom = numberIn(v, 1, 10); }},
                 {"governor.half-life-ms",
-                 [](Parser& p, View v) {
-                     p.governor().halfLifeNs = millisecondsIn(v, 1, kMaxMs);
-                 }},
+                 [](Parser& p, View v) { p.governor().halfLifeNs = millisecondsIn(v, 1, kMaxMs); }},
                 {"governor.tick-ms",
                  [](Parser& p, View v) { p.governor().tickNs = millisecondsIn(v, 0.1, kMaxMs); }},
                 {"governor.up-limit-ms",

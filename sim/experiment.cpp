@@ -28,8 +28,8 @@ void relateToOff(const std::vector<Metrics>& off, std::vector<Metrics>& runs) {
     for (size_t seed = 0; seed < runs.size(); ++seed) {
         at(runs[seed], Metric::EnergyRatio) =
                 ratioOf(totalPowerMw(runs[seed]), totalPowerMw(off[seed]));
-        at(runs[seed], Metric::AppEnergyRatio) = ratioOf(at(runs[seed], Metric::AppPowerMw),
-                                                         at(off[seed], Metric::AppPowerMw));
+        at(runs[seed], Metric::AppEnergyRatio) =
+                ratioOf(at(runs[seed], Metric::AppPowerMw), at(off[seed], Metric::AppPowerMw));
     }
 }
 
@@ -85,8 +85,8 @@ class Runs {
     void add(const Setup& setup, const Reading& reading, std::optional<size_t> heldPoint,
              const std::vector<std::string>* settings) {
         for (int32_t seed = 1; seed <= mOptions.seeds; ++seed) {
-            Scenario scenario = scenarioOf(setup, reading, mOptions.measuredNs,
-                                           static_cast<uint64_t>(seed));
+            Scenario scenario =
+                    scenarioOf(setup, reading, mOptions.measuredNs, static_cast<uint64_t>(seed));
             scenario.heldPoint = heldPoint;
             mJobs.push_back([scenario = std::move(scenario), settings] {
                 const Metrics metrics = measure(scenario, settings);
@@ -172,8 +172,8 @@ std::vector<SetupResult> runExperiment(const std::vector<Setup>& setups,
 }
 
 Scenario scenarioOf(const Setup& setup, const Reading& reading, int64_t measuredNs, uint64_t seed) {
-    Scenario scenario = {setup.device, setup.workload, reading.boostDepth, {}, seed, kWarmUpNs,
-                         measuredNs};
+    Scenario scenario = {setup.device, setup.workload, reading.boostDepth, {},
+                         seed,         kWarmUpNs,      measuredNs};
     scenario.device.service = reading.service;
     return scenario;
 }

@@ -22,6 +22,8 @@ struct Setup {
     Device device;
     Workload workload;
     std::vector<Reading> readings;
+
+    int32_t buffers() const { return device.buffers.value_or(workload.buffers); }
 };
 
 struct ExperimentOptions {

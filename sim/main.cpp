@@ -6,7 +6,9 @@
 #include "base/output_file.h"
 #include "host/device_profile.h"
 #include "sim/experiment.h"
+#include "sim/result_json.h"
 #include "sim/result_text.h"
+#include "sim/sweep.h"
 
 namespace {
 
@@ -28,12 +30,22 @@ struct Options {
     ExperimentOptions experiment;
 };
 
-CLI::Option* addEntries(CLI::App& app, const char* name, std::vector<std::string>& entries,
-                        const char* description) {
-    return app.add_option(name, entries, description)
-            ->type_name("KEY=VALUE")
-            ->expected(1)
-            ->take_all();
+template <typename T>
+std::vector<std::string> namesOf(const Words<T>& words) {
+    std::vector<std::string> names;
+    for (const auto& [name, value] : words)
+        names.emplace_back(name);
+    return names;
+}
+
+template <typename T>
+std::string joinWords(const Words<T>& words) {
+    return CLI::detail::join(namesOf(words), "|");
+}
+
+void addEntries(CLI::App& app, const char* name, std::vector<std::string>& entries,
+                const char* description) {
+    app.add_option(name, entries, description)->type_name("KEY=VALUE")->expected(1)->take_all();
 }
 
 void addOptions(CLI::App& app, Options& options) {
@@ -65,9 +77,15 @@ void addOptions(CLI::App& app, Options& options) {
     app.add_option("--boost-depth", options.boostDepth,
                    "queue depth that the compositor hands over: left at the end of a composition, "
                    "or the largest found since the one before")
-            ->check(CLI::IsMember({"left", "found"}))
-            ->type_name("left|found")
+            ->type_name(joinWords(kBoostDepthWords))
+            ->check(CLI::IsMember(namesOf(kBoostDepthWords)))
             ->capture_default_str();
+    app.add_option("--sweep", options.sweep,
+                   "one table over all readings of the service, governors, numbers of buffers, or "
+                   "boost depths")
+            ->type_name(joinWords(kSweepWords))
+            ->check(CLI::IsMember(namesOf(kSweepWords)));
+    app.add_flag("--json", options.json, "print the result as one JSON object");
     app.add_option("--jobs", options.experiment.jobs, "runs at the same time")
             ->type_name("N")
             ->check(CLI::Range(1, 1024))
@@ -87,11 +105,18 @@ void run(Options& options) {
     Setup setup;
     setup.device = readDevice(options.device, options.deviceSettings);
     setup.workload = readWorkload(options.workload);
-    setup.readings = {{setup.device.service, options.boostDepth == "left" ? BoostDepth::Left
-                                                                           : BoostDepth::Found}};
+    setup.readings = {{setup.device.service, parseWord(options.boostDepth, kBoostDepthWords)}};
     checkSetup(setup);
-    const std::vector<SetupResult> results = runExperiment({setup}, options.experiment);
-    printResult(results.front(), options.experiment, std::cout);
+    std::vector<Setup> setups = {setup};
+    if (!options.sweep.empty()) setups = sweepSetups(setup, parseWord(options.sweep, kSweepWords));
+    const std::vector<SetupResult> results = runExperiment(setups, options.experiment);
+    if (options.json) {
+        printJson(results, options.experiment, std::cout);
+    } else if (options.sweep.empty()) {
+        printResult(results.front(), options.experiment, std::cout);
+    } else {
+        printSweep(results, options.experiment, std::cout);
+    }
     std::cout.flush();
     if (!std::cout) throw OutputError("the result cannot be written to standard output");
 }

@@ -39,10 +39,6 @@ const char* describeBoost(BoostTarget target) {
     return "";
 }
 
-const char* depthWord(BoostDepth depth) {
-    return depth == BoostDepth::Left ? "left" : "found";
-}
-
 std::string describeGovernor(const Device& device) {
     const GovernorSpec& governor = device.governor;
     std::string text = wordOf(governor.kind, kGovernorWords);
@@ -76,8 +72,7 @@ void printWorkload(const Setup& setup, const ExperimentOptions& options, std::os
     const Workload& workload = setup.workload;
     fmt::print(out, "device      {}\n", setup.device.name);
     fmt::print(out, "workload    {}: {}, {:g} Hz, {} buffers\n", workload.name,
-               wordOf(workload.pace, kPaceWords), workload.refreshHz,
-               setup.device.buffers.value_or(workload.buffers));
+               wordOf(workload.pace, kPaceWords), workload.refreshHz, setup.buffers());
     fmt::print(out, "runs        {} {} of {:g} s, mean ± standard deviation\n", options.seeds,
                options.seeds == 1 ? "seed" : "seeds",
                static_cast<double>(options.measuredNs) / 1e9);
@@ -103,10 +98,11 @@ std::vector<Column> columnsOf(const SetupResult& result) {
 
 std::string equalPointLine(const SetupResult& result, const char* variant,
                            const VariantResult& given) {
-    return fmt::format("Lowest operating point of \"{}\" that, held without the library, misses no "
-                       "more vsyncs than\n\"{}\": {}\n",
-                       result.setup.device.clusters[result.setup.device.appCluster].name, variant,
-                       heldText(result, given.equalHeld));
+    return fmt::format(
+            "Lowest operating point of \"{}\" that, held without the library, misses no "
+            "more vsyncs than\n\"{}\": {}\n",
+            result.setup.device.clusters[result.setup.device.appCluster].name, variant,
+            heldText(result, given.equalHeld));
 }
 
 }  // namespace
@@ -114,7 +110,8 @@ std::string equalPointLine(const SetupResult& result, const char* variant,
 std::string describeAssumptions(const Device& device, const Reading& reading) {
     return fmt::format("governor {}; DOWN is {}; a boost raises {} and follows the depth {}",
                        describeGovernor(device), describeDown(reading.service.down),
-                       describeBoost(reading.service.boost), depthWord(reading.boostDepth));
+                       describeBoost(reading.service.boost),
+                       wordOf(reading.boostDepth, kBoostDepthWords));
 }
 
 void printResult(const SetupResult& result, const ExperimentOptions& options, std::ostream& out) {
@@ -159,11 +156,10 @@ void printSweep(const std::vector<SetupResult>& results, const ExperimentOptions
         const auto printRow = [&](const Reading* reading, const char* name,
                                   const Estimates& estimates, const std::string& held) {
             fmt::print(out, "{:12}{:<8}{:10}{:12}{:6}{:12}",
-                       wordOf(setup.device.governor.kind, kGovernorWords),
-                       setup.device.buffers.value_or(setup.workload.buffers),
+                       wordOf(setup.device.governor.kind, kGovernorWords), setup.buffers(),
                        reading ? wordOf(reading->service.down, kDownWords) : "-",
                        reading ? wordOf(reading->service.boost, kBoostWords) : "-",
-                       reading ? depthWord(reading->boostDepth) : "-", name);
+                       reading ? wordOf(reading->boostDepth, kBoostDepthWords) : "-", name);
             for (const Metric metric : kColumns)
                 fmt::print(out, "{:>15}", cell(estimates, metric));
             fmt::print(out, "{:>12}\n", held);

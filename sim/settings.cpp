@@ -66,7 +66,8 @@ double numberIn(std::string_view value, double min, double max) {
     char* end = nullptr;
     const double number = strtod(text.c_str(), &end);
     if (text.empty() || *end != '\0' || !(number >= min && number <= max)) {
-        throw InputError(fmt::format("expected a number from {} to {}, got \"{}\"", min, max, value));
+        throw InputError(
+                fmt::format("expected a number from {} to {}, got \"{}\"", min, max, value));
     }
     return number;
 }

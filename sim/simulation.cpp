@@ -5,6 +5,9 @@
 
 namespace brevold::sim {
 
+const Words<BoostDepth> kBoostDepthWords = {{"left", BoostDepth::Left},
+                                            {"found", BoostDepth::Found}};
+
 Simulation::Simulation(const Scenario& scenario, Library* library, Observer& observer)
       : mScenario(scenario),
         mDevice(scenario.device),
@@ -134,8 +137,8 @@ void Simulation::onCompositionDone() {
     mComposedFrame.reset();
     const int32_t depthLeft = mBuffers.depth();
     if (mLibrary != nullptr) {
-        mLibrary->endComposition(
-                mNowNs, mScenario.boostDepth == BoostDepth::Left ? depthLeft : mPeakDepth);
+        mLibrary->endComposition(mNowNs,
+                                 mScenario.boostDepth == BoostDepth::Left ? depthLeft : mPeakDepth);
         sendHints();
     }
     mPeakDepth = depthLeft;

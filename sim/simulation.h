@@ -22,6 +22,8 @@ enum class BoostDepth : uint8_t {
     Found,  // the largest since the end of the composition before
 };
 
+extern const Words<BoostDepth> kBoostDepthWords;
+
 /** The time of the first vsync. */
 constexpr int64_t kStartNs = 1'000'000'000;
 
@@ -29,7 +31,8 @@ struct Scenario {
     Device device;
     Workload workload;
     BoostDepth boostDepth = BoostDepth::Left;
-    /** Holds the application's cluster at this operating point, instead of the governor's choice. */
+    /** Holds the application's cluster at this operating point, instead of the governor's choice.
+     */
     std::optional<size_t> heldPoint;
     uint64_t seed = 1;
     int64_t warmUpNs = 0;
@@ -72,9 +75,7 @@ class Simulation {
         double frameSpeed;
     };
 
-    void schedule(Source source, int64_t timeNs) {
-        mTimesNs[static_cast<size_t>(source)] = timeNs;
-    }
+    void schedule(Source source, int64_t timeNs) { mTimesNs[static_cast<size_t>(source)] = timeNs; }
     void handle(Source source);
     void onVsync();
     void onLatch();

@@ -92,8 +92,8 @@ Workload parseWorkload(std::string_view text, const std::string& name) {
             std::vector<std::string_view> keys;
             for (const auto& [known, setter] : kSettings)
                 keys.push_back(known);
-            throw InputError(fmt::format("unknown key \"{}\"; the keys are {}", key,
-                                         fmt::join(keys, ", ")));
+            throw InputError(
+                    fmt::format("unknown key \"{}\"; the keys are {}", key, fmt::join(keys, ", ")));
         }
         found->second(workload, value);
     });
@@ -127,9 +127,8 @@ bool BurstSource::isActive(int64_t timeNs) {
     if (w.gapMaxS <= 0.0) return true;
     while (timeNs >= mGapEndNs) {
         const auto burst = static_cast<uint64_t>(mNextBurst++);
-        mBurstEndNs =
-                mGapEndNs +
-                toNs(1e3 * mRandom.uniform(Stream::BurstLength, burst, w.burstMinS, w.burstMaxS));
+        mBurstEndNs = mGapEndNs + toNs(1e3 * mRandom.uniform(Stream::BurstLength, burst,
+                                                             w.burstMinS, w.burstMaxS));
         mGapEndNs = mBurstEndNs +
                     toNs(1e3 * mRandom.uniform(Stream::GapLength, burst, w.gapMinS, w.gapMaxS));
     }

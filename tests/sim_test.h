@@ -10,9 +10,9 @@
 namespace brevold::sim {
 
 /** Settings of the library with energy scaling and DOWN on. */
-inline const std::vector<std::string> kScalingOn = {
-        "feature.5=1", "vendor.perf.pfar.enable=1", "vendor.perf.pfar.down.enable=1",
-        "app-type.*=2"};
+inline const std::vector<std::string> kScalingOn = {"feature.5=1", "vendor.perf.pfar.enable=1",
+                                                    "vendor.perf.pfar.down.enable=1",
+                                                    "app-type.*=2"};
 
 /** A device whose application cluster has one point each MHz up to 4 GHz, at 0.25 mW per MHz. */
 inline std::string fineDevice() {
@@ -28,7 +28,8 @@ inline std::string fineDevice() {
 
 inline Scenario makeScenario(const std::string& device, const std::string& workload,
                              int64_t measuredNs) {
-    const Setup setup = {parseDevice(device, "device", {}), parseWorkload(workload, "workload"), {}};
+    const Setup setup = {
+            parseDevice(device, "device", {}), parseWorkload(workload, "workload"), {}};
     checkSetup(setup);
     return scenarioOf(setup, {setup.device.service, BoostDepth::Left}, measuredNs, 1);
 }
