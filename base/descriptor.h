@@ -5,10 +5,10 @@
 
 namespace brevold {
 
-/** Owns a file descriptor. */
+/** Owns a file descriptor and closes it. */
 class Descriptor {
   public:
-    /** Takes ownership; a negative number is no descriptor. */
+    /** Takes ownership of `fd`, unless it is negative. */
     explicit Descriptor(int fd = -1) : mFd(fd) {}
     Descriptor(Descriptor&& other) noexcept : mFd(other.release()) {}
     Descriptor& operator=(Descriptor&& other) noexcept;
@@ -17,21 +17,22 @@ class Descriptor {
     int get() const { return mFd; }
     bool isOpen() const { return mFd >= 0; }
 
-    /** Gives up ownership. */
+    /** Gives up ownership: the caller closes the returned descriptor. */
     int release();
+    /** Closes the descriptor now. */
     void reset();
 
   private:
     int mFd;
 };
 
-/** Writes all bytes, also after interruptions. Returns false, with errno set, on an error. */
+/** Writes all bytes; retries after signals. Returns false, with errno set, on an error. */
 bool writeAll(int fd, std::string_view bytes);
 
-/** Appends everything up to the end of the file. Returns false, with errno set, on an error. */
+/** Appends the rest of the file to `bytes`. Returns false, with errno set, on an error. */
 bool readAll(int fd, std::string* bytes);
 
-/** The text of an error number: "No space left on device". */
+/** Returns the text of an error number, such as "No space left on device". */
 std::string errnoText(int error);
 
 }  // namespace brevold

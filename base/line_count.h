@@ -5,7 +5,7 @@
 
 namespace brevold {
 
-/** How many lines have something odd, and the number of the first of them. */
+/** Counts lines that share an oddity, and keeps the number of the first one. */
 struct LineCount {
     int64_t lines = 0;
     int64_t firstLine = 0;

@@ -1,48 +1,51 @@
 #include "base/output_file.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
-#include <cstdio>
-#include <cstring>
-#include <filesystem>
 #include <utility>
+
+#include "base/error.h"
+#include "base/file_identity.h"
 
 namespace brevold {
 
 namespace {
 
-bool isSpecial(const std::string& path) {
-    std::error_code error;
-    const auto status = std::filesystem::status(path, error);
-    return std::filesystem::exists(status) && !std::filesystem::is_regular_file(status) &&
-           !std::filesystem::is_directory(status);
+int openDirectly(const std::string& path) {
+    const int own = ownDescriptor(path);
+    if (own >= 0) return fcntl(own, F_DUPFD_CLOEXEC, 0);
+    return open(path.c_str(), O_WRONLY | O_CLOEXEC);
 }
 
 }  // namespace
 
-OutputFile::OutputFile(std::string path)
-      : mPath(std::move(path)),
-        mWrittenPath(isSpecial(mPath) ? mPath : mPath + ".part"),
-        mStream(mWrittenPath, std::ios::binary) {
-    if (!mStream) fail("cannot be created");
-}
-
-OutputFile::~OutputFile() {
-    mStream.close();
-    if (mWrittenPath != mPath) std::remove(mWrittenPath.c_str());
+OutputFile::OutputFile(std::string path) : mPath(std::move(path)) {
+    struct stat status;
+    const bool exists = stat(mPath.c_str(), &status) == 0;
+    Descriptor file;
+    if (ownDescriptor(mPath) >= 0 || (exists && !S_ISREG(status.st_mode))) {
+        file = Descriptor(openDirectly(mPath));
+        if (!file.isOpen()) fail("cannot be opened for writing");
+    } else {
+        mTarget = linkTarget(mPath);
+        mPartial = std::make_unique<PartialFile>(mTarget, exists ? &status : nullptr);
+        file = mPartial->takeDescriptor();
+    }
+    mStream = std::make_unique<DescriptorStream>(std::move(file));
 }
 
 void OutputFile::commit() {
     errno = 0;
-    mStream.close();
-    if (!mStream) fail("cannot be written");
-    if (mWrittenPath != mPath && std::rename(mWrittenPath.c_str(), mPath.c_str()) != 0) {
-        fail("cannot be written");
-    }
+    mStream->flush();
+    if (!*mStream) fail("cannot be written");
+    if (mPartial != nullptr && !mPartial->rename(mTarget)) fail("cannot be written");
 }
 
-void OutputFile::fail(const char* what) const {
-    throw OutputError(mPath + ": " + what +
-                      (errno == 0 ? "" : std::string(": ") + strerror(errno)));
+void OutputFile::fail(const char* problem) const {
+    const std::string name = mPath == kStandardStream ? "standard output" : mPath;
+    throw OutputError(name + ": " + problem + (errno == 0 ? "" : ": " + errnoText(errno)));
 }
 
 }  // namespace brevold

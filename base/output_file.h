@@ -1,39 +1,38 @@
 #pragma once
 
-#include <fstream>
-#include <stdexcept>
+#include <memory>
 #include <string>
+
+#include "base/descriptor_stream.h"
+#include "base/partial_file.h"
 
 namespace brevold {
 
-struct OutputError : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
 /**
- * A file that gets its name only when it is whole. Until commit() the bytes stand under a name of
- * their own beside it, which goes away with the object. What is no regular file (a pipe, a device)
- * is written to directly.
+ * A file that is either written whole or left as it was. Until commit() the bytes are in a
+ * temporary file next to the target. A symbolic link is followed: its target is replaced. Anything
+ * that is not a regular file (a pipe, a device) is written directly, and so is an open descriptor
+ * of this process ("/dev/stdout", "/dev/fd/3"). "-" is standard output.
  */
 class OutputFile {
   public:
-    /** Throws OutputError when the file cannot be created. */
+    /** Throws OutputError if the file cannot be created. */
     explicit OutputFile(std::string path);
-    ~OutputFile();
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
 
-    std::ostream& stream() { return mStream; }
+    std::ostream& stream() { return *mStream; }
 
-    /** Gives the file its name. Throws OutputError when something could not be written. */
+    /** Completes the file. Throws OutputError if something could not be written. */
     void commit();
 
   private:
-    [[noreturn]] void fail(const char* what) const;
+    [[noreturn]] void fail(const char* problem) const;
 
     const std::string mPath;
-    const std::string mWrittenPath;
-    std::ofstream mStream;
+    std::string mTarget;  // the file to replace; empty if written directly
+    std::unique_ptr<PartialFile> mPartial;
+    std::unique_ptr<DescriptorStream> mStream;
 };
 
 }  // namespace brevold

@@ -9,19 +9,19 @@
 namespace brevold {
 namespace {
 
-constexpr std::chrono::seconds kQuiet(1);
-constexpr std::chrono::milliseconds kBetweenDraws(100);
+constexpr std::chrono::seconds kDelay(1);
+constexpr std::chrono::milliseconds kDrawInterval(100);
 constexpr int64_t kWidth = 40;
-constexpr int64_t kLooks = 1000;
+constexpr int64_t kMaxChecks = 1000;
 
 }  // namespace
 
 Progress::Progress(std::string word, int64_t total)
       : mWord(std::move(word)),
         mTotal(std::max<int64_t>(total, 1)),
-        mStep(std::max<int64_t>(mTotal / kLooks, 1)),
-        mNextDraw(Clock::now() + kQuiet) {
-    if (isatty(STDERR_FILENO) == 0) mNextLook = std::numeric_limits<int64_t>::max();
+        mStep(std::max<int64_t>(mTotal / kMaxChecks, 1)),
+        mNextDraw(Clock::now() + kDelay) {
+    if (isatty(STDERR_FILENO) == 0) mNextCheck = std::numeric_limits<int64_t>::max();
 }
 
 Progress::~Progress() {
@@ -29,11 +29,11 @@ Progress::~Progress() {
 }
 
 void Progress::update(int64_t done) {
-    if (done < mNextLook) return;
-    mNextLook = done + mStep;
+    if (done < mNextCheck) return;
+    mNextCheck = done + mStep;
     const Clock::time_point now = Clock::now();
     if (now < mNextDraw) return;
-    mNextDraw = now + kBetweenDraws;
+    mNextDraw = now + kDrawInterval;
     draw(done);
 }
 

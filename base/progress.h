@@ -7,18 +7,18 @@
 namespace brevold {
 
 /**
- * A bar on standard error for work that takes longer than a second; none where that is no terminal.
- * It goes away with the object.
+ * A progress bar on standard error, if that is a terminal. It appears when the work has taken a
+ * second, and disappears in the destructor.
  */
 class Progress {
   public:
-    /** The word says what is done; the total is what done comes to at the end, in any unit. */
+    /** `word` names the work; `total` is the final value of update(), in any unit. */
     Progress(std::string word, int64_t total);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /** Cheap enough for every event. */
+    /** Cheap enough to call for every event. */
     void update(int64_t done);
 
   private:
@@ -29,7 +29,7 @@ class Progress {
     const std::string mWord;
     const int64_t mTotal;
     const int64_t mStep;
-    int64_t mNextLook = 0;
+    int64_t mNextCheck = 0;
     Clock::time_point mNextDraw;
     bool mIsDrawn = false;
 };

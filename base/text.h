@@ -24,13 +24,16 @@ inline double toSeconds(int64_t ns) {
     return static_cast<double>(ns) / 1e9;
 }
 
-/** All of the text as a number; false where it is none, or out of the type's range. */
+/** Parses all of `text`. Returns false if it is not a number or out of range for the type. */
 template <typename T>
 bool parseWhole(std::string_view text, T* number) {
     const char* end = text.data() + text.size();
     const auto result = std::from_chars(text.data(), end, *number);
     return result.ec == std::errc() && result.ptr == end;
 }
+
+/** Returns the text in quotes for a message: control characters replaced, a long text cut. */
+std::string quote(std::string_view text);
 
 constexpr std::string_view kBlanks = " \t\r";
 
@@ -42,7 +45,7 @@ inline std::string_view trimStart(std::string_view text) {
     return text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));
 }
 
-/** Cuts off what is before the separator; all of the text where there is none. */
+/** Removes the part before the first separator, and the separator, and returns that part. */
 inline std::string_view takeUntil(char separator, std::string_view* text) {
     const size_t length = std::min(text->find(separator), text->size());
     const std::string_view head = text->substr(0, length);

@@ -15,31 +15,31 @@ constexpr int kShortCalls = 20000;
 constexpr int kExpressionCalls = 200;
 constexpr int kPosts = 300;
 constexpr Target kEntryTarget = {1.15, 0};
-// A report takes two names from the record, and two entries take one by value.
+// A report copies two names from the record, and two entry points take one by value.
 constexpr Target kReportTarget = {1.05, 4};
 constexpr Target kHandOverTarget = {1.3, 0};
 constexpr Target kLateHandOverTarget = {1.3, 0, 0.99};
 
-/** A post, and the worker that takes it. */
+/** A post and the worker that handles it. */
 struct Posting {
     std::function<void()> post;
-    std::function<int()> taken;
-    std::function<int64_t()> takenNs;
+    std::function<int()> handledCount;
+    std::function<int64_t()> handledNs;
     pid_t worker;
-    /** Undoes what would keep the next post from being sent; wakes the worker again. */
+    /** Lets the worker send the next post too; wakes the worker. */
     std::function<void()> undo = nullptr;
 };
 
 void postAndWait(const std::function<void()>& post, const Posting& posting,
                  const SleepWatch& watch) {
-    const int before = posting.taken();
+    const int before = posting.handledCount();
     post();
-    spinUntil([&] { return posting.taken() != before && watch.isAsleep(); });
+    spinUntil([&] { return posting.handledCount() != before && watch.isAsleep(); });
 }
 
 enum class Until { Return, Sent };
 
-/** Single posts, each to a worker that waits. */
+/** Posts one by one, each to a waiting worker. */
 Round posts(Posting posting, Until until) {
     return [posting = std::move(posting), until](Costs& costs) {
         const SleepWatch watch(posting.worker);
@@ -57,7 +57,7 @@ Round posts(Posting posting, Until until) {
                     posting, watch);
             costs.allocations += allocations() - allocationsBefore;
             ++costs.calls;
-            const int64_t endNs = until == Until::Sent ? posting.takenNs() : returnNs;
+            const int64_t endNs = until == Until::Sent ? posting.handledNs() : returnNs;
             costs.ns.push_back(static_cast<double>(endNs - startNs));
             if (posting.undo != nullptr) postAndWait(posting.undo, posting, watch);
         }
@@ -65,14 +65,14 @@ Round posts(Posting posting, Until until) {
 }
 
 Posting libraryPosting(Channel channel, std::function<void()> post) {
-    return {std::move(post), hintsBegun, hintBegunNs, workerOf(channel)};
+    return {std::move(post), hintsStarted, hintStartNs, workerOf(channel)};
 }
 
 Posting floorPosting(std::function<void()> post) {
     return {std::move(post), floorWakeUps, floorWakeUpNs, floorThread()};
 }
 
-/** The buffer monitor or its floor; the names are the caller's copies, made anew for each call. */
+/** The buffer monitor or its floor. Each call makes the caller's copies of the names. */
 template <typename Monitor>
 std::function<void()> monitored(Monitor monitor, int queuedFrames) {
     return [monitor, queuedFrames] {
@@ -95,7 +95,7 @@ bool printCosts() {
     bool isMet = printCost("brevoldRefresh, window open", batch(kShortCalls, brevoldRefresh),
                            batch(kShortCalls, refreshFloor), kEntryTarget);
 
-    // In mode 0 every condition of the verdict is tested up to the last.
+    // In mode 0 every condition of the verdict is tested.
     measureRate(40000000);
     isMet &= printCost("brevoldMonitor", batch(kShortCalls, [] { brevoldMonitor(1, kPeriod60Ns); }),
                        batch(kShortCalls, [] { monitorFloor(1, kPeriod60Ns); }), kEntryTarget);
@@ -121,7 +121,11 @@ bool printCosts() {
                        kReportTarget);
 
     const auto request =
-            posts(libraryPosting(Channel::Qb, [] { android::energyScaling(0.5f, 1, 0, 1); }),
+            posts(libraryPosting(Channel::Qb,
+                                 [] {
+                                     android::energyScaling(0.5f, android::kDirectionDown,
+                                                            android::kNoBoost, android::kQbChannel);
+                                 }),
                   Until::Sent);
     const auto handOver = posts(floorPosting(handOverFloor), Until::Sent);
     isMet &= printCost("request posted to hint sent", request, handOver, kHandOverTarget);

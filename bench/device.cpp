@@ -1,6 +1,5 @@
 #include "bench/device.h"
 
-#include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <sched.h>
@@ -10,15 +9,16 @@
 #include <array>
 #include <atomic>
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
+#include <stdexcept>
 #include <thread>
 #include <vector>
 
 #include "bench/floors.h"
+#include "brevold/frame_rate.h"
+#include "brevold/protocol.h"
 #include "host/device_profile.h"
-#include "host/fake_perf_client.h"
+#include "host/fake_device.h"
 
 namespace brevold::bench {
 
@@ -26,64 +26,40 @@ namespace {
 
 using host::ServiceCall;
 
-constexpr int kScalingHint = 4166;
-constexpr int64_t kIdleGapNs = 150000000;
 constexpr auto kWindow = std::chrono::milliseconds(1001);
-constexpr int32_t kQbBit = 1 << 22;
 
 std::atomic<int> gDelayMs;
-std::atomic<int> gHintsBegun;
-std::atomic<int> gHintsEnded;
-std::atomic<int64_t> gHintBegunNs;
+std::atomic<int> gHintsStarted;
+std::atomic<int> gHintsFinished;
+std::atomic<int64_t> gHintStartNs;
 cpu_set_t gProcessors;
 std::array<std::atomic<pid_t>, 2> gWorkers;
 std::array<std::atomic<pthread_t>, 2> gWorkerThreads;
 
-[[noreturn]] void fail(const std::string& what) {
-    fprintf(stderr, "brevold-bench: %s\n", what.c_str());
-    exit(2);
-}
-
 void onServiceCall(const ServiceCall& call, void* /*context*/) {
-    const bool isScaling = call.kind == ServiceCall::Kind::Hint && call.identifier == kScalingHint;
+    const bool isScaling =
+            call.kind == ServiceCall::Kind::Hint && call.identifier == android::kScalingHint;
     if (isScaling) {
-        const size_t channel = (call.type & kQbBit) != 0 ? 1 : 0;
+        const bool isQb = android::unpackTypeWord(static_cast<uint32_t>(call.type)).isQb;
+        const size_t channel = isQb ? android::kQbChannel : android::kSfChannel;
         gWorkers[channel] = gettid();
         gWorkerThreads[channel] = pthread_self();
-        gHintBegunNs = call.timeNs;
-        ++gHintsBegun;
+        gHintStartNs = call.timeNs;
+        ++gHintsStarted;
     }
     const int delayMs = gDelayMs;
     if (delayMs != 0) std::this_thread::sleep_for(std::chrono::milliseconds(delayMs));
-    if (isScaling) ++gHintsEnded;
-}
-
-void* open(const std::string& name) {
-    void* const handle = dlopen((BREVOLD_FAKES "/" + name).c_str(), RTLD_NOW);
-    if (handle == nullptr) fail(dlerror());
-    return handle;
-}
-
-void openServices() {
-    open("libfeatgate_system.so");
-    const auto setListener = reinterpret_cast<decltype(&host::perfd_set_listener)>(
-            dlsym(open("libvnx-perfd-client_system.so"), host::kSetServiceListener));
-    setListener(onServiceCall, nullptr);
+    if (isScaling) ++gHintsFinished;
 }
 
 }  // namespace
 
 void startDevice() {
-    for (const char* entry :
-         {"vendor.display.use_smooth_motion=1", "vendor.perf.fps_switch.enable=1",
-          "vendor.perf.jr10.enable=1", "vendor.perf.pfar.enable=1",
-          "vendor.perf.pfar.down.enable=1", "feature.4=1", "feature.5=1", "app-type.*=2"}) {
-        host::setProfileEntry(entry);
-    }
-    openServices();
+    host::turnEverythingOn();
+    host::startFakeDevice(onServiceCall, nullptr);
     sched_getaffinity(0, sizeof(gProcessors), &gProcessors);
     useProcessor(1);
-    if (!brevoldInit()) fail("no feature is on");
+    if (!brevoldInit()) throw std::runtime_error("no feature is on");
     startFloorWorker();
     useProcessor(0);
     spinUntil([] { return floorThread() != 0; });
@@ -91,13 +67,14 @@ void startDevice() {
     LayerFrameInfo info = frameOf(kLayer);
     for (int i = 0; i < 2; ++i)
         brevoldOnFrameAvailable(&info);
-    if (!brevoldCheck("sf")) fail("the application is not a target");
+    if (!brevoldCheck("sf")) throw std::runtime_error("the application is not a target");
 
-    // A wake-up is lost on a worker that has not begun to wait.
+    // A signal is lost while a worker does not wait yet.
     measureRate(kPeriod60Ns);
     for (const Channel channel : {Channel::Sf, Channel::Qb}) {
         while (workerOf(channel) == 0) {
-            android::energyScaling(1.0f, 2, 2, static_cast<int>(channel));
+            android::energyScaling(1.0f, android::kDirectionUp, android::kBoost,
+                                   static_cast<int>(channel));
             std::this_thread::sleep_for(std::chrono::milliseconds(1));
         }
     }
@@ -109,10 +86,10 @@ size_t processorCount() {
 }
 
 void useProcessor(size_t index) {
-    size_t left = index % processorCount();
+    size_t skip = index % processorCount();
     size_t processor = 0;
     for (;; ++processor) {
-        if (CPU_ISSET(processor, &gProcessors) && left-- == 0) break;
+        if (CPU_ISSET(processor, &gProcessors) && skip-- == 0) break;
     }
     cpu_set_t one;
     CPU_ZERO(&one);
@@ -121,13 +98,13 @@ void useProcessor(size_t index) {
 }
 
 void addDebugLayerSetting(const std::string& list) {
-    host::setProfileEntry("vendor.perf.brevold.debug.layers=" + list);
+    host::setProfileEntry(std::string(android::kDebugLayersProperty) + "=" + list);
     android::clearConfigs();
     brevoldInit();
 }
 
 void measureRate(int64_t intervalNs) {
-    android::modeMonitor(kIdleGapNs);
+    android::modeMonitor(android::kIdleGapNs);
     android::modeMonitor(intervalNs);
     std::this_thread::sleep_for(kWindow);
     android::modeMonitor(intervalNs);
@@ -148,16 +125,16 @@ void setServiceDelayMs(int delayMs) {
     gDelayMs = delayMs;
 }
 
-int hintsBegun() {
-    return gHintsBegun;
+int hintsStarted() {
+    return gHintsStarted;
 }
 
-int64_t hintBegunNs() {
-    return gHintBegunNs;
+int64_t hintStartNs() {
+    return gHintStartNs;
 }
 
-bool isHintUnderWay() {
-    return gHintsBegun != gHintsEnded;
+bool isHintInProgress() {
+    return gHintsStarted != gHintsFinished;
 }
 
 pid_t workerOf(Channel channel) {
@@ -174,16 +151,18 @@ StackBytes stackOf(Channel channel) {
 
     const auto pageBytes = static_cast<size_t>(sysconf(_SC_PAGESIZE));
     std::vector<unsigned char> pages(bytes.reserved / pageBytes);
-    if (mincore(stack, bytes.reserved, pages.data()) != 0) fail("mincore failed");
+    if (mincore(stack, bytes.reserved, pages.data()) != 0) {
+        throw std::runtime_error("mincore failed");
+    }
     for (const unsigned char page : pages)
         bytes.used += (page & 1u) * pageBytes;
     return bytes;
 }
 
 SleepWatch::SleepWatch(pid_t thread)
-      : mFile(::open(("/proc/self/task/" + std::to_string(thread) + "/stat").c_str(),
-                     O_RDONLY | O_CLOEXEC)) {
-    if (mFile < 0) fail("no such thread");
+      : mFile(open(("/proc/self/task/" + std::to_string(thread) + "/stat").c_str(),
+                   O_RDONLY | O_CLOEXEC)) {
+    if (mFile < 0) throw std::runtime_error("no such thread");
 }
 
 SleepWatch::~SleepWatch() {
@@ -193,7 +172,7 @@ SleepWatch::~SleepWatch() {
 bool SleepWatch::isAsleep() const {
     char text[128];
     const ssize_t length = pread(mFile, text, sizeof(text) - 1, 0);
-    if (length <= 0) fail("a thread has ended");
+    if (length <= 0) throw std::runtime_error("a thread has ended");
     text[length] = '\0';
     const char* const state = strrchr(text, ')');
     return state != nullptr && strncmp(state, ") S", 3) == 0;

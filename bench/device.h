@@ -6,61 +6,65 @@
 #include <string>
 
 #include "brevold/brevold.h"
+#include "brevold/protocol.h"
 
-/** The device that the benchmark runs on: the host's real clock and threads, stand-in services. */
+/** The benchmark's device: the host's clock and threads, and fakes of the services. */
 namespace brevold::bench {
 
 constexpr int64_t kPeriod60Ns = 16666666;
 constexpr int64_t kPeriod90Ns = 11111111;
 constexpr char kLayer[] = "SurfaceView - com.example.game/com.example.game.MainActivity#0";
 
-enum class Channel { Sf, Qb };
+enum class Channel { Sf = android::kSfChannel, Qb = android::kQbChannel };
 
 /**
- * Initialises the library with every feature on and without debug output. The workers, and the
- * floor's, get a processor of their own where there are two: a worker woken on the caller's would
- * run before the caller goes on.
+ * Initialises the library with every feature on and without debug output. With two processors, the
+ * library's and the floor's workers get one for themselves: a worker woken on the caller's
+ * processor would run before the caller continues. Throws std::runtime_error.
  */
 void startDevice();
 
 size_t processorCount();
 
-/** Keeps the calling thread, and those that it starts, on one processor; counts round. */
+/** Keeps the calling thread and those it starts on one processor; the index wraps around. */
 void useProcessor(size_t index);
 
-/** Initialises anew, with a debug layer list; the layers of earlier lists stay. */
+/** Initialises again with a debug layer list, which adds to the earlier lists. */
 void addDebugLayerSetting(const std::string& list);
 
-/** Closes a frame-rate window of that interval between ticks; takes a second. */
+/** Measures a frame-rate window with this interval between ticks. Takes a second. */
 void measureRate(int64_t intervalNs);
 
-/** A report of a frame that decides nothing: one is queued, and it came in time. */
+/** Returns a frame that needs no request: one frame is queued and it is on time. */
 LayerFrameInfo frameOf(const std::string& layerName);
 
-/** How long each call of the service takes. */
+/** Sets how long each call of the service takes. */
 void setServiceDelayMs(int delayMs);
 
-/** Scaling hints begun so far; when the last began; the worker that last sent one. */
-int hintsBegun();
-int64_t hintBegunNs();
-bool isHintUnderWay();
+/** Number of scaling hints started so far. */
+int hintsStarted();
+/** Start of the last scaling hint. */
+int64_t hintStartNs();
+bool isHintInProgress();
+
+/** Returns the thread that last sent a hint on a channel, or 0. */
 pid_t workerOf(Channel channel);
 
-/** Bytes of a worker's stack, reserved and ever used. */
+/** Bytes of a worker's stack: reserved, and used at any time so far. */
 struct StackBytes {
     size_t reserved;
     size_t used;
 };
 StackBytes stackOf(Channel channel);
 
-/** Blocks until the condition holds, without giving up the processor. */
+/** Blocks until the condition holds, without yielding the processor. */
 template <typename Condition>
 void spinUntil(Condition condition) {
     while (!condition()) {
     }
 }
 
-/** Whether a thread of this process sleeps, as a worker that waits for requests does. */
+/** Tells whether a thread of this process sleeps, as a worker does that waits for requests. */
 class SleepWatch {
   public:
     explicit SleepWatch(pid_t thread);

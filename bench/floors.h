@@ -4,8 +4,8 @@
 #include <string>
 
 /**
- * What each entry cannot do without: the locks, clock reads, wake-ups and the expression, with the
- * entry's own arguments, and nothing else.
+ * The minimum work of each entry point: its locks, clock reads, wake-ups and the expression, with
+ * the same arguments and nothing else.
  */
 namespace brevold::bench {
 
@@ -16,7 +16,7 @@ BREVOLD_FLOOR int monitorFloor(int queuedFrames, int64_t periodNs);
 BREVOLD_FLOOR int scalingFloor(int queuedFrames, int suppress);
 BREVOLD_FLOOR std::string packageFloor(const std::string& layerName);
 
-/** A thread that takes a wake-up and no more, run as the library's workers are. */
+/** Starts a thread that only handles wake-ups, with the priority of the library's workers. */
 BREVOLD_FLOOR void startFloorWorker();
 BREVOLD_FLOOR int scalingPostFloor(int queuedFrames, int suppress);
 BREVOLD_FLOOR void bufferMonitorFloor(int lastMaxQueuedFrames, std::string peerLayerName,
@@ -24,9 +24,11 @@ BREVOLD_FLOOR void bufferMonitorFloor(int lastMaxQueuedFrames, std::string peerL
                                       int64_t sfTime, int64_t reserved, int64_t refreshPeriod);
 BREVOLD_FLOOR void handOverFloor();
 
-/** Wake-ups that the floor's worker took; when it took the last; its thread. */
+/** Number of wake-ups that the floor's worker handled. */
 BREVOLD_FLOOR int floorWakeUps();
+/** Time of the last wake-up. */
 BREVOLD_FLOOR int64_t floorWakeUpNs();
+/** Thread of the floor's worker, or 0 before it runs. */
 BREVOLD_FLOOR int floorThread();
 
 }  // namespace brevold::bench

@@ -20,7 +20,7 @@ namespace brevold::bench {
 
 namespace {
 
-/** Cost by size; sizes of 0 do not enter the exponent. */
+/** Cost by size. The exponent excludes size 0. */
 class GrowthTable {
   public:
     GrowthTable(const char* title, const char* unit) {
@@ -32,7 +32,7 @@ class GrowthTable {
         if (size != 0) mPoints.push_back({std::log(size), std::log(ns), std::log(floorNs)});
     }
 
-    /** The slope of log cost over log size. */
+    /** Prints the slopes of log cost over log size. */
     void printExponents() const {
         printf("exponent %11.2f %12.2f\n", slope(&Point::cost), slope(&Point::floor));
     }
@@ -65,7 +65,7 @@ class GrowthTable {
     std::vector<Point> mPoints;
 };
 
-/** Medians of a report of that layer, and of the expression on its name. */
+/** Adds the median cost of a report of this layer and of the expression on its name. */
 void addReport(GrowthTable& table, size_t size, const std::string& layerName) {
     LayerFrameInfo info = frameOf(layerName);
     const int calls = std::max(5, static_cast<int>(50000 / (layerName.size() + 250)));
@@ -75,7 +75,7 @@ void addReport(GrowthTable& table, size_t size, const std::string& layerName) {
 }
 
 void printGrowthByNameLength() {
-    GrowthTable table("Frame report by length of a layer name that has a package", "bytes");
+    GrowthTable table("Frame report by length of a layer name with a package", "bytes");
     for (size_t length = 16; length <= 65536; length *= 4) {
         std::string name = "com.example/Main";
         name.resize(length, 'x');
@@ -85,21 +85,21 @@ void printGrowthByNameLength() {
     table.printExponents();
 }
 
-/** The list of earlier settings stays, so that each setting only adds what is missing. */
+/** The library keeps the layers of earlier settings, so each setting adds only the missing ones. */
 void printGrowthByDebugLayers() {
     GrowthTable table("Frame report by debug layers", "layers");
     size_t layers = 0;
-    for (const size_t wanted : {0u, 3u, 9u, 20u, 45u}) {
+    for (const size_t size : {0u, 3u, 9u, 20u, 45u}) {
         std::string list;
-        for (; layers < wanted; ++layers)
+        for (; layers < size; ++layers)
             list += list.empty() ? "x" : " x";
         if (!list.empty()) addDebugLayerSetting(list);
-        addReport(table, wanted, kLayer);
+        addReport(table, size, kLayer);
     }
     table.printExponents();
 }
 
-/** What a call takes as its caller sees it, with that many threads calling all the time. */
+/** Returns the time of a call for its caller while this many threads call continuously. */
 template <typename Call>
 double contendedNs(size_t threads, Call call) {
     constexpr int64_t kSpanNs = 40000000;
@@ -170,13 +170,14 @@ void printMemory() {
     printf("%-32s %10zu\n", "code and constants", image.codeAndConstants);
     printf("%-32s %10zu\n", "data", image.data);
     printf("%-32s %10zu\n", "a worker's object", sizeof(android::ScalingSyncThread));
-    printf("%-32s %10zu\n", "a worker's stack, ever used", stack.used);
+    printf("%-32s %10zu\n", "a worker's stack, used so far", stack.used);
     printf("%-32s %10zu\n", "a worker's stack, address space", stack.reserved);
 }
 
 void printGrowth() {
     printGrowthByNameLength();
-    printf("\nThreads share %zu processors; beyond that many they also wait for one.\n",
+    printf("\nThe threads share %zu processors; more threads than that also wait for a "
+           "processor.\n",
            processorCount());
     printGrowthByThreads(
             "brevoldScaling, not due, by compositor threads", [] { brevoldScaling(1, 0); },

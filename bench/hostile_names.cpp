@@ -1,4 +1,4 @@
-// hostile-names: what each layer name costs the plain expression and the library.
+// hostile_names: prints the cost of layer names for the plain expression and for the library.
 
 #include <chrono>
 #include <cstdio>
@@ -9,7 +9,7 @@
 
 namespace {
 
-constexpr size_t kLongest = 65536;
+constexpr size_t kMaxBytes = 65536;
 
 std::string plainPackageName(const std::string& name) {
     const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+", std::regex::ECMAScript);
@@ -23,10 +23,10 @@ struct Outcome {
     double us;
 };
 
-/** The least of some runs, as the machine's other work only ever adds; one run of a slow name. */
+/** Returns the fastest run, because other load only adds time. A slow name runs once. */
 template <typename Fn>
 Outcome run(Fn packageName, const std::string& name) {
-    Outcome least = {"", 1e12};
+    Outcome fastest = {"", 1e12};
     double spentUs = 0;
     for (int i = 0; i < 50 && spentUs < 50000; ++i) {
         const auto start = std::chrono::steady_clock::now();
@@ -40,13 +40,13 @@ Outcome run(Fn packageName, const std::string& name) {
         const std::chrono::duration<double, std::micro> took =
                 std::chrono::steady_clock::now() - start;
         spentUs += took.count();
-        if (took.count() < least.us) least = {text, took.count()};
+        if (took.count() < fastest.us) fastest = {text, took.count()};
     }
-    return least;
+    return fastest;
 }
 
 struct Row {
-    const char* what;
+    const char* description;
     std::string name;
 };
 
@@ -61,17 +61,17 @@ int main() {
             {"ordinary", "SurfaceView - com.example.player/com.example.player.MainActivity#0"},
             {"separators, no end", filled("SurfaceView", '-', "", 211)},
             {"letters, no end", filled("", 'a', "", 5000)},
-            {"separators, no end", filled("SurfaceView", '-', "", kLongest)},
-            {"blanks before a slash", filled("SurfaceView", ' ', "/#0", kLongest)},
-            {"separators, a package", filled("SurfaceView", '-', "a#0", kLongest)},
-            {"letters, no end", filled("", 'a', "", kLongest)},
-            {"digits", filled("a#", '0', "", kLongest)},
-            {"digits, no sign", filled("a/", '0', "", kLongest)},
-            {"signs", filled("", '#', "0", kLongest)},
-            {"slashes", filled("a", '/', "#0", kLongest)},
-            {"a line end after the slash", filled("a/", 'b', "\n#0", kLongest)},
-            {"line ends", filled("", '\n', "#0", kLongest)},
-            {"zero bytes", filled("", '\0', "#0", kLongest)},
+            {"separators, no end", filled("SurfaceView", '-', "", kMaxBytes)},
+            {"blanks before a slash", filled("SurfaceView", ' ', "/#0", kMaxBytes)},
+            {"separators, a package", filled("SurfaceView", '-', "a#0", kMaxBytes)},
+            {"letters, no end", filled("", 'a', "", kMaxBytes)},
+            {"digits", filled("a#", '0', "", kMaxBytes)},
+            {"digits, no sign", filled("a/", '0', "", kMaxBytes)},
+            {"signs", filled("", '#', "0", kMaxBytes)},
+            {"slashes", filled("a", '/', "#0", kMaxBytes)},
+            {"a line end after the slash", filled("a/", 'b', "\n#0", kMaxBytes)},
+            {"line ends", filled("", '\n', "#0", kMaxBytes)},
+            {"zero bytes", filled("", '\0', "#0", kMaxBytes)},
     };
     printf("%-27s %6s | %-12s %10s | %-12s %8s %8s\n", "name", "bytes", "expression", "us",
            "library", "us", "ratio");
@@ -81,9 +81,9 @@ int main() {
         const Outcome matching =
                 run(android::getPackageName,
                     filled("com.example.game/", 'a', "#0", std::max<size_t>(row.name.size(), 20)));
-        printf("%-27s %6zu | %-12s %10.1f | %-12s %8.1f %8.2f\n", row.what, row.name.size(),
+        printf("%-27s %6zu | %-12s %10.1f | %-12s %8.1f %8.2f\n", row.description, row.name.size(),
                plain.text.c_str(), plain.us, library.text.c_str(), library.us,
                library.us / matching.us);
     }
-    printf("ratio: library against itself on a matching name of that length\n");
+    printf("ratio: library to library on a matching name of the same length\n");
 }

@@ -13,7 +13,7 @@ thread_local uint64_t tAllocations;
 
 }  // namespace
 
-// The program's own are those of every library in the process.
+// The program's operators serve every library in the process.
 void* operator new(size_t size) {
     ++tAllocations;
     void* const memory = malloc(size);
@@ -68,8 +68,8 @@ Comparison compare(const Round& subject, const Round& floor) {
 }
 
 void printCostHeader() {
-    printf("%-41s %10s %10s %6s %8s %7s %9s\n", "entry", "ns", "floor ns", "ratio", "at most",
-           "allocs", "of floor");
+    printf("%-41s %10s %10s %6s %8s %7s %9s\n", "entry", "ns", "floor ns", "ratio", "max", "allocs",
+           "of floor");
 }
 
 bool printCost(const char* entry, const Round& subject, const Round& floor, Target target) {

@@ -6,24 +6,24 @@
 #include <vector>
 
 /**
- * Costs of calls and their floors. Not a benchmark library's: Catch2's, the one that links with
- * libc++, measures one subject after the other, so that a slow spell of the machine hits one of
- * them alone, has no untimed step between two calls, which a post needs until its worker sleeps
- * again, and prints means.
+ * Measures calls against their floors, alternately, so a slow phase of the machine hits both.
+ * Catch2, the benchmark library that links with libc++, measures one subject after the other,
+ * prints means, and has no untimed step between two calls, in which a worker could go back to
+ * sleep.
  */
 namespace brevold::bench {
 
 struct Costs {
-    /** Nanoseconds a call: of one call, or the mean of a batch. */
+    /** Nanoseconds per call, of a single call or as the mean of a batch. */
     std::vector<double> ns;
     uint64_t calls = 0;
     uint64_t allocations = 0;
 };
 
-/** Adds what some calls cost. */
+/** Makes some calls and adds their costs. */
 using Round = std::function<void(Costs&)>;
 
-/** A subject and its floor, measured in turns. */
+/** A subject and its floor, measured alternately. */
 struct Comparison {
     Costs subject;
     Costs floor;
@@ -40,23 +40,22 @@ struct Target {
 void printCostHeader();
 
 /**
- * Measures one line of the table and prints it. What is above the target is measured again, twice
- * at most and seconds later: a slow spell of the machine passes, a target that is missed stays so.
- * The line shows the last measurement.
+ * Measures and prints one line of the table. A missed target is measured again after a pause, at
+ * most twice, because a slow phase of the machine passes. The line shows the last measurement.
  *
- * @return whether the target is met.
+ * @return true if the target is met.
  */
 bool printCost(const char* entry, const Round& subject, const Round& floor, Target target);
 
 double quantileOf(std::vector<double> values, double quantile);
 double medianOf(const std::vector<double>& values);
 
-/** Allocations by operator new on this thread so far. */
+/** Returns the number of allocations by operator new on this thread so far. */
 uint64_t allocations();
 
 int64_t nowNs();
 
-/** One value, the mean of that many calls in a row. */
+/** Adds one value, the mean of this many calls in a row. */
 template <typename Call>
 Round batch(int calls, Call call) {
     return [calls, call](Costs& costs) {

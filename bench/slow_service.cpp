@@ -18,12 +18,12 @@ constexpr int kCallMs = 50;
 constexpr int kTries = 3;
 constexpr double kNsPerMs = 1e6;
 
-enum class Sending { Nobody, Sf, SfWithScalingWaiting, Qb };
+enum class Sending { None, Sf, SfWithScalingWaiting, Qb };
 
 struct BlockingCase {
     const char* entry;
     Sending sending;
-    /** Calls of the service that the entry may wait for. */
+    /** Number of service calls that the entry point may wait for. */
     int allowedCalls;
     std::function<void()> call;
     bool losesMode = false;
@@ -31,7 +31,7 @@ struct BlockingCase {
 
 const char* textOf(Sending sending) {
     switch (sending) {
-        case Sending::Nobody:
+        case Sending::None:
             return "no hint";
         case Sending::Sf:
             return "SF sends";
@@ -46,26 +46,26 @@ const char* textOf(Sending sending) {
 void waitUntilIdle() {
     const SleepWatch sf(workerOf(Channel::Sf));
     const SleepWatch qb(workerOf(Channel::Qb));
-    spinUntil([&] { return sf.isAsleep() && qb.isAsleep() && !isHintUnderWay(); });
+    spinUntil([&] { return sf.isAsleep() && qb.isAsleep() && !isHintInProgress(); });
 }
 
-/** Returns when the worker has begun to send. */
-void beginHint(Channel channel) {
+/** Returns when the worker has started to send. */
+void startHint(Channel channel) {
     waitUntilIdle();
     android::releaseScaling();
     waitUntilIdle();
-    const int before = hintsBegun();
-    android::energyScaling(1.5f, 2, 2, static_cast<int>(channel));
-    spinUntil([before] { return hintsBegun() != before; });
+    const int before = hintsStarted();
+    android::energyScaling(1.5f, android::kDirectionUp, android::kBoost, static_cast<int>(channel));
+    spinUntil([before] { return hintsStarted() != before; });
 }
 
 double blockedMs(const BlockingCase& test) {
     std::thread scaling;
-    if (test.sending == Sending::Nobody) waitUntilIdle();
-    if (test.sending == Sending::Qb) beginHint(Channel::Qb);
-    if (test.sending == Sending::Sf) beginHint(Channel::Sf);
+    if (test.sending == Sending::None) waitUntilIdle();
+    if (test.sending == Sending::Qb) startHint(Channel::Qb);
+    if (test.sending == Sending::Sf) startHint(Channel::Sf);
     if (test.sending == Sending::SfWithScalingWaiting) {
-        beginHint(Channel::Sf);
+        startHint(Channel::Sf);
         std::atomic<pid_t> waiter = 0;
         scaling = std::thread([&waiter] {
             waiter = gettid();
@@ -120,11 +120,11 @@ std::vector<BlockingCase> blockingCases() {
             {"frame report, no request", Sending::Qb, 0, reportOf(0)},
             {"frame report, DOWN", Sending::Sf, 0, reportOf(2)},
             {"frame report, DOWN", Sending::Qb, 1, reportOf(2)},
-            {"frame report, new refresh rate", Sending::Nobody, 2, otherRate},
+            {"frame report, new refresh rate", Sending::None, 2, otherRate},
             {"releaseScaling", Sending::Sf, 1, android::releaseScaling},
             {"brevoldRefresh", Sending::Sf, 1, brevoldRefresh, true},
             {"brevoldRefresh", Sending::Qb, 0, brevoldRefresh, true},
-            {"frame report, new layer name", Sending::Nobody, 1, otherLayer, true},
+            {"frame report, new layer name", Sending::None, 1, otherLayer, true},
     };
 }
 
@@ -132,8 +132,9 @@ std::vector<BlockingCase> blockingCases() {
 
 bool printSlowService() {
     constexpr double kSlackMs = 5;
-    printf("\nEach call of the service takes %d ms; how long an entry blocks meanwhile\n", kCallMs);
-    printf("%-32s %-26s %8s %8s\n", "entry", "meanwhile", "ms", "at most");
+    printf("\nEach call of the service takes %d ms; how long an entry point blocks meanwhile\n",
+           kCallMs);
+    printf("%-32s %-26s %8s %8s\n", "entry", "meanwhile", "ms", "max");
     bool isMet = true;
     measureRate(kPeriod60Ns);
     setServiceDelayMs(kCallMs);

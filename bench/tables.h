@@ -1,6 +1,6 @@
 #pragma once
 
-/** The tables that the benchmark prints, in this order; false where a target is missed. */
+/** Print the benchmark's tables, in this order. Return false if a target is missed. */
 namespace brevold::bench {
 
 bool printCosts();

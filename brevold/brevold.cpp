@@ -13,7 +13,7 @@
 
 namespace android {
 
-// The order of these six is the order in which they are constructed; unload destroys backwards.
+// Constructed in this order, and destroyed in reverse order when the process exits.
 Mutex gLock;
 Mutex gInitLock;
 std::string gCurrentLayer;
@@ -37,7 +37,7 @@ PerfLockRelFn gPerfLockRel;
 int32_t gCurrentLayerKeyA;
 int32_t gCurrentLayerKeyB;
 bool gLayerUnchanged;
-int32_t gAppType = -1;
+int32_t gAppType = kUnknownAppType;
 bool gTargetApp;
 
 int32_t gMode = kModeUnclassified;
@@ -65,7 +65,7 @@ constexpr int32_t kWorkerPriority = PRIORITY_URGENT_DISPLAY + PRIORITY_MORE_FAVO
 static_assert(kWorkerPriority == -9);
 
 void resetState() NO_THREAD_SAFETY_ANALYSIS {
-    gAppType = -1;
+    gAppType = kUnknownAppType;
     gMode = kModeUnclassified;
     gPrevQueueBusy = false;
     gLayerUnchanged = false;
@@ -96,7 +96,7 @@ bool isOn(const char* text) {
     return atoi(text) == 1;
 }
 
-/** A setting of the performance service, terminated within its bound whatever the service gave. */
+/** Returns a setting of the performance service; its text may lack the terminator there. */
 PerfSetting readSetting(const char* key, const char* fallback) {
     const PerfSetting answer = gPerfGetProp(key, fallback);
     PerfSetting setting = {};
@@ -113,7 +113,7 @@ AllowedFeatures queryFeatures() {
     using IsFeatureEnabledFn = int (*)(int feature);
 
     AllowedFeatures allowed = {};
-    void* const handle = dlopen("libfeatgate_system.so", RTLD_LAZY);
+    void* const handle = dlopen(kFeatureLibrary, RTLD_LAZY);
     if (handle == nullptr) return allowed;
     const auto isEnabled = reinterpret_cast<IsFeatureEnabledFn>(dlsym(handle, "IsFeatureEnabled"));
     if (isEnabled != nullptr) {
@@ -194,11 +194,9 @@ void clearConfigs() {
 using namespace android;
 
 bool brevoldInit() {
-    lockOrAbort(gInitLock);
+    const ScopedLock lock(gInitLock);
     if (!gInitDone) initialise();
-    const bool anyFeature = gJr10Enabled || gScalingEnabled || gFpsSwitchEnabled != 0;
-    gInitLock.unlock();
-    return anyFeature;
+    return gJr10Enabled || gScalingEnabled || gFpsSwitchEnabled != 0;
 }
 
 bool brevoldCheck(const char* name) {

@@ -8,17 +8,17 @@
 
 namespace android {
 
-// Without branches, so that runLength() is made of vector instructions.
+// Without branches, so that the compiler vectorises runLength().
 constexpr uint8_t isDigit(uint8_t byte) {
     return static_cast<uint8_t>(byte - '0') <= 9;
 }
 
-/** What the expression's [-\s\t] takes. The standard library has no other white space in a byte. */
+/** The bytes of [-\s\t]. The standard library treats no other byte as white space. */
 constexpr uint8_t isSeparator(uint8_t byte) {
     return (byte == '-') | (byte == ' ') | (static_cast<uint8_t>(byte - '\t') <= '\r' - '\t');
 }
 
-/** How many bytes of a class begin the text. */
+/** Returns the number of leading bytes that belong to a class. */
 template <uint8_t isInClass(uint8_t)>
 size_t runLength(std::string_view text) {
     const auto* const bytes = reinterpret_cast<const uint8_t*>(text.data());
@@ -36,30 +36,25 @@ size_t runLength(std::string_view text) {
 }
 
 /**
- * The few bytes of a layer name that decide which part of it is the package. An application chooses
- * the name, and a backtracking matcher's work grows with its square or cube: so the package
- * expression is given these bytes alone, the name with four runs cut short.
+ * The few bytes of a layer name that decide its package. A backtracking matcher's time grows with
+ * the square or cube of the name's length, so the package expression runs on these bytes only.
  *
- * The expression is (?:SurfaceView[-\s\t]+)?([^/]+).*#\d+ and has to account for all of the name.
- * Its digits can only be those that end the name, and its number sign only the one before them (the
- * sign). Group 1 holds no slash, and what stands between it and the sign no line end. It is greedy,
- * so it ends at the first slash, or at the sign if that comes first (the stop), wherever it begins:
- * the prefix and its separators hold neither. So the expression matches only if there is a sign,
- * the stop is not the first byte, and no line end stands from stop to sign. Then it does match: if
- * in no other way, with group 1 from the first byte on. Group 1 begins behind all separators if
- * anything stands between them and the stop; else with the last separator if there are two, as
- * the prefix wants one; else with the first byte.
+ * (?:SurfaceView[-\s\t]+)?([^/]+).*#\d+ matches the whole name, so its #\d+ is the last '#' (the
+ * sign) and the digits after it. Group 1 is greedy and holds no slash: it ends at the stop, which
+ * is the first slash or the sign. The name matches if a sign exists, the stop is not its first byte
+ * and no line end lies between stop and sign. Group 1 begins after the separators if a byte is left
+ * before the stop, else at the last of two or more separators, else at the first byte.
  *
- * None of that changes when the bytes from stop to sign are left out, all digits but the first, all
- * separators but the last two, and all but the first byte from the separators to the stop.
+ * So these can be cut: the bytes from stop to sign, all digits but the first, all separators but
+ * the last two, and all bytes but the first between separators and stop.
  */
 struct LayerNameExcerpt {
     static constexpr std::string_view kPrefix = "SurfaceView";
 
-    /** At most 16 bytes, which the expression matches if and only if it matches the name. */
+    /** At most 16 bytes. The expression matches them if and only if it matches the name. */
     std::string text;
     size_t separatorsCut = 0;
-    /** Where in the name a package ends. */
+    /** Offset in the name at which its package ends. */
     size_t stop = 0;
 
     explicit LayerNameExcerpt(std::string_view name) {
@@ -84,7 +79,7 @@ struct LayerNameExcerpt {
         text.append(name, sign, 2);
     }
 
-    /** Where in the name a package begins that begins there in the text. */
+    /** Returns the offset in the name of a package that begins at this offset in the text. */
     size_t packageBegin(size_t inText) const { return inText == 0 ? 0 : inText + separatorsCut; }
 };
 

@@ -18,18 +18,13 @@ constexpr int64_t kPeriodMarginNs = 1000000;
 constexpr int64_t kWindowNs = 1000000000;
 constexpr int64_t kVerdictSpanNs = 17999999;
 
-// Fixed-width gaps keep the values apart in a trace viewer.
+// Wide gaps keep the values apart in a trace viewer.
 #define BREVOLD_GAP45 "                                             "
 #define BREVOLD_GAP53 BREVOLD_GAP45 "        "
-#define BREVOLD_SCALING_LABEL(direction)                           \
-    "[" direction "_SCALING]mode \t%d \tscale \t%f" BREVOLD_GAP53  \
-    "\theadRoom \t%lld \tdiffQB \t%lld \tdiffSFToQB" BREVOLD_GAP53 \
-    "\t%lld"                                                       \
-    " \tlastMaxQueuedFrames \t%d"
 
 using LongLong = long long;
 
-/** The stamps of one frame report that headroom is worked out from, in nanoseconds. */
+/** Input of the headroom of one frame. Times in nanoseconds. */
 struct FrameTiming {
     int32_t mode;
     int32_t queuedFrames;
@@ -42,13 +37,20 @@ float ratio(int64_t dividend, int64_t divisor) {
     return static_cast<float>(dividend) / static_cast<float>(divisor);
 }
 
+void markScaling(const char* direction, const FrameTiming& frame, int64_t headRoom, float scale) {
+    if (!gDebug) return;
+    traceMarker("[%s_SCALING]mode \t%d \tscale \t%f" BREVOLD_GAP53
+                "\theadRoom \t%lld \tdiffQB \t%lld \tdiffSFToQB" BREVOLD_GAP53
+                "\t%lld \tlastMaxQueuedFrames \t%d",
+                direction, frame.mode, static_cast<double>(scale), LongLong{headRoom},
+                LongLong{frame.diffQB}, LongLong{frame.diffSFToQB}, frame.queuedFrames);
+}
+
 void scaleDown(const FrameTiming& frame) {
     const int64_t headRoom = checkedSub(frame.frameBudgetNs * frame.queuedFrames, frame.diffSFToQB);
     const float quotient = ratio(frame.diffQB, headRoom);
-    const float scale = quotient > 1.0f ? 1.0f : quotient;  // an undefined quotient stays one
-    TraceSection(gDebug, BREVOLD_SCALING_LABEL("DOWN"), frame.mode, static_cast<double>(scale),
-                 LongLong{headRoom}, LongLong{frame.diffQB}, LongLong{frame.diffSFToQB},
-                 frame.queuedFrames);
+    const float scale = quotient > 1.0f ? 1.0f : quotient;  // NaN stays NaN
+    markScaling("DOWN", frame, headRoom, scale);
     if (!gPfarDownEnabled) return;
     energyScaling(scale, kDirectionDown, kNoBoost, kQbChannel);
     gDownCount = checkedAdd(gDownCount, 1);
@@ -58,14 +60,12 @@ void scaleUp(const FrameTiming& frame) {
     const int64_t headRoom = checkedSub(frame.frameBudgetNs, frame.diffSFToQB);
     const float scale = ratio(frame.diffQB, checkedAdd(headRoom, frame.frameBudgetNs));
     if (!(scale > 1.0f)) return;
-    TraceSection(gDebug, BREVOLD_SCALING_LABEL("UP"), frame.mode, static_cast<double>(scale),
-                 LongLong{headRoom}, LongLong{frame.diffQB}, LongLong{frame.diffSFToQB},
-                 frame.queuedFrames);
+    markScaling("UP", frame, headRoom, scale);
     energyScaling(scale, kDirectionUp, kBoost, kQbChannel);
     gUpCount = checkedAdd(gUpCount, 1);
 }
 
-/** The mode of a measured frame rate; the gaps between the bands stay unclassified. */
+/** Returns the mode of a measured frame rate. Rates between two bands are unclassified. */
 int32_t modeOf(float fps) {
     struct ModeBand {
         float above;
@@ -73,8 +73,12 @@ int32_t modeOf(float fps) {
         int32_t mode;
     };
     constexpr ModeBand kModeBands[] = {
-            {27.0f, 32.0f, 1}, {47.0f, 62.0f, 2}, {77.0f, 92.0f, 3}, {107.0f, 122.0f, 4}};
-    if (fps > 0.0f && fps <= 27.0f) return 0;
+            {27.0f, 32.0f, kMode30Fps},
+            {47.0f, 62.0f, kMode60Fps},
+            {77.0f, 92.0f, kMode90Fps},
+            {107.0f, 122.0f, kMode120Fps},
+    };
+    if (fps > 0.0f && fps <= 27.0f) return kModeLow;
     for (const ModeBand& band : kModeBands) {
         if (fps > band.above && fps < band.below) return band.mode;
     }
@@ -88,26 +92,35 @@ void resetWindow() {
     gDownCount = gUpCount = gIdleCount = 0;
 }
 
-/** The verdict of brevoldMonitor, its conditions in the order in which they are tested. */
+void reportWindow() {
+    if (!gDebug) return;
+    traceMarker("[FM]gMode:%d \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d" BREVOLD_GAP45 "\tIdle:\t%d",
+                gMode, static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
+    BREVOLD_LOGE("[FM]gMode:%d \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d \tIdle:\t%d", gMode,
+                 static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
+}
+
+// Keep the order of the conditions: the last one aborts if the stamps are extreme.
 bool isBoostVerdict(int queuedFrames, int64_t periodNs, int64_t nowNs) REQUIRES(gLock) {
     if (!gJr10Enabled || !gTargetApp || !gLayerUnchanged) return false;
     const RefreshBand* const band = refreshBandOf(periodNs);
-    if (band == nullptr || band->rateHz != 60) return false;
-    if (static_cast<uint32_t>(gMode) > 1 || gLastRefreshTime == 0) return false;
+    if (band == nullptr || band->rateHz != kRate60Hz) return false;
+    if (static_cast<uint32_t>(gMode) > kMode30Fps || gLastRefreshTime == 0) return false;
     if (queuedFrames >= 2 && gPrevQueueBusy) return false;
     const int64_t sinceRefreshNs = checkedSub(nowNs, gLastRefreshTime);
     return sinceRefreshNs >= 1 && sinceRefreshNs <= kVerdictSpanNs;
 }
 
-/** Whether frames pile up at a steady rate: a mode with its own period, or mode 1 at 60 Hz. */
-bool isJankBoostDue(int queuedFrames) {
+/** Returns true if frames pile up at a steady rate. */
+bool isJankBoostDue(int queuedFrames) REQUIRES(gLock) {
     const RefreshBand* const band = refreshBandOf(gVsyncPeriod);
     if (band == nullptr) return false;
     if (band->mode == gMode) return queuedFrames >= 2;
-    return gMode == 1 && band->rateHz == 60 && (gSmoothMotion || gJr10Enabled) && queuedFrames >= 3;
+    return gMode == kMode30Fps && band->rateHz == kRate60Hz && (gSmoothMotion || gJr10Enabled) &&
+           queuedFrames >= 3;
 }
 
-void postJankBoostWhenDue(int queuedFrames, int suppress) REQUIRES(gLock) {
+void postJankBoostIfDue(int queuedFrames, int suppress) REQUIRES(gLock) {
     if (!gScalingEnabled || !gTargetApp) return;
     if (!isJankBoostDue(queuedFrames) || suppress != 0) return;
     energyScaling(kJankBoostScale, kDirectionUp, kBoost, kSfChannel);
@@ -117,6 +130,8 @@ void postJankBoostWhenDue(int queuedFrames, int suppress) REQUIRES(gLock) {
 }  // namespace
 
 std::string getPackageName(const std::string& layerName) {
+    // The expression defines the package, so each call compiles and runs it, but on an excerpt: an
+    // application chooses the name, and backtracking through a long one stalls or aborts.
     const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+", std::regex::ECMAScript);
     const LayerNameExcerpt excerpt(layerName);
     std::smatch match;
@@ -133,20 +148,16 @@ void brevoldAppTypeCheck(std::string layerName) {
 }
 
 void brevoldLayerStatusCheck(bool skip, std::string layerName, int keyA, int keyB) {
-    lockOrAbort(gLock);
-    if (!isListedLayer(layerName) && !skip) {
-        gTargetApp = gAppType == kTargetAppType;
-        if (layerName == gCurrentLayer && keyA == gCurrentLayerKeyA && keyB == gCurrentLayerKeyB) {
-            gLayerUnchanged = true;
-        } else {
-            gCurrentLayer = std::move(layerName);
-            gCurrentLayerKeyA = keyA;
-            gCurrentLayerKeyB = keyB;
-            gLayerUnchanged = false;
-            gMode = kModeUnclassified;
-        }
-    }
-    gLock.unlock();
+    const ScopedLock lock(gLock);
+    if (isListedLayer(layerName) || skip) return;
+    gTargetApp = gAppType == kTargetAppType;
+    gLayerUnchanged = isSameLayer({layerName, keyA, keyB},
+                                  {gCurrentLayer, gCurrentLayerKeyA, gCurrentLayerKeyB});
+    if (gLayerUnchanged) return;
+    gCurrentLayer = std::move(layerName);
+    gCurrentLayerKeyA = keyA;
+    gCurrentLayerKeyB = keyB;
+    gMode = kModeUnclassified;
 }
 
 void brevoldBufferMonitor(int lastMaxQueuedFrames, std::string peerLayerName, std::string layerName,
@@ -182,14 +193,16 @@ void checkRefreshRateChange(void* info) {
         gRefreshRateHandle = 0;
     }
     if (gPerfHintUpdate != nullptr) {
-        gRefreshRateHandle = gPerfHintUpdate(kRefreshRateHint, nullptr, 0, gRefreshRate);
+        gRefreshRateHandle =
+                gPerfHintUpdate(kRefreshRateHint, nullptr, kRefreshRateDuration, gRefreshRate);
     }
 }
 
 void modeMonitor(int64_t intervalNs) {
     const nsecs_t nowNs = systemTime(SYSTEM_TIME_MONOTONIC);
-    if (intervalNs >= kIdleGapNs) {
+    if (isIdleGap(intervalNs)) {
         resetWindow();
+        // If locking fails, here and below, the mode is stored all the same.
         Mutex::Autolock lock(gLock);
         gMode = kModeUnclassified;
         return;
@@ -211,13 +224,7 @@ void modeMonitor(int64_t intervalNs) {
         Mutex::Autolock lock(gLock);
         gMode = modeOf(gFps);
     }
-    TraceSection(gDebug,
-                 "[FM]gMode:%d \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d" BREVOLD_GAP45 "\tIdle:\t%d",
-                 gMode, static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
-    if (gDebug) {
-        BREVOLD_LOGE("[FM]gMode:%d \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d \tIdle:\t%d", gMode,
-                     static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
-    }
+    reportWindow();
     resetWindow();
 }
 
@@ -230,7 +237,7 @@ int brevoldOnFrameAvailable(LayerFrameInfo* info) {
     if (info == nullptr) return 0;
     if (!gScalingEnabled && !gJr10Enabled) return 0;
 
-    // All of the record is read before the service is asked: what it holds by then counts.
+    // Copy the record first; it may change during the service call.
     const bool skip = info->skipLayerCheck != 0;
     const int32_t keyB = info->layerKeyB;
     const int32_t keyA = info->layerKeyA;
@@ -245,7 +252,7 @@ int brevoldOnFrameAvailable(LayerFrameInfo* info) {
     if (!skip) brevoldAppTypeCheck(layerName);
     brevoldLayerStatusCheck(skip, layerName, keyA, keyB);
 
-    // Extreme stamps overflow, and abort, also where the monitor is not called below.
+    // Extreme stamps abort even if the monitor is not called below.
     const int64_t diffSFToQB = checkedSub(qbTime, sfTime);
     const int64_t diffQB = checkedSub(qbTime, lastQbTime);
     if (lastQbTime != -1) {
@@ -257,17 +264,16 @@ int brevoldOnFrameAvailable(LayerFrameInfo* info) {
 
 int brevoldMonitor(int queuedFrames, int64_t periodNs) {
     const nsecs_t nowNs = systemTime(SYSTEM_TIME_MONOTONIC);
-    lockOrAbort(gLock);
+    const ScopedLock lock(gLock);
     const bool verdict = isBoostVerdict(queuedFrames, periodNs, nowNs);
     gPrevQueueBusy = queuedFrames >= 2;
-    gLock.unlock();
     return verdict ? 1 : 0;
 }
 
 int brevoldScaling(int queuedFrames, int suppress) {
-    lockOrAbort(gLock);
-    postJankBoostWhenDue(queuedFrames, suppress);
-    return unlockWithStatus(gLock);
+    ScopedLock lock(gLock);
+    postJankBoostIfDue(queuedFrames, suppress);
+    return lock.unlock();
 }
 
 void brevoldRefresh() {

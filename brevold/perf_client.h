@@ -4,12 +4,10 @@
 
 namespace android {
 
-constexpr char kPerfClientLibrary[] = "libvnx-perfd-client_system.so";
-
-/** The longest setting with its terminator, the platform's bound for a property value. */
+/** Size of a setting's text with its terminator; the platform's limit for property values. */
 constexpr size_t kSettingSize = 92;
 
-/** A setting's text as the service returns it, by value. */
+/** A setting's text, which the service returns by value. */
 struct PerfSetting {
     char text[kSettingSize];
 };

@@ -15,19 +15,24 @@ namespace android {
 
 #define BREVOLD_LOGE(...) __android_log_print(ANDROID_LOG_ERROR, "Brevold", __VA_ARGS__)
 
-/** A trace section whose begin and end each test the tag for themselves. */
+/** Begins a trace section, if tracing is on. Labels are cut after 255 characters. */
+__attribute__((format(printf, 1, 0))) inline void beginTraceSection(const char* format,
+                                                                    va_list args) {
+    char label[256];
+    vsnprintf(label, sizeof(label), format, args);
+    atrace_begin(ATRACE_TAG_ALWAYS, label);
+}
+
+/** A trace section that lasts for a scope. Its begin and its end each test the trace tag. */
 class TraceSection {
   public:
-    /** Formats the label only when enabled; more than 255 characters are cut. */
     __attribute__((format(printf, 3, 4))) TraceSection(bool enabled, const char* format, ...)
           : mEnabled(enabled) {
         if (!enabled) return;
-        char label[256];
         va_list args;
         va_start(args, format);
-        vsnprintf(label, sizeof(label), format, args);
+        beginTraceSection(format, args);
         va_end(args);
-        atrace_begin(ATRACE_TAG_ALWAYS, label);
     }
     ~TraceSection() {
         if (mEnabled) atrace_end(ATRACE_TAG_ALWAYS);
@@ -39,7 +44,16 @@ class TraceSection {
     const bool mEnabled;
 };
 
-/** a - b and a + b of signed integers; an overflow aborts the process, in every build type. */
+/** Marks a moment in the trace with an empty section. */
+__attribute__((format(printf, 1, 2))) inline void traceMarker(const char* format, ...) {
+    va_list args;
+    va_start(args, format);
+    beginTraceSection(format, args);
+    va_end(args);
+    atrace_end(ATRACE_TAG_ALWAYS);
+}
+
+/** a - b and a + b of signed integers. An overflow aborts the process, in every build type. */
 template <typename T>
 inline T checkedSub(T a, T b) {
     static_assert(std::is_signed_v<T>);
@@ -56,15 +70,31 @@ inline T checkedAdd(T a, T b) {
     return result;
 }
 
-/** Locks; where the lock cannot be had, aborts the process. */
-inline void lockOrAbort(Mutex& mutex) ACQUIRE(mutex) {
-    if (mutex.lock() != OK) abort();
-}
+/**
+ * Holds a mutex for a scope and aborts the process if it cannot be locked. Code that continues
+ * without the lock uses Mutex::Autolock, which ignores the failure.
+ */
+class SCOPED_CAPABILITY ScopedLock {
+  public:
+    explicit ScopedLock(Mutex& mutex) ACQUIRE(mutex) : mMutex(mutex) {
+        if (mutex.lock() != OK) abort();
+    }
+    ~ScopedLock() RELEASE() NO_THREAD_SAFETY_ANALYSIS {
+        if (mIsHeld) unlock();
+    }
+    ScopedLock(const ScopedLock&) = delete;
+    ScopedLock& operator=(const ScopedLock&) = delete;
 
-/** Unlocks and tells the status, 0 on success, which Mutex::unlock() keeps to itself. */
-inline int unlockWithStatus(Mutex& mutex) RELEASE(mutex) NO_THREAD_SAFETY_ANALYSIS {
-    static_assert(std::is_standard_layout_v<Mutex> && sizeof(Mutex) == sizeof(pthread_mutex_t));
-    return pthread_mutex_unlock(reinterpret_cast<pthread_mutex_t*>(&mutex));
-}
+    /** Unlocks early. Returns the status, 0 on success, which Mutex::unlock() does not. */
+    int unlock() RELEASE() NO_THREAD_SAFETY_ANALYSIS {
+        static_assert(std::is_standard_layout_v<Mutex> && sizeof(Mutex) == sizeof(pthread_mutex_t));
+        mIsHeld = false;
+        return pthread_mutex_unlock(reinterpret_cast<pthread_mutex_t*>(&mMutex));
+    }
+
+  private:
+    Mutex& mMutex;
+    bool mIsHeld = true;
+};
 
 }  // namespace android

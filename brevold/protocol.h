@@ -2,11 +2,17 @@
 
 #include <cstdint>
 
+#include "brevold/frame_rate.h"
+
 /**
- * Words exchanged with the performance service and the settings, shared by the library and the
- * tools that answer or decode its requests.
+ * What the library exchanges with the performance service, the feature switch and the settings.
+ * The tools that answer or decode its requests share it.
  */
 namespace android {
+
+// Libraries opened at run time.
+constexpr char kPerfClientLibrary[] = "libvnx-perfd-client_system.so";
+constexpr char kFeatureLibrary[] = "libfeatgate_system.so";
 
 // Hints and queries of the performance service.
 constexpr int kScalingHint = 0x1046;
@@ -15,54 +21,58 @@ constexpr int kAppTypeQuery = 0x1601;
 
 /** The answer to kAppTypeQuery for an application that the library acts on. */
 constexpr int32_t kTargetAppType = 2;
+constexpr int32_t kUnknownAppType = -1;
 
-// Channels of scaling requests, each served by a worker of its own.
-constexpr int kSfChannel = 0;  // compositor side: jank boost and its release
-constexpr int kQbChannel = 1;  // producer side: DOWN and UP
+// Channels of scaling requests. Each has a worker of its own.
+constexpr int kSfChannel = 0;  // compositor: jank boost and its release
+constexpr int kQbChannel = 1;  // producer: DOWN and UP
 constexpr char kSfChannelName[] = "SF";
 constexpr char kQbChannelName[] = "QB";
 
+constexpr uint32_t kNoDirection = 0;
 constexpr uint32_t kDirectionDown = 1;
 constexpr uint32_t kDirectionUp = 2;
 constexpr uint32_t kNoBoost = 0;
 constexpr uint32_t kBoost = 2;
 constexpr float kJankBoostScale = 10.0f;
 
-// Durations of scaling hints, in milliseconds.
+// Durations of hints, in milliseconds.
 constexpr int32_t kNoDuration = -1;  // nothing is sent
 constexpr int32_t kReleaseDuration = 0;
+constexpr int32_t kRefreshRateDuration = 0;  // in force until it is released
 constexpr int32_t kSfDuration = 2000;
 
-/** Duration of a "QB" hint in a frame-rate mode; kNoDuration in modes without a band. */
+/** Returns the duration of a "QB" hint in a frame-rate mode. */
 constexpr int32_t qbDurationOf(int32_t mode) {
     switch (mode) {
-        case 2:
+        case kMode60Fps:
             return 19;
-        case 3:
+        case kMode90Fps:
             return 13;
-        case 4:
+        case kMode120Fps:
             return 10;
         default:
             return kNoDuration;
     }
 }
 
-// The type word of a scaling hint: bits 0 to 15 hold the scale in thousandths, from bit 16 on the
-// direction, from bit 19 on the boost level; bit 22 is set on the "QB" channel.
+// The type word of a scaling hint: bits 0 to 15 hold the scale in thousandths, bits 16 to 18 the
+// direction, bits 19 to 21 the boost level; bit 22 is set on the "QB" channel.
 constexpr uint32_t kScaleMask = 0xffff;
 constexpr unsigned kDirectionShift = 16;
 constexpr unsigned kBoostLevelShift = 19;
 constexpr uint32_t kFieldMask = 0x7;
 constexpr uint32_t kQbChannelBit = 1u << 22;
 
-/** Truncates toward zero; negative and NaN give 0, too large gives UINT32_MAX, on any processor. */
+/** Truncates toward zero on every processor. Negative and NaN give 0, too large UINT32_MAX. */
 constexpr uint32_t saturatingUint32(float value) {
     if (!(value > 0.0f)) return 0;
     if (value >= 4294967296.0f) return UINT32_MAX;
     return static_cast<uint32_t>(value);
 }
 
-/** Direction and boost level are not masked: a value of more than 3 bits overlaps its neighbour. */
+/** Direction and boost level are not masked: a value of more than 3 bits runs into the next field.
+ */
 constexpr uint32_t packTypeWord(float scale, uint32_t direction, uint32_t boostLevel) {
     return (saturatingUint32(scale * 1000.0f) & kScaleMask) | direction << kDirectionShift |
            boostLevel << kBoostLevelShift;

@@ -12,7 +12,7 @@ namespace android {
 
 namespace {
 
-// A macro, as each message is one literal.
+// A macro, because the variable's name is part of the message.
 #define BREVOLD_BIND(function, handle, symbol)                                  \
     do {                                                                        \
         function = reinterpret_cast<decltype(function)>(dlsym(handle, symbol)); \
@@ -64,7 +64,7 @@ void ScalingSyncThread::post(float scale, uint32_t direction, uint32_t boostLeve
     mDirection = direction;
     mBoostLevel = boostLevel;
     mDuration = duration;
-    if (boostLevel != 0) {
+    if (boostLevel != kNoBoost) {
         mBoostCount = checkedAdd(mBoostCount, 1);
         if (!mBoosted) mBoostPending = true;
     }
@@ -79,28 +79,38 @@ void ScalingSyncThread::withdrawBoost() {
 }
 
 bool ScalingSyncThread::threadLoop() {
-    mLock.lock();
-    while (true) {
-        const status_t status = mCondition.wait(mLock);
-        if (status != OK) {
-            BREVOLD_LOGE("error waiting for new events: %s (%d)", strerror(-status), status);
-            mLock.unlock();
-            return false;
-        }
-        if (mChannel == kQbChannelName) {
-            sendScaling();
-        } else if (mChannel == kSfChannelName) {
-            sendBoostOrRelease();
-        }
-        mLock.unlock();
-        mLock.lock();
+    // Returning true would repeat the call too, but only after the platform took its own locks.
+    while (waitAndSend()) {
+    }
+    return false;
+}
+
+bool ScalingSyncThread::waitAndSend() {
+    // Between two passes the lock is free for a moment; a signal sent meanwhile is lost.
+    Mutex::Autolock lock(mLock);
+    const status_t status = mCondition.wait(mLock);
+    if (status != OK) {
+        BREVOLD_LOGE("error waiting for new events: %s (%d)", strerror(-status), status);
+        return false;
+    }
+    send();
+    return true;
+}
+
+void ScalingSyncThread::send() {
+    const bool isQb = mChannel == kQbChannelName;
+    if (!isQb && mChannel != kSfChannelName) return;
+    if (!canSend()) {
+        BREVOLD_LOGE("mPerfHint is null.");
+    } else if (isQb) {
+        sendScaling();
+    } else {
+        sendBoostOrRelease();
     }
 }
 
 bool ScalingSyncThread::canSend() const {
-    if (mPerfHint != nullptr && mDuration >= 1) return true;
-    BREVOLD_LOGE("mPerfHint is null.");
-    return false;
+    return mPerfHint != nullptr && mDuration >= 1;
 }
 
 uint32_t ScalingSyncThread::typeWord() const {
@@ -108,13 +118,11 @@ uint32_t ScalingSyncThread::typeWord() const {
 }
 
 void ScalingSyncThread::sendScaling() {
-    if (!canSend()) return;
     const TraceSection section(mDebug, "energyScaling[Scale:%.2F]", static_cast<double>(mScale));
     mPerfHint(kScalingHint, nullptr, mDuration, static_cast<int>(typeWord() | kQbChannelBit));
 }
 
 void ScalingSyncThread::sendBoostOrRelease() {
-    if (!canSend()) return;
     if (!mBoostPending) {
         {
             const TraceSection section(mDebug, "energyScaling[jank]-rel");
@@ -132,7 +140,7 @@ void ScalingSyncThread::sendBoostOrRelease() {
 }
 
 void energyScaling(float scale, unsigned int direction, unsigned int boostLevel, int channel) {
-    if (direction == 0 || !gScalingEnabled) return;
+    if (direction == kNoDirection || !gScalingEnabled) return;
     if (channel == kSfChannel) {
         gSFThread->post(scale, direction, boostLevel, kSfDuration);
     } else if (channel == kQbChannel) {

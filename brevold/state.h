@@ -11,16 +11,17 @@
 #include "brevold/perf_client.h"
 #include "brevold/scaling_sync_thread.h"
 
-// The process-wide state. What carries no guard is read and written without a lock on purpose:
-// nothing is atomic, and the compositor does not run brevoldInit or clearConfigs concurrently with
-// the other entries. Lock order: gLock, then a worker's own lock.
+// The process-wide state. Variables without GUARDED_BY are shared without a lock on purpose, and
+// none is atomic: a late value costs one frame's decision, a lock would make compositor threads
+// wait for each other. The compositor does not run brevoldInit or clearConfigs concurrently with
+// other entry points. Lock order: gLock, then a worker's own lock.
 
 namespace android {
 
 extern Mutex gLock;
 extern Mutex gInitLock;
 
-// Switches, read once at initialisation.
+// Switches. Written by brevoldInit under gInitLock, read without a lock.
 extern bool gScalingEnabled;
 extern bool gJr10Enabled;
 extern bool gSmoothMotion;
@@ -29,49 +30,60 @@ extern bool gDebug;
 extern int32_t gFpsSwitchEnabled;
 extern bool gInitDone GUARDED_BY(gInitLock);
 
-// The performance service; null where it could not be bound.
+// Functions of the performance service, null if they could not be bound. Written by brevoldInit
+// under gInitLock, read without a lock.
 extern PerfGetFeedbackFn gPerfGetFeedback;
 extern PerfGetPropFn gPerfGetProp;
 extern PerfHintFn gPerfHintUpdate;
 extern PerfLockRelFn gPerfLockRel;
 
-// Both exist whenever gScalingEnabled is set.
+// The workers exist whenever gScalingEnabled is set.
 extern sp<ScalingSyncThread> gSFThread;
 extern sp<ScalingSyncThread> gQBThread;
 
 /** isDebugLayer() without a copy of the name. */
 bool isListedLayer(const std::string& name);
 
-// Layer and application. gCurrentLayer is written under gLock and read without it by the
-// application check, which only wants to notice a change.
+/** Written by brevoldInit under gInitLock, read without a lock. */
 extern std::vector<std::string> gDebugLayers;
+
+/** Written under gLock. The application check reads it without, only to notice a change. */
 extern std::string gCurrentLayer;
 extern int32_t gCurrentLayerKeyA GUARDED_BY(gLock);
 extern int32_t gCurrentLayerKeyB GUARDED_BY(gLock);
 extern bool gLayerUnchanged GUARDED_BY(gLock);
+
+/** Written by the application check without a lock, read under gLock. */
 extern int32_t gAppType;
+/** Written under gLock. brevoldCheck and the buffer monitor read it without. */
 extern bool gTargetApp;
 
-// Frame-rate mode, 0 to 5. Written under gLock; requests and the buffer monitor read it without.
+/** Frame-rate mode. Written under gLock. Requests and the buffer monitor read it without. */
 extern int32_t gMode;
 
-// The frame-rate window and the events counted in it. Times in nanoseconds.
+// The frame-rate window. Only the thread of the refresh ticks uses it. Times in nanoseconds.
 extern bool gFpsWindowActive;
 extern int64_t gWindowStart;
 extern int32_t gFrameCount;
 extern float gIntervalSum;
 extern float gFps;
+
+// Requests posted in the window. Refresh ticks read and reset them without a lock, so a request
+// that is counted meanwhile may be lost. DOWN and UP are counted by frame reports without a lock,
+// jank boosts (gIdleCount) by vsyncs under gLock.
 extern int32_t gDownCount;
 extern int32_t gUpCount;
 extern int32_t gIdleCount;
 
-// What one report leaves for the next. Times in nanoseconds.
+/** Stamp of the previous frame, in nanoseconds; only frame reports use it. */
 extern int64_t gLastFrameStamp;
+/** Written by refresh ticks without a lock, read by vsyncs under gLock. In nanoseconds. */
 extern int64_t gLastRefreshTime;
+/** Written by frame reports without a lock, read by vsyncs under gLock. In nanoseconds. */
 extern int64_t gVsyncPeriod;
 extern bool gPrevQueueBusy GUARDED_BY(gLock);
 
-// The refresh-rate hint that is held.
+// The refresh-rate hint in force. Only frame reports use it.
 extern int32_t gRefreshRate;
 extern int32_t gRefreshRateHandle;
 

@@ -1,9 +1,9 @@
-// Writes the example traces into a folder: small simulations of a compositor and one application,
-// in the words of three Android releases. The same bytes at every run.
+// Writes the example traces into a folder: small simulations of a compositor and an application,
+// with the marks of three Android releases. Every run writes the same bytes.
+
+#include <fmt/format.h>
 
 #include <algorithm>
-#include <cinttypes>
-#include <cstdio>
 #include <fstream>
 #include <iostream>
 #include <string>
@@ -18,7 +18,7 @@ constexpr int kCompositorPid = 612;
 constexpr int kPeriod60 = 16666666;
 constexpr int kPeriod120 = 8333333;
 
-/** A trace that is written mark by mark and comes out in time order. */
+/** A trace in ftrace text. Marks may be added in any order. */
 class Trace {
   public:
     enum class Form { Oldest, Tgid };
@@ -53,54 +53,52 @@ class Trace {
 
     void add(int64_t t, const std::string& thread, const std::string& mark) {
         const int64_t us = (kStart + t) / 1000;
-        char text[256];
-        const char* const form = mForm == Form::Oldest
-                                         ? "%22s [001] %5" PRId64 ".%06" PRId64 ": 0: %s"
-                                         : "%22s (  612) [001] .... %5" PRId64 ".%06" PRId64
-                                           ": tracing_mark_write: %s";
-        snprintf(text, sizeof(text), form, thread.c_str(), us / 1000000, us % 1000000,
-                 mark.c_str());
-        mLines.push_back({t, text});
+        const std::string time = fmt::format("{:5}.{:06}", us / 1000000, us % 1000000);
+        mLines.push_back(
+                {t, mForm == Form::Oldest
+                            ? fmt::format("{:>22} [001] {}: 0: {}", thread, time, mark)
+                            : fmt::format("{:>22} (  612) [001] .... {}: tracing_mark_write: {}",
+                                          thread, time, mark)});
     }
 
     const Form mForm;
     std::vector<Line> mLines;
 };
 
-/** Small, repeatable unsteadiness in -range..range. */
+/** Returns a pseudorandom offset from -range to range. */
 int64_t jitter(int64_t range) {
     static uint32_t state = 1;
     state = state * 1664525u + 1013904223u;
     return static_cast<int64_t>(state >> 8) % (2 * range + 1) - range;
 }
 
-/** The marks that a release uses. */
-struct Words {
+/** The names of an Android release's marks. */
+struct MarkNames {
     std::string vsync;
     std::string composition;
     std::string depthPrefix;
 };
 
-/** One layer's buffer queue: frames go in when the application queues, out when composed. */
+/** The buffer queue of one layer, filled by the application and emptied by the compositor. */
 class Simulation {
   public:
-    Simulation(Trace& trace, Words words, std::string layer)
-          : mTrace(trace), mWords(std::move(words)), mLayer(std::move(layer)) {}
+    Simulation(Trace& trace, MarkNames names, std::string layer)
+          : mTrace(trace), mNames(std::move(names)), mLayer(std::move(layer)) {}
 
     void setLayer(const std::string& layer) { mLayer = layer; }
 
     /** The application queues a frame. Call in time order. */
     void queue(int64_t t) { mQueueTimes.push_back(t); }
 
-    /** The display refreshes from one time to another; every vsync with a frame is composed. */
+    /** Runs the display over an interval; every vsync with a queued frame is composed. */
     void run(int64_t from, int64_t to, int64_t periodNs) {
         for (int64_t t = from; t < to; t += periodNs) {
             const int64_t vsync = t + jitter(kMs / 20);
             takeQueuedUntil(vsync);
-            mTrace.counter(vsync, "DispSync-640", mWords.vsync, mVsyncs++ % 2);
+            mTrace.counter(vsync, "DispSync-640", mNames.vsync, mVsyncs++ % 2);
             if (mDepth == 0) continue;
             const int64_t latch = vsync + kMs / 2;
-            mTrace.section(vsync + kMs / 4, vsync + 2 * kMs, mWords.composition);
+            mTrace.section(vsync + kMs / 4, vsync + 2 * kMs, mNames.composition);
             takeQueuedUntil(latch);
             setDepth(latch, "surfaceflinger-612", mDepth - 1);
         }
@@ -114,11 +112,11 @@ class Simulation {
     }
     void setDepth(int64_t t, const std::string& thread, int depth) {
         mDepth = depth;
-        mTrace.counter(t, thread, mWords.depthPrefix + mLayer, depth);
+        mTrace.counter(t, thread, mNames.depthPrefix + mLayer, depth);
     }
 
     Trace& mTrace;
-    const Words mWords;
+    const MarkNames mNames;
     std::string mLayer;
     std::vector<int64_t> mQueueTimes;
     size_t mNext = 0;
@@ -126,7 +124,7 @@ class Simulation {
     int mDepth = 0;
 };
 
-/** Two frames stand queued when the display takes one: the application has time to spare. */
+/** Two frames are queued whenever the compositor latches one: the application has headroom. */
 void gameWithHeadroom(const std::string& path) {
     Trace trace(Trace::Form::Tgid);
     Simulation game(trace, {"VSYNC-sf", "onMessageRefresh", ""},
@@ -142,14 +140,14 @@ void gameWithHeadroom(const std::string& path) {
     trace.write(path);
 }
 
-/** Headroom, then frames that come too late, a stall whose frames pile up, and a slower panel. */
+/** Headroom, then late frames, a stall after which frames pile up, and a lower refresh rate. */
 void gameThatFallsBehind(const std::string& path) {
     Trace trace(Trace::Form::Tgid);
     Simulation game(trace, {"VSYNC-sf", "composite", "BufferTX - "},
                     "com.example.racer/com.example.racer.Track#118");
     constexpr int64_t kLate = 2200 * kMs;
     constexpr int64_t kStall = 2500 * kMs;
-    constexpr int64_t kSlowPanel = 3500 * kMs;
+    constexpr int64_t kRateChange = 3500 * kMs;
     constexpr int64_t kEnd = 6 * kSecond;
     trace.counter(0, "surfaceflinger-612", "VSR-setPeriod", kPeriod120);
     game.queue(0);
@@ -159,17 +157,17 @@ void gameThatFallsBehind(const std::string& path) {
         game.queue(t + jitter(kMs));
     for (int i = 0; i < 4; ++i)
         game.queue(kStall + 60 * kMs + i * kMs);
-    for (int64_t t = kStall + 70 * kMs; t < kSlowPanel; t += kPeriod120)
+    for (int64_t t = kStall + 70 * kMs; t < kRateChange; t += kPeriod120)
         game.queue(t + jitter(kMs));
-    trace.counter(kSlowPanel, "surfaceflinger-612", "VSR-setPeriod", kPeriod60);
-    for (int64_t t = kSlowPanel; t < kEnd; t += kPeriod60)
+    trace.counter(kRateChange, "surfaceflinger-612", "VSR-setPeriod", kPeriod60);
+    for (int64_t t = kRateChange; t < kEnd; t += kPeriod60)
         game.queue(t + jitter(kMs));
-    game.run(kPeriod120, kSlowPanel, kPeriod120);
-    game.run(kSlowPanel + kPeriod60, kEnd, kPeriod60);
+    game.run(kPeriod120, kRateChange, kPeriod120);
+    game.run(kRateChange + kPeriod60, kEnd, kPeriod60);
     trace.write(path);
 }
 
-/** Every second vsync has a frame; then nothing moves, and another surface goes on. */
+/** A frame at every second vsync, an idle gap, and then the same on another layer. */
 void videoWithAGap(const std::string& path) {
     Trace trace(Trace::Form::Oldest);
     Simulation video(trace, {"VSYNC", "postFramebuffer", ""}, "SurfaceView");

@@ -9,14 +9,14 @@
 
 namespace brevold::fuzz {
 
-/** Ends the process, which libFuzzer reports with the input that led here. */
-inline void require(bool holds, const char* what) {
+/** Aborts if the condition does not hold. libFuzzer then reports the input. */
+inline void require(bool holds, const char* condition) {
     if (holds) return;
-    fprintf(stderr, "does not hold: %s\n", what);
+    fprintf(stderr, "does not hold: %s\n", condition);
     abort();
 }
 
-/** A file in memory, of which each input is written into the same one. */
+/** A file in memory that holds the current input. */
 struct InputFile {
     const int fd = memfd_create("input", 0);
     const std::string path = "/proc/self/fd/" + std::to_string(fd);

@@ -1,5 +1,5 @@
-// Initialisation and the frame road: switches and debug layers are as set, and whatever the
-// compositor reports and the service answers, what is sent follows from what was posted.
+// Initialisation and the frame path: switches and debug layers follow the settings, and hints
+// follow the posted requests, for any reports of the compositor and any answers of the service.
 
 #include <cutils/properties.h>
 #include <fuzzer/FuzzedDataProvider.h>
@@ -25,26 +25,24 @@ namespace {
 constexpr int64_t kPeriodsNs[] = {16666666, 11111111, 8333333, 33333333, 16000001, 16999999};
 constexpr int kQueues[] = {0, 1, 2, 3, 4};
 constexpr const char* kNames[] = {"com.example.a/Main#0", "com.example.b#1", "1", ""};
-/** Stamps this far apart still have differences, and differences of those, in 64 bits. */
+/** Differences of stamps this far apart, and the differences of those, fit in 64 bits. */
 constexpr int64_t kFarNs = int64_t{1} << 61;
 
-constexpr char kList[] = "vendor.perf.brevold.debug.layers";
-constexpr const char* kSwitches[] = {
-        "vendor.display.use_smooth_motion", "vendor.perf.fps_switch.enable",
-        "vendor.perf.jr10.enable",          "vendor.perf.pfar.enable",
-        "vendor.perf.brevold.debug",        "vendor.perf.pfar.down.enable"};
+constexpr const char* kSwitches[] = {kSmoothMotionProperty, kFpsSwitchProperty,
+                                     kJankBoostProperty,    kScalingProperty,
+                                     kDebugProperty,        kScalingDownProperty};
 
 /** Duration and type word. */
 using Hint = std::pair<int, uint32_t>;
 
-/** The service, what it was asked, and what was posted to the two workers. */
+/** The service, its calls, and the requests posted to the two workers. */
 struct Service {
     std::map<std::string, std::string> settings;
     bool allowed[2] = {true, true};
-    /** The feature and the client library; 0: there is none, 1: one without the functions. */
+    /** Feature and client library: 0 is missing, 1 lacks its functions, 2 is complete. */
     int found[2] = {2, 2};
     int appType, nextHandle, heldHandle;
-    bool isAsked;
+    bool isCalled;
     std::mutex lock;
     std::vector<Hint> hints;
     uint32_t sfType, qbType, sfCount;
@@ -53,7 +51,7 @@ struct Service {
 Service gService;
 int64_t gNowNs;
 
-/** What the workers sent against what was posted to them. */
+/** Compares the hints that the workers sent with the requests. */
 void compareHints() {
     host::settle();
     for (const auto& [duration, type] : gService.hints) {
@@ -62,18 +60,19 @@ void compareHints() {
             gService.sfCount = 0;
             gService.isBoostHeld = false;
         } else if (duration == 2000) {
-            require(type == gService.sfType, "the boost's word is what was posted");
+            require(type == gService.sfType, "the boost's type word is that of the request");
             require(!gService.isBoostHeld, "a boost is sent once");
             gService.isBoostHeld = true;
         } else {
-            require(type == gService.qbType && duration > 0, "the word is what was posted");
+            require(type == gService.qbType && duration > 0,
+                    "the type word is that of the request");
         }
     }
     gService.hints.clear();
     require(gMode >= 0 && gMode <= 5, "the mode is one of six");
 }
 
-/** Decides the switches as they read; the two workers of the first time serve every input. */
+/** Initialises with random settings. The workers of the first initialisation serve every input. */
 void initialise(FuzzedDataProvider& input) {
     static const sp<ScalingSyncThread> workers[] = {gSFThread, gQBThread};
     for (int& found : gService.found)
@@ -83,7 +82,7 @@ void initialise(FuzzedDataProvider& input) {
     for (const char* setting : kSwitches)
         gService.settings[setting] =
                 input.ConsumeIntegralInRange(0, 5) ? "1" : input.ConsumeRandomLengthString(100);
-    gService.settings[kList] = input.ConsumeRandomLengthString(100);
+    gService.settings[kDebugLayersProperty] = input.ConsumeRandomLengthString(100);
     clearConfigs();
     gPerfGetProp = nullptr;
     const size_t listed = gDebugLayers.size();
@@ -104,8 +103,8 @@ void initialise(FuzzedDataProvider& input) {
         require(!switches[i] || atoi(textOf(kSwitches[i]).c_str()) == 1, kSwitches[i]);
     const bool readsList = gService.found[0] + gService.found[1] == 4 &&
                            (gService.allowed[0] || gService.allowed[1]) &&
-                           textOf(kList).compare(0, 4, "NONE") != 0;
-    const std::string list = readsList ? textOf(kList) : "";
+                           textOf(kDebugLayersProperty).compare(0, 4, "NONE") != 0;
+    const std::string list = readsList ? textOf(kDebugLayersProperty) : "";
     std::string joined;
     for (size_t i = listed; i < gDebugLayers.size(); ++i) {
         require(isDebugLayer(gDebugLayers[i]), "listed layers are debug layers");
@@ -119,7 +118,7 @@ T any(FuzzedDataProvider& input, const T (&likely)[N]) {
     return input.ConsumeBool() ? input.PickValueInArray(likely) : input.ConsumeIntegral<T>();
 }
 
-/** Near now, as stamps are; or far away. */
+/** Near now, as real stamps are, or far away. */
 int64_t anyStampNs(FuzzedDataProvider& input) {
     if (!input.ConsumeBool()) return input.ConsumeIntegralInRange(-kFarNs, kFarNs);
     return gNowNs + input.ConsumeIntegralInRange<int64_t>(-50000000, 50000000);
@@ -144,7 +143,7 @@ void reportFrame(FuzzedDataProvider& input) {
     require(brevoldOnFrameAvailable(&info) == 0, "a report always returns 0");
 }
 
-/** A refresh tick, or so many that a window closes. */
+/** A refresh tick, or enough ticks to close a window. */
 void tick(FuzzedDataProvider& input) {
     const bool isWindow = input.ConsumeBool();
     const int64_t intervalNs = isWindow ? input.PickValueInArray(kPeriodsNs)
@@ -191,39 +190,40 @@ extern "C" {
 // The service's functions, found by name in the program.
 int perf_hint(int hint, const char* package, int duration, int type) {
     const std::lock_guard lock(gService.lock);
-    gService.isAsked = true;
+    gService.isCalled = true;
     require(package == nullptr, "hints name no package");
     if (hint == kRefreshRateHint) return gService.heldHandle = gService.nextHandle;
     gService.hints.push_back({duration, static_cast<uint32_t>(type)});
     return gService.nextHandle;
 }
 int perf_lock_rel(int handle) {
-    gService.isAsked = true;
-    require(handle > 0 && handle == gService.heldHandle, "the handle held is released, once");
+    gService.isCalled = true;
+    require(handle > 0 && handle == gService.heldHandle,
+            "only the held handle is released, and once");
     return gService.heldHandle = 0;
 }
 int perf_get_feedback(int, const char*) {
-    gService.isAsked = true;
+    gService.isCalled = true;
     return gService.appType;
 }
-/** Not terminated where a text fills the setting. */
+/** Not terminated if the text fills the setting. */
 PerfSetting perf_get_prop(const char* key, const char*) {
     PerfSetting setting;
     strncpy(setting.text, gService.settings[key].c_str(), sizeof(setting.text));
     return setting;
 }
 int IsFeatureEnabled(int feature) {
-    return gService.allowed[feature - 4];
+    return gService.allowed[feature == kEnergyScalingFeature ? 1 : 0];
 }
 
-// In place of the library's own calls.
+// Replaces the library's call.
 void* __real_dlopen(const char*, int);
 void* __wrap_dlopen(const char* name, int mode) {
     const int found = gService.found[strcmp(name, kPerfClientLibrary) == 0];
     return found == 0 ? nullptr : __real_dlopen(found == 1 ? "libc.so.6" : nullptr, mode);
 }
 
-// Stands before the library's own, so that what it posts is seen.
+// Records the library's requests before it posts them.
 void __real__ZN7android13energyScalingEfjji(float, unsigned, unsigned, int);
 void __wrap__ZN7android13energyScalingEfjji(float scale, unsigned direction, unsigned boostLevel,
                                             int channel) {
@@ -239,7 +239,7 @@ void __wrap__ZN7android13energyScalingEfjji(float scale, unsigned direction, uns
     __real__ZN7android13energyScalingEfjji(scale, direction, boostLevel, channel);
 }
 
-// Workers of a later initialisation never run.
+// Workers of later initialisations do not run.
 int __real__ZN7android6Thread3runEPKcim(void*, const char*, int, size_t);
 int __wrap__ZN7android6Thread3runEPKcim(void* thread, const char* name, int priority, size_t size) {
     if (host::startedThreads().size() >= 2) return OK;
@@ -255,10 +255,10 @@ int LLVMFuzzerInitialize(int*, char***) {
 
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FuzzedDataProvider input(data, size);
-    // The workers live as long as the process; all else begins as it was loaded.
+    // The workers live as long as the process; everything else starts as after loading.
     releaseScaling();
     compareHints();
-    require(!gService.isBoostHeld, "a boost that is withdrawn is released");
+    require(!gService.isBoostHeld, "a withdrawn boost is released");
     gCurrentLayer.clear();
     gDebugLayers.clear();
     gRefreshRate = gRefreshRateHandle = gService.heldHandle = 0;
@@ -269,11 +269,11 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     gService.nextHandle = 1;
     initialise(input);
     while (input.remaining_bytes() > 0) {
-        gService.isAsked = false;
+        gService.isCalled = false;
         const bool isOff = !gScalingEnabled && !gJr10Enabled && gFpsSwitchEnabled == 0;
         step(input);
         compareHints();
-        require(!isOff || !gService.isAsked, "with every feature off the service is not asked");
+        require(!isOff || !gService.isCalled, "with every feature off the service is not called");
     }
     return 0;
 }

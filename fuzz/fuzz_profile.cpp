@@ -1,9 +1,9 @@
-// Profile files: whatever they hold, reading one ends with a profile or with a ProfileError.
+// Profile files: reading any input gives a profile or a ProfileError.
 
 #include <cutils/properties.h>
 
 #include "fuzz/fuzz.h"
-// The source itself, to begin each input with an empty profile.
+// The source itself, to reset the profile before each input.
 #include "host/device_profile.cpp"
 
 using namespace brevold::host;
@@ -21,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     for (const std::string_view key : kProperties) {
         char value[PROPERTY_VALUE_MAX];
         property_get(key.data(), value, "fallback");
-        // A zero byte ends a property; a text can hold one.
+        // A zero byte ends a property, but not a text.
         require(strcmp(value, profileProperty(key.data(), "fallback").c_str()) == 0,
                 "a value fits a property");
     }

@@ -18,8 +18,11 @@ namespace {
 constexpr std::string_view kFeaturePrefix = "feature.";
 constexpr std::string_view kAppTypePrefix = "app-type.";
 constexpr std::string_view kAnyPackage = "*";
-constexpr int32_t kUnknownType = -1;
 
+constexpr const char* kSwitches[] = {
+        android::kSmoothMotionProperty, android::kFpsSwitchProperty,   android::kJankBoostProperty,
+        android::kScalingProperty,      android::kScalingDownProperty,
+};
 constexpr std::string_view kProperties[] = {
         android::kSmoothMotionProperty, android::kFpsSwitchProperty, android::kJankBoostProperty,
         android::kScalingProperty,      android::kDebugProperty,     android::kScalingDownProperty,
@@ -38,18 +41,19 @@ bool startsWith(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
 }
 
-int32_t parseInt(std::string_view text, const char* what) {
+int32_t parseInt(std::string_view text, const char* expected) {
     int32_t value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
     if (error != std::errc() || end != text.data() + text.size()) {
-        throw ProfileError("expected " + std::string(what) + ", got \"" + std::string(text) + "\"");
+        throw ProfileError("expected " + std::string(expected) + ", got \"" + std::string(text) +
+                           "\"");
     }
     return value;
 }
 
 void setFeature(std::string_view number, std::string_view value) {
     const int32_t feature = parseInt(number, "feature.4 or feature.5");
-    if (feature != 4 && feature != 5) {
+    if (feature != android::kJankBoostFeature && feature != android::kEnergyScalingFeature) {
         throw ProfileError("expected feature.4 or feature.5, got feature." + std::string(number));
     }
     const int32_t allowed = parseInt(value, "0 or 1");
@@ -94,6 +98,14 @@ void setProfileEntry(const std::string& entry) {
     }
 }
 
+void turnEverythingOn() {
+    for (const char* property : kSwitches)
+        gProfile.properties[property] = "1";
+    gProfile.features = {{android::kJankBoostFeature, true},
+                         {android::kEnergyScalingFeature, true}};
+    gProfile.applicationTypes[std::string(kAnyPackage)] = android::kTargetAppType;
+}
+
 void loadProfile(const std::string& path) {
     if (std::filesystem::is_directory(path)) throw ProfileError(path + ": is a directory");
     std::ifstream file(path);
@@ -126,12 +138,12 @@ int32_t applicationType(const std::string& package) {
     const auto& types = gProfile.applicationTypes;
     auto found = types.find(package);
     if (found == types.end()) found = types.find(kAnyPackage);
-    return found == types.end() ? kUnknownType : found->second;
+    return found == types.end() ? android::kUnknownAppType : found->second;
 }
 
 }  // namespace brevold::host
 
-/** The device's libcutils has this; Debian's has not. */
+/** Debian's libcutils lacks this function. */
 int property_get(const char* key, char* value, const char* fallback) {
     const std::string text = brevold::host::profileProperty(key, fallback);
     const size_t length = std::min<size_t>(text.size(), PROPERTY_VALUE_MAX - 1);

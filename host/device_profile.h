@@ -5,19 +5,16 @@
 #include <string>
 
 /**
- * The device that the stand-ins answer for: system properties, allowed features and application
- * types. A process has one profile; it starts empty, so that everything has the system's own
- * default, which is off. Fill it before the library is initialised: it is not locked.
+ * The system properties, allowed features and application types with which the fakes answer. A
+ * process has one profile. It starts empty: every property has its default, no feature is allowed
+ * and no application type is known. Not thread-safe; fill it before the library is initialised.
  *
- * A profile is text, one key=value a line; empty lines and lines that start with # are skipped. The
- * value is everything behind the first '=', to the end of the line.
+ * A profile file holds one key=value per line. Empty lines and lines that start with # are skipped.
+ * The value is everything after the first '='.
  *
- *   vendor.perf.pfar.enable=1     a system property, one of those that the library reads
- *
- *   feature.5=1                   feature 4 (jank boost) or 5 (energy scaling): 1 allowed, 0 not
- *
+ *   vendor.perf.pfar.enable=1     a system property that the library reads
+ *   feature.5=1                   feature 4 (jank boost) or 5 (energy scaling); 1 allows it
  *   app-type.com.example.game=2   application type of a package
- *
  *   app-type.*=0                  application type of every other package
  */
 namespace brevold::host {
@@ -26,18 +23,24 @@ struct ProfileError : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-/** Reads a file into the profile. Throws ProfileError, naming file and line. */
+/** Adds the entries of a file to the profile. Throws ProfileError with file and line. */
 void loadProfile(const std::string& path);
 
-/** Sets one key=value. Throws ProfileError. */
+/** Sets one key=value entry. Throws ProfileError. */
 void setProfileEntry(const std::string& entry);
 
-/** A property's value, or the fallback where the profile has none. */
+/**
+ * Allows both features, turns on every switch except debug output, and makes every application a
+ * target of the library.
+ */
+void turnEverythingOn();
+
+/** Returns a property's value, or the fallback (null reads as "") if the profile has none. */
 std::string profileProperty(const char* key, const char* fallback);
 
 bool isFeatureAllowed(int feature);
 
-/** The application type of a package; -1 where the profile has neither it nor a default. */
+/** Returns the type of a package's application, or -1 if the profile has no entry for it. */
 int32_t applicationType(const std::string& package);
 
 }  // namespace brevold::host

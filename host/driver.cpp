@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include <mutex>
+#include <stdexcept>
 #include <utility>
 
 #include "host/fake_device.h"
@@ -22,9 +23,9 @@ void recordCall(const ServiceCall& call, void* /*context*/) {
 
 }  // namespace
 
-/** The entry points; the header declares their types. */
-struct Driver::Library {
-    explicit Library(void* handle)
+// The public header declares the types.
+struct Driver::EntryPoints {
+    explicit EntryPoints(void* handle)
           : init(findFunction<decltype(init)>(handle, "brevoldInit")),
             onFrameAvailable(
                     findFunction<decltype(onFrameAvailable)>(handle, "brevoldOnFrameAvailable")),
@@ -42,40 +43,40 @@ struct Driver::Library {
 Driver::Driver(Workers workers) : mWorkers(workers) {
     startFakeDevice(recordCall, nullptr);
     mHandle = openLibrary(libraryPath());
-    mLibrary = std::make_unique<Library>(mHandle);
+    mEntryPoints = std::make_unique<EntryPoints>(mHandle);
 }
 
 Driver::~Driver() = default;
 
 bool Driver::init(int64_t timeNs) {
     setTimeNs(timeNs);
-    const bool isAnyFeatureOn = mLibrary->init();
+    const bool isAnyFeatureOn = mEntryPoints->init();
     finishCall();
     return isAnyFeatureOn;
 }
 
 void Driver::frame(int64_t timeNs, LayerFrameInfo& info) {
     setTimeNs(timeNs);
-    mLibrary->onFrameAvailable(&info);
+    mEntryPoints->onFrameAvailable(&info);
     finishCall();
 }
 
 void Driver::beginComposition(int64_t timeNs) {
     setTimeNs(timeNs);
-    mLibrary->refresh();
+    mEntryPoints->refresh();
     finishCall();
 }
 
 int Driver::endComposition(int64_t timeNs, int32_t queuedFrames, bool suppress) {
     setTimeNs(timeNs);
-    const int status = mLibrary->scaling(queuedFrames, suppress ? 1 : 0);
+    const int status = mEntryPoints->scaling(queuedFrames, suppress ? 1 : 0);
     finishCall();
     return status;
 }
 
 bool Driver::vsync(int64_t timeNs, int32_t queuedFrames, int64_t periodNs) {
     setTimeNs(timeNs);
-    const int verdict = mLibrary->monitor(queuedFrames, periodNs);
+    const int verdict = mEntryPoints->monitor(queuedFrames, periodNs);
     finishCall();
     return verdict != 0;
 }
@@ -86,8 +87,8 @@ std::vector<ServiceCall> Driver::takeServiceCalls() {
 }
 
 void Driver::closeLibrary() {
-    mLibrary.reset();
-    dlclose(mHandle);
+    mEntryPoints.reset();
+    if (dlclose(mHandle) != 0) throw std::runtime_error(dlerror());
 }
 
 void Driver::finishCall() {

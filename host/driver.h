@@ -12,18 +12,19 @@ namespace brevold::host {
 
 /** When the library's workers run. */
 enum class Workers : uint8_t {
-    Stepped,  // each call of the driver returns after the workers have sent what it posted
+    Stepped,  // every call of the driver returns after the workers have sent what it posted
     Free,     // the workers run concurrently; settle() waits for them
 };
 
 /**
  * Plays the compositor to libbrevold in virtual time: starts a fake device, finds the library's
- * entry points by symbol lookup as a compositor does, and calls them. This is also the worked
- * example of how to bind the library.
+ * entry points by symbol lookup as a compositor does, and calls them. It is also the worked example
+ * of how to bind the library.
  *
- * One driver per process, as the library keeps its state for the life of the process. Fill the
- * device profile first (host/device_profile.h). The program must export its symbols and link
- * virtual_platform. Use it from the main thread. Times are nanoseconds and must not decrease.
+ * The library keeps its state for the life of the process, so create one driver per process. Fill
+ * the device profile first (host/device_profile.h). The program must export its symbols and link
+ * virtual_platform. Use the driver from the main thread only. Times are nanoseconds and must not
+ * decrease. takeLog() and takeTraceMarks() return what the library logged and traced meanwhile.
  */
 class Driver {
   public:
@@ -39,29 +40,29 @@ class Driver {
     /** A layer queues a frame: calls brevoldOnFrameAvailable. */
     void frame(int64_t timeNs, LayerFrameInfo& info);
 
-    /** The compositor begins to compose: calls brevoldRefresh. */
+    /** The compositor begins a composition: calls brevoldRefresh. */
     void beginComposition(int64_t timeNs);
 
-    /** The compositor has composed: calls brevoldScaling. Returns its result. */
+    /** The compositor ends a composition: calls brevoldScaling. Returns its result. */
     int endComposition(int64_t timeNs, int32_t queuedFrames, bool suppress = false);
 
     /** A vsync: calls brevoldMonitor. Returns its verdict. */
     bool vsync(int64_t timeNs, int32_t queuedFrames, int64_t periodNs);
 
-    /** Calls of the performance service since the previous call, in order. */
+    /** Returns the calls of the performance service since the last call of this, in order. */
     std::vector<ServiceCall> takeServiceCalls();
 
-    /** Closes the library, as dlclose does; no entry may be called afterwards. */
+    /** Closes the library with dlclose. Throws std::runtime_error; call no entry point after it. */
     void closeLibrary();
 
   private:
-    struct Library;
+    struct EntryPoints;
 
     void finishCall();
 
     const Workers mWorkers;
     void* mHandle;
-    std::unique_ptr<Library> mLibrary;
+    std::unique_ptr<EntryPoints> mEntryPoints;
 };
 
 }  // namespace brevold::host

@@ -5,12 +5,31 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "brevold/protocol.h"
+
 namespace brevold::host {
 
 namespace {
 
-std::filesystem::path programFolder() {
-    return std::filesystem::read_symlink("/proc/self/exe").parent_path();
+namespace fs = std::filesystem;
+
+constexpr char kLibraryName[] = "libbrevold.so";
+
+/** Where the libraries of the running program are. */
+struct Folders {
+    fs::path library;
+    fs::path fakes;
+};
+
+Folders findFolders() {
+    const fs::path program = fs::read_symlink("/proc/self/exe").parent_path();
+    const fs::path installed = (program / BREVOLD_LIBDIR_FROM_BINDIR).lexically_normal();
+    for (const Folders& folders :
+         {Folders{program, program / "fakes"}, Folders{installed, installed / "brevold"}}) {
+        if (fs::exists(folders.library / kLibraryName)) return folders;
+    }
+    throw std::runtime_error(std::string(kLibraryName) + " is neither in " + program.string() +
+                             " nor in " + installed.string());
 }
 
 }  // namespace
@@ -28,13 +47,13 @@ void* findSymbol(void* library, const char* symbol) {
 }
 
 std::string libraryPath() {
-    return programFolder() / "libbrevold.so";
+    return findFolders().library / kLibraryName;
 }
 
 void startFakeDevice(ServiceListener listener, void* context) {
-    const std::filesystem::path fakes = programFolder() / "fakes";
-    void* const client = openLibrary(fakes / "libvnx-perfd-client_system.so");
-    openLibrary(fakes / "libfeatgate_system.so");
+    const fs::path fakes = findFolders().fakes;
+    void* const client = openLibrary(fakes / android::kPerfClientLibrary);
+    openLibrary(fakes / android::kFeatureLibrary);
     findFunction<decltype(&perfd_set_listener)>(client, kSetServiceListener)(listener, context);
 }
 

@@ -6,7 +6,7 @@
 
 namespace brevold::host {
 
-/** Opens a shared library. Throws std::runtime_error. */
+/** Opens a shared library. Throws std::runtime_error if it cannot be opened. */
 void* openLibrary(const std::string& path);
 
 /** Returns a symbol of an open library. Throws std::runtime_error if it has none of that name. */
@@ -17,7 +17,11 @@ Fn findFunction(void* library, const char* symbol) {
     return reinterpret_cast<Fn>(findSymbol(library, symbol));
 }
 
-/** Path of libbrevold.so next to the running program, in a build folder or an installation. */
+/**
+ * Returns the path of libbrevold.so. It is next to the program in a build folder, and in the
+ * library folder of the same prefix in an installation. Throws std::runtime_error if it is in
+ * neither.
+ */
 std::string libraryPath();
 
 /**

@@ -3,31 +3,31 @@
 #include <cstdint>
 #include <string>
 
-/** What the stand-in of the performance service's client library was asked, but for settings. */
 namespace brevold::host {
 
+/** A call of the fake performance client. Calls that read a setting are not reported. */
 struct ServiceCall {
     enum class Kind : uint8_t { Hint, Release, Query };
-    /** When, in nanoseconds of systemTime's monotonic clock. */
+    /** Nanoseconds of systemTime's monotonic clock. */
     int64_t timeNs;
     Kind kind;
-    /** Hint or query identifier; for a release the handle. */
+    /** Hint or query identifier; for a release, the handle. */
     int32_t identifier;
-    /** Empty where none was given. */
+    /** Empty if the caller passed none. */
     std::string package;
     int32_t duration;
     int32_t type;
-    /** A hint's handle, a query's answer. */
+    /** Handle of a hint, answer to a query; 0 for a release. */
     int32_t result;
 };
 
-/** Called within each call of the client library, on the caller's thread, one call at a time. */
+/** Called during each call of the client, on the caller's thread, one call at a time. */
 using ServiceListener = void (*)(const ServiceCall& call, void* context);
 
-/** The symbol of the function below in the library, for dlsym. */
+/** Symbol name of the function below, for dlsym. */
 constexpr char kSetServiceListener[] = "perfd_set_listener";
 
-/** Sets the one listener; null for none. */
+/** Sets the listener; null removes it. There is only one. */
 extern "C" void perfd_set_listener(ServiceListener listener, void* context);
 
 }  // namespace brevold::host

@@ -94,7 +94,7 @@ void holdWorkers() {
     gIsHeld = true;
 }
 
-void letWorkersGo() {
+void releaseWorkers() {
     gIsHeld = false;
 }
 

@@ -11,23 +11,23 @@ enum class HintKind : uint8_t { Down, Up, JankBoost, Release, RefreshRate };
 constexpr HintKind kHintKinds[] = {HintKind::Down, HintKind::Up, HintKind::JankBoost,
                                    HintKind::Release, HintKind::RefreshRate};
 
-/** One request to the performance service. */
+/** A hint to the performance service. */
 struct Hint {
     /** Nanoseconds of systemTime's monotonic clock. */
     int64_t timeNs;
     HintKind kind;
     int32_t identifier;
-    /** Milliseconds; 0 for a release and for a refresh rate, which hold until the next one. */
+    /** Milliseconds; 0 for a release and for a refresh rate, which have no expiry. */
     int32_t durationMs;
-    /** The type word; for a release the boost count, for a refresh rate the rate in Hz. */
+    /** The type word; for a release, the boost count; for a refresh rate, the rate in Hz. */
     uint32_t type;
-    // Unpacked from the type word of a scaling request or a boost; 0 for the other kinds.
+    // Unpacked from the type word; 0 for a release and for a refresh rate.
     double scale;
     uint32_t direction;
     uint32_t boostLevel;
 };
 
-/** "DOWN", "UP", "jank boost", "release" or "refresh-rate". */
+/** Returns "DOWN", "UP", "jank boost", "release" or "refresh-rate". */
 const char* nameOf(HintKind kind);
 
 /** True if hints of this kind carry a scale, a direction and a boost level. */

@@ -22,21 +22,24 @@ CondWaitFn gRealWait;
 CondSignalFn gRealSignal;
 ThreadRunFn gRealRun;
 
-/** Where a sanitizer has its own, that one: past it, the order that a wait makes would be lost. */
+/**
+ * Finds a sanitizer's interceptor if there is one, else the platform's function. A wait that
+ * bypasses the interceptor would hide from the sanitizer how it orders the threads.
+ */
 template <typename Fn>
 void findReal(Fn& function, const char* symbol) {
     const std::string interceptor = std::string("__interceptor_") + symbol;
     function = reinterpret_cast<Fn>(dlsym(RTLD_DEFAULT, interceptor.c_str()));
     if (function == nullptr) function = reinterpret_cast<Fn>(dlsym(RTLD_NEXT, symbol));
     if (function == nullptr) {
-        fprintf(stderr, "the platform lacks %s\n", symbol);
+        fprintf(stderr, "the platform has no %s\n", symbol);
         abort();
     }
 }
 
 /**
- * Before main and so before any second thread: a function-local static would not do, as the guard
- * of its initialisation itself waits on a condition variable.
+ * Runs before main, and so before any second thread starts. A function-local static does not work:
+ * the guard of its initialisation itself waits on a condition variable.
  */
 __attribute__((constructor)) void findRealFunctions() {
     findReal(gRealWait, "pthread_cond_wait");
@@ -57,11 +60,11 @@ struct Worker {
 
 std::mutex gGate;
 pthread_cond_t gGateChanged = PTHREAD_COND_INITIALIZER;
-std::deque<Worker> gWorkers;  // references stay valid as it grows
+std::deque<Worker> gWorkers;  // a deque, because references stay valid while it grows
 int gSignalCount;
 bool gIsHeld;
 
-/** Its end is the thread's: behind all that the worker does and logs once its wait has failed. */
+/** Destroyed when the thread exits, after the worker's last log line. */
 struct WorkerIndex {
     int32_t value = -1;
     ~WorkerIndex() {
@@ -73,7 +76,7 @@ struct WorkerIndex {
 };
 thread_local WorkerIndex tWorker;
 
-/** The worker whose object holds the condition: the last to start below it in memory. */
+/** Returns the worker whose object contains the condition: the nearest one below its address. */
 Worker* workerOf(const pthread_cond_t* condition) {
     constexpr size_t kMaxObjectBytes = 1024;
     const auto address = reinterpret_cast<uintptr_t>(condition);
@@ -89,7 +92,7 @@ Worker* workerOf(const pthread_cond_t* condition) {
 void wake(size_t thread, int error) {
     settle();
     Worker& worker = gWorkers.at(thread);
-    // With its mutex held the worker is inside its wait, and cannot miss the signal.
+    // While we hold its mutex, the worker is inside its wait and cannot miss the signal.
     pthread_mutex_lock(worker.mutex);
     {
         const std::lock_guard lock(gGate);
@@ -130,7 +133,7 @@ void holdWorkers() {
     gIsHeld = true;
 }
 
-void letWorkersGo() {
+void releaseWorkers() {
     std::vector<Worker*> woken;
     {
         const std::lock_guard lock(gGate);
@@ -172,7 +175,7 @@ int waitAsWorker(Worker& worker, pthread_cond_t* condition, pthread_mutex_t* mut
     while (true) {
         gRealWait(condition, mutex);
         const std::lock_guard lock(gGate);
-        // The host's own spurious wake-ups would make a replay differ from run to run.
+        // Spurious wake-ups of the host would make two replays differ.
         if (!worker.hasWakeUp || gIsHeld) continue;
         worker.hasWakeUp = false;
         worker.isWaiting = false;
@@ -207,7 +210,7 @@ extern "C" int pthread_cond_signal(pthread_cond_t* condition) {
         Worker* const worker = workerOf(condition);
         if (worker != nullptr) {
             ++gSignalCount;
-            // A signal that finds nobody waiting is lost, as on a device.
+            // As on a device, a signal is lost if no thread waits.
             if (worker->isWaiting) worker->hasWakeUp = true;
         }
     }

@@ -15,7 +15,7 @@ namespace brevold::host {
 
 namespace {
 
-std::atomic<int64_t> gTimeNs;  // relaxed: a clock orders no thread behind another
+std::atomic<int64_t> gTimeNs;  // relaxed, because a clock does not order threads
 std::atomic<uint64_t> gTraceTags{UINT64_MAX};
 std::mutex gOutputLock;
 std::vector<LogLine> gLog;

@@ -6,12 +6,11 @@
 #include <vector>
 
 /**
- * The platform around the library in a process of its own: a program that links this and exports
- * its symbols supplies systemTime, the log, the trace facility, android::Thread::run and the
- * condition-variable calls to every library that it opens. Time stands still but for setTimeNs(),
- * log lines and trace marks are kept, and the library's workers can be stepped.
+ * A program that links this and exports its symbols supplies systemTime, the log and the trace
+ * facility to every library that it opens. Time changes only through setTimeNs(), and log lines and
+ * trace marks are kept. The workers are supplied apart; see host/workers.h.
  *
- * All functions are for the main thread.
+ * Call the functions from the main thread only.
  */
 namespace brevold::host {
 
@@ -24,19 +23,19 @@ struct LogLine {
 
 struct TraceMark {
     int64_t timeNs;
-    /** Index into startedThreads(), or -1 for the main thread. */
+    /** The worker, or kMainThread; see currentWorker(). */
     int32_t thread;
-    /** False: the end of a section; it has no label. */
+    /** False for the end of a section, which has no label. */
     bool isBegin;
     std::string label;
 };
 
 void setTimeNs(int64_t timeNs);
 
-/** The tags that the trace facility calls enabled; all at first. */
+/** Sets the trace tags that are enabled. Initially all are. */
 void setEnabledTraceTags(uint64_t tags);
 
-/** What was logged and marked since the last call. */
+/** Return the log lines and trace marks since the last call. */
 std::vector<LogLine> takeLog();
 std::vector<TraceMark> takeTraceMarks();
 

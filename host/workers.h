@@ -21,29 +21,29 @@ struct StartedThread {
     size_t stackBytes;
 };
 
-/** Every android::Thread that was run, in that order. */
+/** Returns every android::Thread that was run, in order. */
 std::vector<StartedThread> startedThreads();
 
-/** Returns when every worker has ended, or waits with no wake-up pending. */
+/** Returns when every worker has ended or waits with no wake-up pending. */
 void settle();
 
 /**
- * Holds the workers in their waits, whatever wakes them, so that requests posted meanwhile stay
- * unsent. Do not call settle() before letWorkersGo().
+ * Keeps the workers in their waits even if they are signalled, so requests stay unsent until
+ * releaseWorkers(). Do not call settle() in between.
  */
 void holdWorkers();
-void letWorkersGo();
+void releaseWorkers();
 
-/** Number of signals to conditions of workers so far, whether or not the worker was waiting. */
+/** Returns how often the workers' conditions were signalled, waiting worker or not. */
 int signalCount();
 
 /** Wakes a waiting worker without a request. */
 void wakeSpuriously(size_t worker);
 
-/** Makes a waiting worker's wait return an error number. The worker is then expected to end. */
+/** Makes the wait of a waiting worker return an error number. The worker must then end. */
 void failWait(size_t worker, int error);
 
-/** Index into startedThreads() of the calling worker; kMainThread outside of all workers. */
+/** Returns the index into startedThreads() of the calling worker, or kMainThread. */
 int32_t currentWorker();
 constexpr int32_t kMainThread = -1;
 

@@ -7,39 +7,43 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 #include <stdexcept>
+
+#include "base/descriptor.h"
+#include "replay/child_process.h"
 
 namespace brevold::replay {
 
 namespace {
 
-/** A file without a name, so that neither process waits for the other to read. */
+/** An unnamed file. Unlike with a pipe, neither process waits for the other to read. */
 class MemoryFile {
   public:
-    explicit MemoryFile(const std::string& bytes) : mFd(memfd_create("gnuplot", MFD_CLOEXEC)) {
-        for (size_t done = 0; done < bytes.size();) {
-            const ssize_t count = write(mFd, bytes.data() + done, bytes.size() - done);
-            if (count <= 0) throw std::runtime_error("no memory for what gnuplot is to draw");
-            done += static_cast<size_t>(count);
-        }
-        lseek(mFd, 0, SEEK_SET);
+    explicit MemoryFile(const std::string& content = "")
+          : mDescriptor(memfd_create("gnuplot", MFD_CLOEXEC)) {
+        if (!mDescriptor.isOpen() || !writeAll(fd(), content)) fail();
+        rewind();
     }
-    ~MemoryFile() { close(mFd); }
-    MemoryFile(const MemoryFile&) = delete;
-    MemoryFile& operator=(const MemoryFile&) = delete;
 
-    int fd() const { return mFd; }
+    int fd() const { return mDescriptor.get(); }
 
-    std::string bytes() const {
-        std::string bytes(static_cast<size_t>(lseek(mFd, 0, SEEK_END)), '\0');
-        const ssize_t count = pread(mFd, bytes.data(), bytes.size(), 0);
-        bytes.resize(static_cast<size_t>(std::max<ssize_t>(count, 0)));
+    std::string content() const {
+        rewind();
+        std::string bytes;
+        if (!readAll(fd(), &bytes)) fail();
         return bytes;
     }
 
   private:
-    const int mFd;
+    void rewind() const {
+        if (lseek(fd(), 0, SEEK_SET) != 0) fail();
+    }
+
+    [[noreturn]] static void fail() {
+        throw std::runtime_error("no memory for gnuplot's files: " + errnoText(errno));
+    }
+
+    Descriptor mDescriptor;
 };
 
 std::string trimLines(std::string text) {
@@ -52,39 +56,37 @@ std::string trimLines(std::string text) {
 
 std::string runGnuplot(const std::string& script) {
     const MemoryFile input(script);
-    const MemoryFile output("");
-    const MemoryFile messages("");
+    const MemoryFile output;
+    const MemoryFile messages;
     posix_spawn_file_actions_t actions;
     posix_spawn_file_actions_init(&actions);
     posix_spawn_file_actions_adddup2(&actions, input.fd(), STDIN_FILENO);
     posix_spawn_file_actions_adddup2(&actions, output.fd(), STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions, messages.fd(), STDERR_FILENO);
-    // Without the user's own settings; and by a file's name, as gnuplot would go on after an error
-    // in what it takes for typed.
+    // The script is given as a file, because gnuplot continues after an error in typed input.
     const char* const arguments[] = {"gnuplot", "--default-settings", "/dev/stdin", nullptr};
     pid_t child;
     const int error = posix_spawnp(&child, arguments[0], &actions, nullptr,
                                    const_cast<char* const*>(arguments), environ);
     posix_spawn_file_actions_destroy(&actions);
-    int status = 0;
-    if (error == 0) waitpid(child, &status, 0);
-    // A child that could not become gnuplot may tell so only by this status.
+    const int status = error == 0 ? waitForChild(child) : 0;
+    // posix_spawnp may report a missing program only as this exit status.
     constexpr int kNotFound = 127;
     if (error == ENOENT || (WIFEXITED(status) && WEXITSTATUS(status) == kNotFound)) {
         throw std::runtime_error(
                 "--plot needs gnuplot, which is not installed: "
                 "apt-get install gnuplot-nox");
     }
-    if (error != 0) throw std::runtime_error(std::string("gnuplot: ") + strerror(error));
-    std::string picture = output.bytes();
+    if (error != 0) throw std::runtime_error("gnuplot: " + errnoText(error));
+    std::string picture = output.content();
     if (status != 0 || picture.empty()) {
-        throw std::runtime_error("gnuplot failed: " + trimLines(messages.bytes()));
+        throw std::runtime_error("gnuplot failed: " + trimLines(messages.content()));
     }
     return picture;
 }
 
 std::string gnuplotString(const std::string& text) {
-    // Single quotes keep gnuplot from substituting anything; only they themselves need doubling.
+    // gnuplot substitutes nothing between single quotes; a single quote is written twice.
     std::string quoted = "'";
     for (const char c : text) {
         if (c == '\'') quoted += c;

@@ -5,12 +5,12 @@
 namespace brevold::replay {
 
 /**
- * What gnuplot draws for a script, on its standard output. Throws std::runtime_error when gnuplot
- * is not installed or refuses the script.
+ * Runs a gnuplot script and returns its standard output. Throws std::runtime_error if gnuplot is
+ * not installed or rejects the script.
  */
 std::string runGnuplot(const std::string& script);
 
-/** A quoted string for a script. What is no printable ASCII becomes a question mark. */
+/** Quotes a text for a script. All but printable ASCII characters become question marks. */
 std::string gnuplotString(const std::string& text);
 
 }  // namespace brevold::replay

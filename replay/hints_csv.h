@@ -8,9 +8,8 @@
 namespace brevold::replay {
 
 /**
- * Writes hints as CSV with a header line: time in seconds of the trace's clock, kind, identifier,
- * duration in milliseconds, type word; then scale, direction and boost level, which are empty where
- * the kind has none.
+ * Writes hints as CSV with a header line. Times are seconds of the trace's own clock. Scale,
+ * direction and boost level are empty for kinds that carry none.
  */
 void writeHintsCsv(const std::vector<host::Hint>& hints, std::ostream& out);
 

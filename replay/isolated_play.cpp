@@ -1,159 +1,125 @@
 #include "replay/isolated_play.h"
 
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cereal/archives/binary.hpp>
+#include <cereal/types/string.hpp>
+#include <cereal/types/vector.hpp>
+#include <cerrno>
+#include <csignal>
 #include <cstring>
+#include <sstream>
 #include <stdexcept>
-#include <type_traits>
 
+#include "base/descriptor.h"
 #include "host/device_profile.h"
+#include "replay/child_process.h"
+#include "replay/player.h"
+
+namespace brevold::host {
+
+template <typename Archive>
+void serialize(Archive& archive, Hint& hint) {
+    archive(hint.timeNs, hint.kind, hint.identifier, hint.durationMs, hint.type, hint.scale,
+            hint.direction, hint.boostLevel);
+}
+
+template <typename Archive>
+void serialize(Archive& archive, LogLine& line) {
+    archive(line.timeNs, line.priority, line.tag, line.text);
+}
+
+template <typename Archive>
+void serialize(Archive& archive, TraceMark& mark) {
+    archive(mark.timeNs, mark.thread, mark.isBegin, mark.label);
+}
+
+}  // namespace brevold::host
 
 namespace brevold::replay {
 
+template <typename Archive>
+void serialize(Archive& archive, ModeChange& change) {
+    archive(change.timeNs, change.mode);
+}
+
+template <typename Archive>
+void serialize(Archive& archive, Recording& recording) {
+    archive(recording.isAnyFeatureOn, recording.hints, recording.modes, recording.verdictTimesNs,
+            recording.log, recording.threads, recording.traceMarks);
+}
+
 namespace {
 
-/** Writes and reads values of the two processes' common memory layout, in one order for both. */
-class Writer {
-  public:
-    template <typename T>
-    void operator()(const T& value) {
-        static_assert(std::is_trivially_copyable_v<T>);
-        mBytes.append(reinterpret_cast<const char*>(&value), sizeof(value));
-    }
-    void operator()(const std::string& text) {
-        (*this)(text.size());
-        mBytes += text;
-    }
-    template <typename T, typename Each>
-    void list(const std::vector<T>& values, Each each) {
-        (*this)(values.size());
-        for (const T& value : values)
-            each(value);
-    }
-    const std::string& bytes() const { return mBytes; }
+/** What the child sends to its parent. */
+struct Outcome {
+    std::string error;  // empty if the recording is valid
+    Recording recording;
 
-  private:
-    std::string mBytes;
+    template <typename Archive>
+    void serialize(Archive& archive) {
+        archive(error, recording);
+    }
 };
 
-class Reader {
-  public:
-    explicit Reader(const std::string& bytes) : mBytes(bytes) {}
-
-    template <typename T>
-    void operator()(T& value) {
-        memcpy(&value, take(sizeof(value)), sizeof(value));
-    }
-    void operator()(std::string& text) {
-        size_t size = 0;
-        (*this)(size);
-        text.assign(take(size), size);
-    }
-    template <typename T, typename Each>
-    void list(std::vector<T>& values, Each each) {
-        size_t size = 0;
-        (*this)(size);
-        values.resize(size);
-        for (T& value : values)
-            each(value);
-    }
-
-  private:
-    const char* take(size_t size) {
-        if (size > mBytes.size() - mOffset) throw std::runtime_error("the replay was cut short");
-        mOffset += size;
-        return mBytes.data() + mOffset - size;
-    }
-
-    const std::string& mBytes;
-    size_t mOffset = 0;
-};
-
-template <typename Archive, typename Record>
-void transfer(Archive& archive, Record& recording) {
-    archive(recording.isAnyFeatureOn);
-    archive.list(recording.hints, [&](auto& hint) { archive(hint); });
-    archive.list(recording.verdictTimesNs, [&](auto& timeNs) { archive(timeNs); });
-    archive.list(recording.modes, [&](auto& change) { archive(change); });
-    archive.list(recording.log, [&](auto& line) {
-        archive(line.timeNs);
-        archive(line.priority);
-        archive(line.tag);
-        archive(line.text);
-    });
-    archive.list(recording.threads, [&](auto& name) { archive(name); });
-    archive.list(recording.traceMarks, [&](auto& mark) {
-        archive(mark.timeNs);
-        archive(mark.thread);
-        archive(mark.isBegin);
-        archive(mark.label);
-    });
-}
-
-void writeAll(int fd, const std::string& bytes) {
-    for (size_t done = 0; done < bytes.size();) {
-        const ssize_t count = write(fd, bytes.data() + done, bytes.size() - done);
-        if (count <= 0) return;
-        done += static_cast<size_t>(count);
-    }
-}
-
-std::string readAll(int fd) {
-    std::string bytes;
-    char chunk[65536];
-    for (ssize_t count; (count = read(fd, chunk, sizeof(chunk))) > 0;) {
-        bytes.append(chunk, static_cast<size_t>(count));
-    }
-    return bytes;
-}
-
-/** An empty error text, then the recording; or what went wrong. */
-std::string playAndPack(const trace::Timeline& timeline, const std::vector<std::string>& settings) {
-    Writer writer;
+Outcome playWithSettings(const trace::Timeline& timeline,
+                         const std::vector<std::string>& settings) {
     try {
         for (const std::string& setting : settings)
             host::setProfileEntry(setting);
-        const Recording recording = play(timeline);
-        writer(std::string());
-        transfer(writer, recording);
-        return writer.bytes();
+        return {"", play(timeline)};
     } catch (const std::exception& error) {
-        Writer failure;
-        failure(std::string(error.what()));
-        return failure.bytes();
+        return {error.what(), {}};
     }
+}
+
+// An exception must not unwind into the parent's code.
+[[noreturn]] void runChild(const trace::Timeline& timeline,
+                           const std::vector<std::string>& settings, pid_t parent,
+                           int fd) noexcept {
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    // The parent may have ended before prctl took effect.
+    if (getppid() != parent) _exit(1);
+    std::ostringstream bytes;
+    cereal::BinaryOutputArchive{bytes}(playWithSettings(timeline, settings));
+    _exit(writeAll(fd, bytes.str()) ? 0 : 1);
 }
 
 }  // namespace
 
 Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::string>& settings) {
     int fds[2];
-    if (pipe(fds) != 0) throw std::runtime_error("no pipe for the replay");
+    if (pipe(fds) != 0) throw std::runtime_error("no pipe for the replay: " + errnoText(errno));
+    Descriptor input(fds[0]);
+    Descriptor output(fds[1]);
+    const pid_t parent = getpid();
     const pid_t child = fork();
-    if (child < 0) throw std::runtime_error("no process for the replay");
-    if (child == 0) {
-        close(fds[0]);
-        writeAll(fds[1], playAndPack(timeline, settings));
-        _exit(0);
+    if (child < 0) throw std::runtime_error("no process for the replay: " + errnoText(errno));
+    if (child == 0) runChild(timeline, settings, parent, output.get());
+    output.reset();
+
+    std::string bytes;
+    const int readError = readAll(input.get(), &bytes) ? 0 : errno;
+    input.reset();
+    const int status = waitForChild(child);
+    if (readError != 0) {
+        throw std::runtime_error("the replay cannot be read: " + errnoText(readError));
     }
-    close(fds[1]);
-    const std::string bytes = readAll(fds[0]);
-    close(fds[0]);
-    int status = 0;
-    waitpid(child, &status, 0);
     if (WIFSIGNALED(status)) {
         throw std::runtime_error(std::string("the library ended the replay: ") +
                                  strsignal(WTERMSIG(status)));
     }
-
-    Reader reader(bytes);
-    std::string error;
-    reader(error);
-    if (!error.empty()) throw std::runtime_error(error);
-    Recording recording;
-    transfer(reader, recording);
-    return recording;
+    if (WEXITSTATUS(status) != 0) {
+        throw std::runtime_error("the library ended the replay: exit status " +
+                                 std::to_string(WEXITSTATUS(status)));
+    }
+    Outcome outcome;
+    std::istringstream stream(bytes);
+    cereal::BinaryInputArchive{stream}(outcome);
+    if (!outcome.error.empty()) throw std::runtime_error(outcome.error);
+    return std::move(outcome.recording);
 }
 
 }  // namespace brevold::replay

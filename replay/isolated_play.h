@@ -3,15 +3,17 @@
 #include <string>
 #include <vector>
 
-#include "replay/player.h"
+#include "replay/recording.h"
 #include "trace/timeline.h"
 
 namespace brevold::replay {
 
 /**
- * Plays a timeline in a process of its own, so that each replay meets a library that was just
- * loaded. The settings go over the device profile of this process. Throws std::runtime_error with
- * what went wrong there, also when the library ended that process. Call it with one thread.
+ * Plays a timeline in a child process, because the library keeps its state for the life of a
+ * process. The child starts with this process's device profile; `settings` override entries of it.
+ *
+ * Throws std::runtime_error if the replay fails, also if the library ends the child. Call it from a
+ * process with one thread, because it forks.
  */
 Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::string>& settings);
 

@@ -8,7 +8,7 @@ namespace {
 
 struct Label {
     const char* text;
-    const char* word;
+    const char* word;  // in JSON
 };
 
 Label labelOf(trace::PeriodSource source) {
@@ -44,7 +44,7 @@ Label labelOf(trace::CompositionSource source) {
         case trace::CompositionSource::Latches:
             return {"latches", "latches"};
         case trace::CompositionSource::PresentTimes:
-            return {"present times, less a refresh", "present-times"};
+            return {"present times minus a refresh period", "present-times"};
     }
     return {"", ""};
 }

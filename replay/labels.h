@@ -4,7 +4,7 @@
 
 #include "trace/timeline.h"
 
-/** Words for the values of a timeline: phrases for readers, and the enum words of the JSON. */
+/** Names of the values of a timeline: texts for readers, and the words of the JSON output. */
 namespace brevold::replay {
 
 std::string periodSourceText(trace::PeriodSource source, const std::string& counter);

@@ -1,12 +1,13 @@
 #include "replay/marked_trace.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
-#include <cinttypes>
 #include <cmath>
 
-#include "base/text.h"
 #include "replay/hint_span.h"
-#include "trace/ftrace_reader.h"
+#include "trace/event_line.h"
+#include "trace/line_reader.h"
 
 namespace brevold::replay {
 
@@ -14,8 +15,8 @@ namespace {
 
 constexpr int64_t kNsPerSecond = 1000000000;
 constexpr size_t kTaskWidth = 16;
-// No kernel gives a thread a larger id.
-constexpr int32_t kLargestThreadId = 1 << 22;
+// The largest thread id that a kernel assigns.
+constexpr int32_t kMaxThreadId = 1 << 22;
 
 struct AddedLine {
     int64_t timeNs;
@@ -27,12 +28,13 @@ struct Thread {
     std::string name;
 };
 
-struct ChannelText {
+/** The names of a channel's track. */
+struct ChannelNames {
     const char* thread;
     const char* counter;
 };
 
-ChannelText textOf(Channel channel) {
+ChannelNames namesOf(Channel channel) {
     switch (channel) {
         case Channel::Qb:
             return {"hints QB", "hint scale x1000"};
@@ -59,11 +61,16 @@ int64_t counterValueOf(const host::Hint& hint) {
     return 0;
 }
 
-class LineMaker {
-  public:
-    LineMaker(const trace::TraceForm& form, int64_t endNs) : mForm(form), mEndNs(endNs) {}
+/** Pads to a width in bytes, as the kernel does. */
+std::string padded(const std::string& task) {
+    return std::string(kTaskWidth - std::min(task.size(), kTaskWidth), ' ') + task;
+}
 
-    std::vector<AddedLine> make(const Recording& recording) {
+class LineBuilder {
+  public:
+    LineBuilder(const trace::TraceForm& form, int64_t endNs) : mForm(form), mEndNs(endNs) {}
+
+    std::vector<AddedLine> build(const Recording& recording) {
         const auto known = mForm.threads.find(mForm.compositorTid);
         mCompositor = {mForm.compositorTid, known == mForm.threads.end() || known->second.empty()
                                                     ? "<...>"
@@ -102,67 +109,67 @@ class LineMaker {
     }
 
     void addHints(const std::vector<HintSpan>& spans, Channel channel) {
-        const ChannelText text = textOf(channel);
-        const Thread thread = newThread(text.thread);
+        const ChannelNames names = namesOf(channel);
+        const Thread thread = newThread(names.thread);
         const HintSpan* last = nullptr;
         for (const HintSpan& span : spans) {
             if (channelOf(span.hint.kind) != channel) continue;
             if (last != nullptr && last->endNs < span.hint.timeNs) {
-                addCounter(last->endNs, text.counter, 0);
+                addCounter(last->endNs, names.counter, 0);
             }
-            addCounter(span.hint.timeNs, text.counter, counterValueOf(span.hint));
+            addCounter(span.hint.timeNs, names.counter, counterValueOf(span.hint));
             addBegin(span.hint.timeNs, thread, host::describe(span.hint));
             addEnd(span.endNs, thread);
             last = &span;
         }
         if (last != nullptr && last->endNs < mEndNs) {
-            addCounter(last->endNs, text.counter, 0);
+            addCounter(last->endNs, names.counter, 0);
         }
     }
 
     void addBegin(int64_t timeNs, const Thread& thread, const std::string& name) {
-        add(timeNs, thread, format("B|%d|", mForm.compositorPid) + name);
+        add(timeNs, thread, fmt::format("B|{}|{}", mForm.compositorPid, name));
     }
 
     void addEnd(int64_t timeNs, const Thread& thread) {
-        add(timeNs, thread, mForm.style.endHasProcess ? format("E|%d", mForm.compositorPid) : "E");
+        add(timeNs, thread,
+            mForm.style.endHasProcess ? fmt::format("E|{}", mForm.compositorPid) : "E");
     }
 
     void addCounter(int64_t timeNs, const char* name, int64_t value) {
-        add(timeNs, mCompositor, format("C|%d|%s|%" PRId64, mForm.compositorPid, name, value));
+        add(timeNs, mCompositor, fmt::format("C|{}|{}|{}", mForm.compositorPid, name, value));
     }
 
     void add(int64_t timeNs, const Thread& thread, const std::string& mark) {
         const trace::MarkStyle& style = mForm.style;
-        // The end of a hint may lie between the times that the trace can write.
+        // A hint may end between two times that the trace's decimals can express.
         int64_t unitNs = kNsPerSecond;
         for (int32_t i = 0; i < style.decimals; ++i)
             unitNs /= 10;
-        const size_t width = std::max(thread.name.size(), kTaskWidth);
-        std::string line = std::string(width - thread.name.size(), ' ') + thread.name +
-                           format("-%-5d ", thread.tid);
-        if (style.hasProcess) line += format("(%5d) ", mForm.compositorPid);
-        line += style.hasFlags ? "[000] .... " : "[000] ";
-        line += format("%5" PRId64 ".%0*" PRId64 ": ", timeNs / kNsPerSecond, style.decimals,
-                       timeNs % kNsPerSecond / unitNs);
-        mLines.push_back({timeNs, line + style.event + ": " + mark + "\n"});
+        const std::string process =
+                style.hasProcess ? fmt::format("({:5}) ", mForm.compositorPid) : "";
+        mLines.push_back({timeNs, fmt::format("{}-{:<5} {}[000] {}{:5}.{:0{}}: {}: {}\n",
+                                              padded(thread.name), thread.tid, process,
+                                              style.hasFlags ? ".... " : "", timeNs / kNsPerSecond,
+                                              timeNs % kNsPerSecond / unitNs, style.decimals,
+                                              style.event, mark)});
     }
 
     const trace::TraceForm& mForm;
     const int64_t mEndNs;
     Thread mCompositor;
-    int32_t mLastTid = kLargestThreadId;
+    int32_t mLastTid = kMaxThreadId;
     std::vector<AddedLine> mLines;
 };
 
 }  // namespace
 
-void writeTrace(std::istream& input, const std::string& path, const trace::Timeline& timeline,
+void writeTrace(trace::ByteSource& text, const std::string& path, const trace::Timeline& timeline,
                 const trace::TraceForm& form, const Recording& recording, std::ostream& out) {
-    const std::vector<AddedLine> added = LineMaker(form, timeline.endNs).make(recording);
+    const std::vector<AddedLine> added = LineBuilder(form, timeline.endNs).build(recording);
     auto next = added.begin();
     int64_t timeNs = timeline.startNs;
-    trace::LineReader lines(input, path);
+    trace::LineReader lines(text, path);
     std::string_view line;
     while (lines.next(&line)) {
         trace::EventLine event;

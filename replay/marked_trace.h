@@ -1,25 +1,28 @@
 #pragma once
 
-#include <istream>
 #include <ostream>
 #include <string>
 
 #include "replay/recording.h"
+#include "trace/byte_source.h"
 #include "trace/timeline.h"
 #include "trace/trace_form.h"
 
 namespace brevold::replay {
 
 /**
- * Writes a trace with what the library did in it: the lines as they are, and after those of a time
- * what is added for it, in the form of the trace's own marks. Added are the library's sections, on
- * the compositor's thread and on its workers, and for each channel of the hints a counter and, on a
- * thread of its own, a section for as long as a hint holds. The added threads belong to the
- * compositor's process and have ids that the trace does not use.
+ * Writes a trace with marks of the replay. The trace's own lines are unchanged. A mark follows the
+ * lines of its time and has the notation of the trace's own marks. Added are:
  *
- * The input is the text that the timeline was read from; messages call it by the path.
+ *   - the library's sections, on the compositor's thread and on the library's workers
+ *
+ *   - for each channel of hints, a counter, and sections on a separate thread while a hint holds
+ *
+ * The added threads belong to the compositor's process and have ids that the trace does not use.
+ *
+ * `text` is the text from which the timeline was read; `path` is its name in messages.
  */
-void writeTrace(std::istream& input, const std::string& path, const trace::Timeline& timeline,
+void writeTrace(trace::ByteSource& text, const std::string& path, const trace::Timeline& timeline,
                 const trace::TraceForm& form, const Recording& recording, std::ostream& out);
 
 }  // namespace brevold::replay

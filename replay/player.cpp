@@ -94,8 +94,10 @@ class Player {
         info.sfTime = mLastCompositionNs;
         info.lastMaxQueuedFrames = event.depth;
         info.refreshPeriod = mPeriodNs;
-        // The library forgets the mode with the first frame of the layer that it tracks.
-        if (layer == mTimeline.focusedLayer && info.lastQbTime == kNoFrameYet) {
+        // The library resets its mode by the same rule, but does not report it.
+        const android::LayerIdentity reported = {info.layerName, info.layerKeyA, info.layerKeyB};
+        if (info.skipLayerCheck == 0 && !android::isSameLayer(reported, mCurrentLayer)) {
+            mCurrentLayer = reported;
             setMode(event.timeNs, android::kModeUnclassified);
         }
         mDriver.frame(event.timeNs, info);
@@ -103,7 +105,7 @@ class Player {
     }
 
     void beginComposition(int64_t timeNs) {
-        if (mLastCompositionNs != 0 && timeNs - mLastCompositionNs >= android::kIdleGapNs) {
+        if (mLastCompositionNs != 0 && android::isIdleGap(timeNs - mLastCompositionNs)) {
             setMode(timeNs, android::kModeUnclassified);
         }
         mLastCompositionNs = timeNs;
@@ -147,6 +149,7 @@ class Player {
     Recording mRecording;
     std::vector<int32_t> mDepths;
     std::vector<LayerFrameInfo> mFrames;
+    android::LayerIdentity mCurrentLayer = {};
     int32_t mPeakDepth = 0;
     int64_t mPeriodNs = 0;
     int64_t mLastCompositionNs = 0;

@@ -6,9 +6,9 @@
 namespace brevold::replay {
 
 /**
- * Plays the compositor to the library that a device would load, in the trace's time, with the
- * workers stepped after every call. Once per process: the library keeps its state. The device
- * profile must have been filled. Throws std::runtime_error when a library cannot be opened.
+ * Plays a timeline to the library in the trace's own time. The library's workers finish their work
+ * after every call. Fill the device profile first. Call it once per process, because the library
+ * keeps its state. Throws std::runtime_error if a library cannot be opened.
  */
 Recording play(const trace::Timeline& timeline);
 

@@ -3,15 +3,15 @@
 #include <ostream>
 #include <string>
 
-#include "replay/player.h"
+#include "replay/recording.h"
 #include "trace/timeline.h"
 
 namespace brevold::replay {
 
-/** The gnuplot terminal for a picture's path: ".svg" or ".png". Throws OutputError otherwise. */
+/** Returns gnuplot's terminal for a ".svg" or ".png" file. Throws OutputError for other names. */
 std::string plotTerminal(const std::string& path);
 
-/** Draws a replay on one page, time across. Throws std::runtime_error when gnuplot does not. */
+/** Draws a replay on one page. Throws std::runtime_error if gnuplot is missing or fails. */
 void plot(const std::string& trace, const trace::Timeline& timeline, const Recording& recording,
           const std::string& terminal, std::ostream& out);
 

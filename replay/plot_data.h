@@ -1,29 +1,26 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <vector>
 
-#include "replay/player.h"
+#include "replay/recording.h"
 #include "trace/timeline.h"
 
 namespace brevold::replay {
 
-/** Seconds from the start of the trace, and a value; a value that is no number, a break between
- * two. */
 struct PlotPoint {
-    double timeS;
-    double value;
+    double timeS;  // since the start of the trace
+    double value;  // NaN for a break in the curve
 };
 using PlotPoints = std::vector<PlotPoint>;
 
-/** A replay as the curves of a picture. */
+/** The curves of a picture of a replay. */
 struct PlotData {
     PlotPoints frameIntervalsMs;
     PlotPoints periodsMs;
-    PlotPoints depths;
-    PlotPoints downScales;  // from the begin to the end of each
-    int32_t downs = 0;
+    PlotPoints depths;      // of the focused layer
+    PlotPoints downScales;  // the start and the end of each request
+    int32_t downs = 0;      // DOWN requests
     PlotPoints upScales;
     PlotPoints boosts;
     PlotPoints ratesHz;
@@ -32,12 +29,5 @@ struct PlotData {
 };
 
 PlotData plotData(const trace::Timeline& timeline, const Recording& recording);
-
-/**
- * Of each of so many columns of the time up to the end, at most the first, the last, the least and
- * the greatest point; breaks narrower than a column go. Steps through these cover the same pixels
- * as steps through all.
- */
-PlotPoints thin(const PlotPoints& points, double endS, int32_t columns);
 
 }  // namespace brevold::replay

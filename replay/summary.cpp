@@ -1,6 +1,7 @@
 #include "replay/summary.h"
 
 #include <algorithm>
+#include <string_view>
 
 #include "base/text.h"
 #include "replay/hint_span.h"
@@ -10,6 +11,8 @@ namespace brevold::replay {
 namespace {
 
 constexpr int kErrorPriority = 6;
+// "[FM]gMode:2 \tFPS:\t59.98 ..."
+constexpr std::string_view kWindowTag = "[FM]";
 
 void countEvents(const trace::Timeline& timeline, Summary& summary) {
     for (const trace::TimelineEvent& event : timeline.events) {
@@ -67,7 +70,7 @@ void sumLog(const std::vector<host::LogLine>& log, Summary& summary) {
     for (const host::LogLine& line : log) {
         if (line.priority != kErrorPriority) continue;
         ++summary.errorLines;
-        if (line.text.rfind("[FM]", 0) == 0) {
+        if (line.text.compare(0, kWindowTag.size(), kWindowTag) == 0) {
             ++summary.windowLines;
         } else {
             ++summary.errors[line.text.substr(0, line.text.find('\n'))];

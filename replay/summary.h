@@ -2,41 +2,47 @@
 
 #include <array>
 #include <cstdint>
+#include <iterator>
 #include <map>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "brevold/protocol.h"
 #include "host/hint.h"
 #include "replay/recording.h"
 #include "trace/timeline.h"
 
 namespace brevold::replay {
 
+/** The hints of one kind. */
 struct RequestSummary {
     int32_t count = 0;
-    // Of the kinds that have a scale; 0 without requests.
+    // 0 without requests and for kinds that carry no scale.
     double minScale = 0.0;
     double meanScale = 0.0;
     double maxScale = 0.0;
 };
 
-/** What an engineer reads at a glance. */
+/** The figures of one replay. */
 struct Summary {
+    /** The trace's name, as messages show it. */
     std::string trace;
     int64_t durationNs;
+    /** The focused layer and its frames. */
     std::string layer;
     int32_t frames;
-    /** Other layers with frames, and their frames. */
+    /** The number of other layers with frames, and of their frames. */
     int32_t otherLayers;
     int32_t otherFrames;
     struct Rate {
-        int64_t fromNs;
+        int64_t fromNs;  // since the start of the trace
         double hz;
     };
-    /** Times from the start of the trace. */
+    /** The display's refresh rates in time order; at least one. */
     std::vector<Rate> rates;
     trace::PeriodSource periodSource;
+    /** The counter's name if periodSource is VsyncToggles, else empty. */
     std::string periodCounter;
     int32_t compositions;
     trace::CompositionSource compositionSource;
@@ -44,19 +50,22 @@ struct Summary {
     trace::VsyncSource vsyncSource;
     int32_t boostVerdicts;
     bool isAnyFeatureOn;
-    /** False when the library's debug output, which tells the modes, is off. */
+    /** False if the library's debug output, which reports the modes, is off. */
     bool hasModes;
-    std::array<int64_t, 6> modeNs;
+    /** Time spent in each frame-rate mode. */
+    std::array<int64_t, std::size(android::kModeLabels)> modeNs;
     /** In the order of kHintKinds. */
     std::array<RequestSummary, std::size(host::kHintKinds)> requests;
-    /** Time under a DOWN hint: from the hint, for its duration or until the next "QB" hint. */
+    /** Total time during which a DOWN hint holds. */
     int64_t downNs;
-    /** Of that time, weighted by it. */
+    /** Mean scale over that time; 0 if there is none. */
     double meanDownScale;
+    /** Lines that the library logged at error priority, including those of measuring windows. */
     int32_t errorLines;
-    /** Texts at error priority, but for the measuring windows' lines, with their counts. */
-    std::map<std::string, int32_t> errors;
+    /** The lines that report a measuring window. */
     int32_t windowLines;
+    /** The other texts at error priority, with their counts. */
+    std::map<std::string, int32_t> errors;
     std::vector<trace::TraceWarning> warnings;
 
     const RequestSummary& of(host::HintKind kind) const {
@@ -67,9 +76,10 @@ struct Summary {
 Summary summarise(const std::string& trace, const trace::Timeline& timeline,
                   const Recording& recording);
 
-/** One trace's replay, and the second one with other settings where there was one. */
+/** The replay of one trace. */
 struct TraceResult {
     Summary summary;
+    /** The replay with the settings of --vs, if there are any. */
     std::optional<Summary> vs;
 };
 

@@ -78,7 +78,7 @@ void printJson(const std::vector<TraceResult>& results, std::ostream& out) {
         if (result.vs) object["vs"] = objectOf(*result.vs);
         root["replays"].push_back(std::move(object));
     }
-    // Names from a trace are bytes of any kind.
+    // Names in a trace may be invalid UTF-8.
     out << root.dump(2, ' ', false, Json::error_handler_t::replace) << '\n';
 }
 

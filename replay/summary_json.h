@@ -8,8 +8,8 @@
 namespace brevold::replay {
 
 /**
- * Writes one JSON object: "version", which changes when a name or a meaning does, and "replays",
- * one object a trace. Times are seconds from the start of the trace.
+ * Writes one JSON object: "version", which changes with the name or meaning of any field, and
+ * "replays", an object for each trace. Times are seconds since the start of the trace.
  */
 void printJson(const std::vector<TraceResult>& results, std::ostream& out);
 

@@ -6,7 +6,7 @@ using FrameTest = TargetAppTest;
 
 constexpr char kDown[] = "hint 4166 19 0x41011a";
 
-// Calls the monitor itself, so that each argument is the test's own.
+// Calls the monitor directly, with arbitrary arguments.
 static std::string monitor(int queued, int64_t diffSFToQBNs, int64_t diffQBNs,
                            int64_t periodNs = kPeriod60Ns, const char* peer = kLayer) {
     android::brevoldBufferMonitor(queued, peer, kLayer, diffSFToQBNs, diffQBNs, 1, 0, periodNs);
@@ -34,12 +34,12 @@ TEST_F(FrameTest, DecisionsAreMarked) {
                                     "\t2000000 \tlastMaxQueuedFrames \t1; "
                                     "energyScaling[Scale:1.11]");
     monitor(2, INT64_MIN + kSecondNs, INT64_MIN, kPeriod120Ns);
-    EXPECT_EQ(takeLabels().find(';'), 255u);  // a long one is cut
+    EXPECT_EQ(takeLabels().find(';'), 255u);  // a long label is cut
 }
 
 TEST_F(FrameTest, Decisions) {
     measure(kPeriod60Ns);
-    // Down: capped, also without headroom, but not where the ratio is undefined; never below 0.
+    // DOWN: capped at 1, even without headroom; 0 if the ratio is NaN or negative.
     const std::tuple<int, int64_t, int64_t, std::string> rows[] = {
             {2, 3000000, 40000000, "0x4103e8"}, {2, 0, 31333332, "0x4103e8"},
             {3, 0, 23499999, "0x4101f4"},       {2, 40000000, 8000000, "0x410000"},
@@ -51,7 +51,7 @@ TEST_F(FrameTest, Decisions) {
     for (const auto& [queued, diffSFToQBNs, diffQBNs, word] : rows)
         EXPECT_EQ(monitor(queued, diffSFToQBNs, diffQBNs), "hint 4166 19 " + word) << diffQBNs;
     EXPECT_EQ(monitor(0, 3000000, 40000000) + monitor(-1, 3000000, 40000000), "");
-    // Up, of exactly two budgets, an undefined ratio, a negative one.
+    // UP: an interval of exactly two budgets, a ratio that is NaN, a negative ratio.
     EXPECT_EQ(monitor(1, 1333332, 30000000), "");
     EXPECT_EQ(monitor(1, 31333332, 0) + monitor(1, 41333332, 300000000), "");
     for (const char* peer : {"com", "com.example.game/com.example.game.Main#8",
@@ -62,7 +62,7 @@ TEST_F(FrameTest, Decisions) {
     EXPECT_ABORT(monitor(1, 15666666 - INT64_MAX, 8000000));  // only the divisor overflows
 }
 
-TEST_F(FrameTest, AResetForgetsTheStampAndThePeriod) {
+TEST_F(FrameTest, ResetClearsTheStampAndThePeriod) {
     restart();
     android::brevoldAppTypeCheck("com.example.other#0");
     android::brevoldLayerStatusCheck(false, "com.example.other#0", 0, 0);
@@ -96,28 +96,28 @@ TEST_F(FrameTest, DecisionsAreCountedPerWindow) {
     decide();
     gDevice.properties["vendor.perf.pfar.down.enable"] = "0";
     restartWith("com.example.other#0");
-    tick(kPeriod60Ns, 63);  // no gap before them, which would forget the counts as well
+    tick(kPeriod60Ns, 63);  // no idle gap, which would reset the counts as well
     EXPECT_EQ(takeLogTexts(), none);
     takeLabels();
-    EXPECT_EQ(monitor(2, 3000000, 8000000), "");  // without its switch a DOWN is only marked
+    EXPECT_EQ(monitor(2, 3000000, 8000000), "");  // without its switch, DOWN is only marked
     EXPECT_EQ(takeLabels().rfind("[DOWN_SCALING]mode \t2 \tscale \t0.282353 ", 0), 0u);
     decide();
     tick(kPeriod60Ns, 62);
     EXPECT_EQ(takeLogTexts(), counts("Down:\t0 \tUp:\t2", " ", "3"));
 }
 
-TEST_F(FrameTest, EachFieldReachesItsPlace) {
+TEST_F(FrameTest, EachFieldIsPassedOn) {
     measure(kPeriod60Ns);
     LayerFrameInfo info = frame(2);
     info.lastQbTime = -1;
     info.sfTime = 0;
-    EXPECT_EQ(submit(info), "");  // the monitor is left alone
+    EXPECT_EQ(submit(info), "");  // the monitor is not called
     EXPECT_EQ(submit(frame(2)), kDown);
     info = frame(2);
     info.peerLayerName = "x";
     info.sfTime = 0;
     EXPECT_EQ(submit(info), "");
-    EXPECT_EQ(submit(frame(2)), "");  // no stamp behind it
+    EXPECT_EQ(submit(frame(2)), "");  // the previous stamp is 0
     info = frame(2, "com.example.other/Main#1");
     for (const uint8_t skip : {uint8_t{1}, uint8_t{0x80}}) {
         info.skipLayerCheck = skip;
@@ -126,15 +126,15 @@ TEST_F(FrameTest, EachFieldReachesItsPlace) {
     info.skipLayerCheck = 0;
     info.layerKeyA = 7;
     info.layerKeyB = 9;
-    EXPECT_EQ(submit(info), "query 5633 com.example.other");  // a new layer, of no mode
+    EXPECT_EQ(submit(info), "query 5633 com.example.other");  // a new layer is unclassified
     measure(kPeriod60Ns);
-    android::brevoldLayerStatusCheck(false, info.layerName, 7, 9);  // unchanged: the mode stays
+    android::brevoldLayerStatusCheck(false, info.layerName, 7, 9);  // unchanged, so the mode stays
     EXPECT_EQ(submit(info), kDown);
 
     EXPECT_EQ(brevoldOnFrameAvailable(nullptr), 0);
     android::checkRefreshRateChange(nullptr);
     info.lastQbTime = -1;
-    info.qbTime = INT64_MAX;  // to -1 overflows, though the monitor would not be called
+    info.qbTime = INT64_MAX;  // minus -1 overflows, even though the monitor is not called
     EXPECT_ABORT(brevoldOnFrameAvailable(&info));
     info.qbTime = INT64_MIN + 1;
     info.lastQbTime = 0;
@@ -144,7 +144,7 @@ TEST_F(FrameTest, EachFieldReachesItsPlace) {
 
 static LayerFrameInfo gRecord;
 
-TEST_F(FrameTest, ARecordIsReadBeforeTheServiceIsAsked) {
+TEST_F(FrameTest, TheRecordIsCopiedBeforeTheServiceCall) {
     gRecord = frame(2, "com.example.other#0");
     gDevice.duringCall = [] {
         gRecord = frame(2, "com.example.third#0", kPeriod90Ns);
@@ -155,10 +155,10 @@ TEST_F(FrameTest, ARecordIsReadBeforeTheServiceIsAsked) {
     measure(kPeriod60Ns);
     android::brevoldLayerStatusCheck(false, "com.example.other#0", 0, 0);
     brevoldScaling(2, 0);
-    EXPECT_EQ(takeCalls(), kBoostHint);  // the layer is unchanged, and its period the mode's
+    EXPECT_EQ(takeCalls(), kBoostHint);  // same layer, and the period of the mode
 }
 
-TEST_F(DeviceTest, RefreshRateHintFollowsTheBandsAndIsAskedAgainWhereItFailed) {
+TEST_F(DeviceTest, RefreshRateHintFollowsTheBandsAndIsSentAgainIfItFailed) {
     provide(kClient);
     ASSERT_TRUE(brevoldInit());
     const std::pair<int64_t, std::string> rows[] = {
@@ -167,7 +167,7 @@ TEST_F(DeviceTest, RefreshRateHintFollowsTheBandsAndIsAskedAgainWhereItFailed) {
             {11699999, ""}, {8000000, ""},  {9000000, ""},   {8999999, "hint 4244 0 0x78"},
             {8000001, ""},  {0, ""},        {INT64_MIN, ""}, {16666666, "hint 4244 0 0x3c"},
     };
-    std::string release;  // with every hint but the first
+    std::string release;  // precedes every hint but the first
     for (const auto& [periodNs, hint] : rows) {
         EXPECT_EQ(submit(frame(0, kLayer, periodNs)), hint.empty() ? "" : release + hint);
         if (!hint.empty()) release = "release " + std::to_string(gDevice.nextHandle - 1) + "; ";
@@ -180,7 +180,7 @@ TEST_F(DeviceTest, RefreshRateHintFollowsTheBandsAndIsAskedAgainWhereItFailed) {
         EXPECT_EQ(submit(info), "hint 4244 0 0x5a");
     }
     EXPECT_EQ(submit(info), "");
-    android::clearConfigs();  // the hint stays held
+    android::clearConfigs();  // the hint stays in force
     android::checkRefreshRateChange(&info);
     info.refreshPeriod = kPeriod60Ns;
     EXPECT_EQ(submit(info), "");

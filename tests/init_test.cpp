@@ -16,7 +16,7 @@ constexpr char kReadsWithoutFeatures[] =
 TEST_F(InitTest, ReadsEverySwitchInOrderWithItsDefault) {
     void* const features = provide(kFeatures);
     gDevice.isOn = false;
-    EXPECT_TRUE(brevoldInit());  // jank boost is on unless its setting says otherwise
+    EXPECT_TRUE(brevoldInit());  // jank boost is on by default
     EXPECT_EQ(gDevice.reads,
               "vendor.display.use_smooth_motion=0; feature 4; feature 5; "
               "vendor.perf.fps_switch.enable=0; vendor.perf.jr10.enable=1; "
@@ -26,7 +26,7 @@ TEST_F(InitTest, ReadsEverySwitchInOrderWithItsDefault) {
     gDevice.reads.clear();
     EXPECT_TRUE(brevoldInit());
     EXPECT_EQ(gDevice.reads, "");
-    // The feature library is closed again, and the client is not.
+    // The feature library is closed again, the client is not.
     dlclose(features);
     EXPECT_EQ(dlopen(kFeatures, RTLD_LAZY | RTLD_NOLOAD), nullptr);
     void* const client = provide(kClient);
@@ -48,7 +48,7 @@ TEST_F(InitTest, WithoutTheFeatureLibraryOnlyTheRefreshRateSwitchIsRead) {
 TEST_F(InitTest, SwitchesDecideFeaturesAndWorkers) {
     provide(kFeatures);
     gDevice.isOn = false;
-    // The features that are allowed, the three switches, and what comes of them.
+    // Allowed features, pfar, jr10 and fps_switch; then the result and the number of new workers.
     const std::tuple<std::set<int>, const char*, const char*, const char*, bool, size_t> rows[] = {
             {{}, "0", "1", "0", false, 0},   {{4}, "0", "1", "0", true, 0},
             {{}, "1", "1", "0", false, 0},   {{5}, "1", "1", "0", true, 2},
@@ -87,11 +87,12 @@ TEST_F(DeviceTest, WithoutTheClientNothingIsOn) {
     EXPECT_EQ(takeLogTexts().find("hwopt"), std::string::npos);
 }
 
-// A function of the client; its pointer's name in the log; the calls of two reports without it.
+// A function of the client, the name of its pointer in the log, the calls of two reports without
+// it.
 using Missing = std::array<std::string, 3>;
 class MissingFunctionTest : public DeviceTest, public testing::WithParamInterface<Missing> {};
 
-TEST_P(MissingFunctionTest, IsLoggedAndOnlyItsUserIsOff) {
+TEST_P(MissingFunctionTest, IsLoggedAndDisablesOnlyItsCallers) {
     const auto& [function, pointer, calls] = GetParam();
     provide(kClient, function);
     provide(kFeatures);
@@ -132,7 +133,7 @@ TEST_F(InitTest, DebugLayersAreSplitAtSingleBlanks) {
     }
 }
 
-TEST_F(InitTest, DebugLayersComeFromTheSettingAndAreNeverForgotten) {
+TEST_F(InitTest, DebugLayersAreReadFromTheSettingAndNeverRemoved) {
     provide(kFeatures);
     const auto areListed = [](const char* setting, std::vector<std::string> layers) {
         gDevice.properties["vendor.perf.brevold.debug.layers"] = setting;
@@ -143,15 +144,15 @@ TEST_F(InitTest, DebugLayersComeFromTheSettingAndAreNeverForgotten) {
         return answers;
     };
     EXPECT_EQ(areListed("NONEsuch a", {"a", "NONEsuch"}), "nn");
-    // A setting's 91 bytes end within its second name.
+    // A setting is cut after 91 bytes, within its second name.
     EXPECT_EQ(areListed(("a " + std::string(200, 'b')).c_str(),
                         {"a", std::string(89, 'b'), "", "A", "ab", "aa", " "}),
               "yynnnnn");
     EXPECT_EQ(areListed("c  d", {"a", "c", "", "d"}), "yyyy");
 }
 
-TEST_F(InitTest, CheckWantsATargetAppAndTheFirstTwoLetters) {
-    // Nothing is on before the initialisation.
+TEST_F(InitTest, CheckRequiresATargetAppAndThePrefixSf) {
+    // Everything is off before initialisation.
     EXPECT_EQ(submit(frame(9)), "");
     brevoldRefresh();
     EXPECT_EQ(brevoldScaling(9, 0), 0);
@@ -170,6 +171,6 @@ TEST_F(InitTest, CheckWantsATargetAppAndTheFirstTwoLetters) {
     EXPECT_FALSE(brevoldCheck("sf"));
     brevoldInit();
     EXPECT_FALSE(brevoldCheck("sf"));
-    submit(frame());  // its type was forgotten, and its name was not
+    submit(frame());  // the type was reset, the layer name was not
     EXPECT_FALSE(brevoldCheck("sf"));
 }

@@ -20,8 +20,8 @@ TEST(NameTest, PackageNameOfALayerName) {
         EXPECT_EQ(android::getPackageName(layer), package) << layer;
 }
 
-// Every name that begins so and goes on with up to so many tokens, each also with an end that a
-// package needs.
+// Compares all names made of a prefix and up to this many tokens, also with the ending of a
+// package.
 static void compareWithExpression(const std::string& name, int tokensLeft) {
     static const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+");
     for (const std::string& layer : {name, name + "#7"}) {
@@ -37,30 +37,31 @@ static void compareWithExpression(const std::string& name, int tokensLeft) {
     }
 }
 
-TEST(NameTest, PackageNameIsTheExpressionsForEveryShortName) {
+TEST(NameTest, PackageNameOfEveryShortNameIsThatOfTheExpression) {
     for (const char* begin : {"", "SurfaceView-"})
         compareWithExpression(begin, 4);
 }
 
-TEST(NameTest, PackageNameOfALongNameIsFoundWithoutMatchingAllOfIt) {
-    constexpr size_t kLongest = 65536;
+TEST(NameTest, LongNamesAreNotMatchedAsAWhole) {
+    constexpr size_t kMaxBytes = 65536;
     const auto filled = [](const std::string& begin, char fill, const std::string& end) {
-        return begin + std::string(kLongest - begin.size() - end.size(), fill) + end;
+        return begin + std::string(kMaxBytes - begin.size() - end.size(), fill) + end;
     };
-    const std::string letters(kLongest - 2, 'a');
+    const std::string letters(kMaxBytes - 2, 'a');
     const std::pair<std::string, std::string> cases[] = {
-            // The expression backtracks with the cube of the length, then the square.
+            // The expression does not match; the steps grow with the cube, then the square of the
+            // length.
             {filled("SurfaceView", '-', ""), ""},
             {letters, ""},
             {filled("", '\n', "/\n#0"), ""},
-            // It matches, and backtracks with the square all the same.
+            // It matches, but the steps grow with the square of the length.
             {filled("a#", '0', ""), "a"},
             {filled("a/", '#', "0"), "a"},
-            // It matches at once, but keeps a state for each byte.
+            // It matches at once, but stores a state per byte.
             {letters + "#0", letters},
             {filled("SurfaceView", ' ', "/#0"), " "},
             {filled("SurfaceView", '\t', "a/b#0"), "a"},
-            {filled("SurfaceView\n", '\0', "x#0"), std::string(kLongest - 15, '\0') + "x"},
+            {filled("SurfaceView\n", '\0', "x#0"), std::string(kMaxBytes - 15, '\0') + "x"},
             {filled("a/", '/', "\r#0"), ""},
     };
     for (const auto& [layer, package] : cases)
@@ -76,7 +77,7 @@ TEST_F(LayerTest, AsksTheServiceOncePerNewName) {
             {"com.example.a/Main#0", 2, "query 5633 com.example.a", true},
             {"com.example.a/Main#0", 3, "", true},
             {"com.example.a/Main#1", 3, "query 5633 com.example.a", false},
-            {"com.example.b", 2, "", false},  // no package name: the old type stands
+            {"com.example.b", 2, "", false},  // no package name: the type stays
             {"com.example.b#0", 2, "query 5633 com.example.b", true},
             {"com.example.c#0", 1, "query 5633 com.example.c", false},
     };
@@ -104,7 +105,7 @@ TEST_F(LayerTest, SkippedAndDebugLayersChangeNothing) {
     EXPECT_FALSE(brevoldCheck("sf"));
 }
 
-TEST_F(LayerTest, ANewLayerForgetsTheModeAndAnUnchangedOneKeepsIt) {
+TEST_F(LayerTest, ANewLayerResetsTheModeAndTheSameLayerKeepsIt) {
     measure(kPeriod60Ns);
     setLayer(kLayer);
     EXPECT_TRUE(hasMode());
@@ -115,7 +116,7 @@ TEST_F(LayerTest, ANewLayerForgetsTheModeAndAnUnchangedOneKeepsIt) {
         setLayer(name, keyA, keyB);
         EXPECT_FALSE(hasMode()) << name << keyA << keyB;
     }
-    // The name outlives a reset and the keys do not.
+    // A reset keeps the name and clears the keys.
     setLayer("com.example.b#0", 1, 1);
     restart();
     takeCalls();

@@ -1,7 +1,6 @@
 #include "replay/marked_trace.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <fstream>
 #include <sstream>
@@ -9,8 +8,9 @@
 
 #include "host/device_profile.h"
 #include "replay/isolated_play.h"
-#include "trace/ftrace_reader.h"
 #include "trace/read_timeline.h"
+#include "trace/string_source.h"
+#include "trace/text_mark_reader.h"
 
 namespace brevold::replay {
 namespace {
@@ -19,7 +19,7 @@ const std::string kExamples = BREVOLD_EXAMPLES;
 
 using Mark = std::tuple<int64_t, std::string, bool, std::string>;
 
-TEST(TraceOutTest, HoldsTheTraceAndEveryMarkOfTheLibrary) {
+TEST(MarkedTraceTest, KeepsTheTraceAndAddsEveryMarkOfTheLibrary) {
     host::loadProfile(kExamples + "/everything-on.profile");
     const std::string path = kExamples + "/game-120hz-falls-behind.ftrace.txt";
     trace::TraceInput input(path);
@@ -27,7 +27,7 @@ TEST(TraceOutTest, HoldsTheTraceAndEveryMarkOfTheLibrary) {
     const trace::Timeline timeline = trace::readTimeline(input, {}, &form);
     const Recording recording = playIsolated(timeline, {});
     std::stringstream output;
-    writeTrace(input.openText(), path, timeline, form, recording, output);
+    writeTrace(input.open(), path, timeline, form, recording, output);
 
     std::ifstream original(path);
     std::stringstream added;
@@ -41,17 +41,18 @@ TEST(TraceOutTest, HoldsTheTraceAndEveryMarkOfTheLibrary) {
             added << line << '\n';
         }
     }
-    EXPECT_FALSE(original) << "lacks or changes the line " << expected;
+    EXPECT_FALSE(original) << "missing or changed line: " << expected;
 
-    trace::FtraceReader reader(added, "added");
+    trace::StringSource addedSource(added.str());
+    trace::TextMarkReader reader(addedSource, "added");
     std::vector<Mark> marks;
     for (trace::TraceMark mark; reader.next(&mark);) {
-        const std::string task = reader.threads().at(mark.tid);
+        const std::string task = reader.form().threads.at(mark.tid);
         if (mark.kind == trace::TraceMark::Kind::Counter || task.rfind("hints", 0) == 0) continue;
         marks.emplace_back(mark.timeNs, task, mark.kind == trace::TraceMark::Kind::Begin,
                            mark.name);
     }
-    EXPECT_EQ(reader.strayLines() + reader.backwardLines(), 0);
+    EXPECT_TRUE(reader.warnings().empty());
 
     std::vector<Mark> emitted;
     for (const host::TraceMark& mark : recording.traceMarks) {
@@ -67,7 +68,7 @@ host::Hint hintAt(int64_t timeNs, host::HintKind kind, int32_t durationMs, uint3
     return {timeNs, kind, 0, durationMs, type, scale, 0, 0};
 }
 
-TEST(TraceOutTest, AddsMarksInTheFormOfTheTrace) {
+TEST(MarkedTraceTest, UsesTheNotationOfTheTrace) {
     const struct {
         std::string columns;
         std::string event;
@@ -83,7 +84,7 @@ TEST(TraceOutTest, AddsMarksInTheFormOfTheTrace) {
             return thread + style.columns + time + style.decimals + style.event +
                    (mark == "E" ? style.end : mark) + "\n";
         };
-        // The second line's thread has the id that an added one would get.
+        // The thread of the second line has the first id that would be added.
         const std::string head = "# comment\n" +
                                  line("sf-90  ", "    1.0000", "C|90|BufferTX - a#1|1") +
                                  line("app-4194305", "    1.0005", "B|90|commit") + "stray\n";
@@ -93,10 +94,7 @@ TEST(TraceOutTest, AddsMarksInTheFormOfTheTrace) {
         const std::string last = line("sf-90  ", "    1.0300", "B|90|x") + "# end\n";
         const std::string text = head + middle + last;
 
-        const std::string path = testing::TempDir() + "marked" + std::to_string(getpid());
-        std::ofstream(path) << text;
-        trace::TraceInput read(path);
-        unlink(path.c_str());
+        trace::TraceInput read(std::make_unique<trace::StringSource>(text), "trace");
         trace::TraceForm form;
         const trace::Timeline timeline = trace::readTimeline(read, {}, &form);
         Recording recording;
@@ -133,9 +131,8 @@ TEST(TraceOutTest, AddsMarksInTheFormOfTheTrace) {
                 line(kSf, "    1.0200", "B|90|jank boost 10.000") + line(kSf, "    1.0200", "E") +
                 counter("    1.0200", "boost|0") + last + line(kQb, "    1.0300", "E") +
                 line(kRate, "    1.0300", "E");
-        std::istringstream input(text);
         std::ostringstream output;
-        writeTrace(input, "trace", timeline, form, recording, output);
+        writeTrace(read.open(), read.name(), timeline, form, recording, output);
         EXPECT_EQ(output.str(), expected);
     }
 }

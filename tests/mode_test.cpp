@@ -4,7 +4,7 @@ using namespace brevold::test;
 
 using ModeTest = TargetAppTest;
 
-// Feeds the ticks of a window, and after more than a second the one that closes it.
+// Adds the ticks of a window and, more than a second later, the tick that closes it.
 static std::string windowOf(std::initializer_list<int64_t> intervalsNs, int64_t lastNs) {
     for (const int64_t intervalNs : intervalsNs)
         android::modeMonitor(intervalNs);
@@ -14,8 +14,7 @@ static std::string windowOf(std::initializer_list<int64_t> intervalsNs, int64_t 
 }
 
 TEST_F(ModeTest, BoundsOfTheModes) {
-    // Around each bound the nearest rates in single precision: above it, on it, below it. None is
-    // 122 exactly.
+    // Per bound, the nearest rates in single precision: above, equal, below. No rate equals 122.
     const std::pair<int64_t, char> cases[] = {
             {100000000, '0'}, {37037038, '0'}, {37037036, '0'}, {37037034, '1'}, {31250002, '1'},
             {31250000, '5'},  {31249998, '5'}, {21276598, '5'}, {21276596, '5'}, {21276594, '2'},
@@ -27,11 +26,11 @@ TEST_F(ModeTest, BoundsOfTheModes) {
                 << meanNs;
 }
 
-TEST_F(ModeTest, WindowClosesPastOneSecond) {
+TEST_F(ModeTest, WindowClosesAfterMoreThanOneSecond) {
     tick(1);
     tick(1);  // opens
     tick(100000000, 10);
-    EXPECT_EQ(takeLogTexts(), "");  // its age is one second to the nanosecond
+    EXPECT_EQ(takeLogTexts(), "");  // its age is exactly one second
     tick(1);
     const std::string line = "[FM]gMode:0 \tFPS:\t12.00 \tDown:\t0 \tUp:\t0";
     EXPECT_EQ(takeLogTexts(), line + " \tIdle:\t0");
@@ -40,7 +39,7 @@ TEST_F(ModeTest, WindowClosesPastOneSecond) {
 
 TEST_F(ModeTest, OddIntervalsCountOnlyWhileAWindowIsOpen) {
     EXPECT_EQ(windowOf({0, -5}, 149999999), "");
-    // Five ticks, a sum far below zero.
+    // Five ticks with a negative sum.
     EXPECT_EQ(windowOf({0, INT64_MIN, -50000001}, 1).substr(0, 23), "[FM]gMode:5 \tFPS:\t-0.00");
     EXPECT_EQ(windowOf({1, 0, 0, 0, 0, 0, 0, 0, 0, 0}, -1).substr(0, 21),
               "[FM]gMode:5 \tFPS:\tINF");
@@ -55,12 +54,12 @@ TEST_F(ModeTest, AnIdleGapDiscardsTheWindowAndTheMode) {
     EXPECT_FALSE(hasMode());
     takeLogTexts();
     tick(kPeriod60Ns, 60);
-    EXPECT_EQ(takeLogTexts(), "");  // the window opened after the gap is not yet over
+    EXPECT_EQ(takeLogTexts(), "");  // the window that opened after the gap is still open
     tick(kPeriod60Ns, 2);
     EXPECT_EQ(takeLogTexts(), "[FM]gMode:2 \tFPS:\t60.00 \tDown:\t0 \tUp:\t0 \tIdle:\t0");
 }
 
-TEST_F(ModeTest, DifferencesThatOverflowAbort) {
+TEST_F(ModeTest, OverflowingDifferencesAbort) {
     host::setTimeNs(INT64_MIN);
     brevoldRefresh();
     host::setTimeNs(1);
@@ -71,7 +70,7 @@ TEST_F(ModeTest, DifferencesThatOverflowAbort) {
     EXPECT_ABORT(android::modeMonitor(1));
 }
 
-TEST_F(ModeTest, AResetForgetsTheTickTheWindowAndTheMode) {
+TEST_F(ModeTest, ResetClearsTheTickTheWindowAndTheMode) {
     measure(kPeriod60Ns);
     int64_t timeNs = 5000000;
     for (int round = 0; round < 2; ++round) {
@@ -79,7 +78,8 @@ TEST_F(ModeTest, AResetForgetsTheTickTheWindowAndTheMode) {
         EXPECT_FALSE(hasMode());
         takeLogTexts();
         for (int i = 0; i <= 12; ++i, timeNs += 100000001) {
-            // The first only records the time, the second opens a window, the last one more.
+            // The first tick only records the time, the second opens a window, the last one closes
+            // it.
             EXPECT_EQ(takeLogTexts().substr(0, 23), i < 12 ? "" : "[FM]gMode:0 \tFPS:\t10.00");
             host::setTimeNs(timeNs);
             brevoldRefresh();
@@ -87,7 +87,7 @@ TEST_F(ModeTest, AResetForgetsTheTickTheWindowAndTheMode) {
     }
 }
 
-TEST_F(DeviceTest, OnlyJankBoostStillMeasuresAndNothingElseDoes) {
+TEST_F(DeviceTest, JankBoostAloneMeasuresTheMode) {
     provide(kClient);
     provide(kFeatures);
     gDevice.features = {4};

@@ -5,11 +5,11 @@
 
 #include "tests/test_device.h"
 
-// How the library calls its platform: a program of its own, as it stands in for locks.
+// How the library calls its platform. A separate program, because it replaces the lock functions.
 
 namespace {
 
-// What each of the next calls is to return in place of its work.
+// If not 0, locking fails with this error; unlocking succeeds, but returns it.
 thread_local int tLockError;
 thread_local int tUnlockError;
 std::string gOpened;
@@ -52,7 +52,7 @@ TEST_F(PlatformTest, OpensTheFeatureSwitchLazilyAndTheClientAtOnce) {
     EXPECT_EQ(gOpened, "libfeatgate_system.so 1; libvnx-perfd-client_system.so 2; ");
 }
 
-TEST_F(PlatformTest, AFailedLockAbortsButForTheWindowsAndTheWorkers) {
+TEST_F(PlatformTest, AFailedLockAbortsExceptInModeMonitorAndWorkers) {
     void (*const entries[])() = {[] { brevoldInit(); }, [] { brevoldMonitor(0, 0); },
                                  [] { brevoldScaling(0, 0); },
                                  [] { android::brevoldLayerStatusCheck(true, "", 0, 0); }};
@@ -65,7 +65,7 @@ TEST_F(PlatformTest, AFailedLockAbortsButForTheWindowsAndTheWorkers) {
     tLockError = 0;
 }
 
-TEST_F(PlatformTest, ScalingTellsTheStatusOfItsUnlock) {
+TEST_F(PlatformTest, ScalingReturnsTheStatusOfUnlocking) {
     tUnlockError = EPERM;
     const int status = brevoldScaling(0, 0);
     tUnlockError = 0;

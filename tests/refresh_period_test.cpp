@@ -16,7 +16,7 @@ struct Ticks {
     int64_t jitterUs = 0;
 };
 
-/** Intervals that follow one another; the jitter of one end is taken back at the next. */
+/** Consecutive intervals; jitter lengthens one interval and shortens the next. */
 std::vector<Interval> intervalsOf(const std::vector<Ticks>& runs) {
     std::vector<Interval> intervals;
     int64_t timeNs = 0;
@@ -39,23 +39,23 @@ TEST(RefreshPeriodTest, SnapsAndRounds) {
     EXPECT_EQ(periodOfRate(59.94), 16'683'350);
 }
 
-TEST(RefreshPeriodTest, ReadsThePeriods) {
+TEST(RefreshPeriodTest, FollowsThePeriod) {
     constexpr auto kKeep = UnknownRate::Keep;
     constexpr auto kIgnore = UnknownRate::Ignore;
     const std::tuple<const char*, std::vector<Ticks>, UnknownRate, std::vector<int64_t>> cases[] = {
-            {"one interval tells nothing", {{1, 16'600}}, kKeep, {}},
-            {"two do", {{2, 16'600}}, kKeep, {k60Ns}},
+            {"one interval is not enough", {{1, 16'600}}, kKeep, {}},
+            {"two are enough", {{2, 16'600}}, kKeep, {k60Ns}},
             {"jitter", {{300, 11'200, 3'000}}, kIgnore, {k90Ns}},
             {"half of 60 Hz", {{40, 33'300}}, kIgnore, {k60Ns}},
             {"third of 60 Hz", {{40, 50'000}}, kIgnore, {k60Ns}},
             {"half of 90 Hz", {{40, 22'200}}, kIgnore, {k90Ns}},
             {"third of 120 Hz", {{40, 25'000}}, kIgnore, {kPeriod120Ns}},
-            {"third of the 90 Hz so far", {{40, 11'100}, {40, 33'300}}, kIgnore, {k90Ns}},
+            {"third of the current 90 Hz", {{40, 11'100}, {40, 33'300}}, kIgnore, {k90Ns}},
             {"144 Hz vsyncs", {{99, 6'950, 40}}, kKeep, {6'950'000}},
             {"144 Hz frames", {{99, 6'950, 40}}, kIgnore, {}},
             {"no steady rate", {{99, 20'000, 9'000}}, kKeep, {}},
             {"50 Hz after 60 Hz", {{40, 16'700}, {40, 20'000}}, kKeep, {k60Ns, 20'000'000}},
-            {"pauses and odd ones",
+            {"pauses and outliers",
              {{40, 16'700}, {30, 600'000}, {10, 8'300}, {40, 16'700}},
              kKeep,
              {k60Ns}},

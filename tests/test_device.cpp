@@ -154,7 +154,7 @@ int test_perf_hint(int hint, const char* package, int duration, int type) {
 
 android::PerfSetting test_perf_get_prop(const char* key, const char* fallback) {
     android::PerfSetting answer;
-    // Not terminated where the text fills the record: the library has to bound its copy.
+    // Not terminated if the text fills the record, so the library must limit its copy.
     memset(answer.text, 'x', sizeof(answer.text));
     const std::string text = propertyOf(key, fallback);
     memcpy(answer.text, text.c_str(), std::min(text.size() + 1, sizeof(answer.text)));

@@ -26,18 +26,18 @@ constexpr char kClient[] = "libvnx-perfd-client_system.so";
 constexpr char kFeatures[] = "libfeatgate_system.so";
 constexpr int kSf = 0, kQb = 1;
 
-// What the run-time bound libraries and the property service answer, and what they were asked.
+// Answers of the libraries opened at run time and of the property service, and a record of calls.
 struct Device {
-    // What stands here goes before isOn, which turns on every switch.
+    // These override isOn, which turns on every switch.
     std::map<std::string, std::string> properties;
     bool isOn = true;
     std::set<int> features = {4, 5};
     int appType = 2;
-    // The hint's result; counts on by itself while positive.
+    // Result of the next hint; incremented by each hint if positive.
     int nextHandle = 1;
-    // Asked instead, on whichever thread sends the hint, where not null.
+    // If not null, handles hints instead, on the thread that sends them.
     int (*onHint)(int hint, int duration, int type) = nullptr;
-    // Called while the service works on a hint or a query, on the caller's thread.
+    // Called during each hint and query, on the caller's thread.
     void (*duringCall)() = nullptr;
     // "hint 4166 19 0x4101f4; release 7; query 5633 com.example.game", in order.
     std::string calls;
@@ -49,53 +49,53 @@ extern Device gDevice;
 
 void advance(int64_t byNs);
 
-// Each test runs in a process of its own, so that it meets a library that was just loaded.
+// Each test runs in a process of its own, with a newly loaded library.
 struct DeviceTest : testing::Test {
     DeviceTest() { advance(100 * kSecondNs); }
     void TearDown() override { host::settle(); }
 };
 
-// A device with everything on, initialised, with two frames of kLayer reported.
+// An initialised device with everything on, after two frames of kLayer.
 struct TargetAppTest : DeviceTest {
     void SetUp() override;
 };
 
-// Opens a stand-in, so that the library's own dlopen finds it.
+// Opens a fake, which the library's own dlopen then finds.
 void* provide(const std::string& library, const std::string& without = "nothing");
 
-// Resets, initialises and waits until the workers wait.
+// Resets and initialises the library, then waits for the workers.
 bool restart();
 
-// The same, and reports a layer named so twice. It has to be a new name: the current layer's
-// outlives the reset, and the service is asked of new names only.
+// The same, then reports two frames of a layer. Pass a new name: a reset keeps the name of the
+// current layer, and the service is only asked about new names.
 void restartWith(const std::string& layer);
 
-// The calls since the last time, after the workers have sent what was posted.
+// Returns the calls since the last time, after the workers have sent all requests.
 std::string takeCalls();
 
-// The texts logged, and the labels of the sections begun, since the last time.
+// Return the log texts and the labels of trace sections since the last time.
 std::string takeLogTexts();
 std::string takeLabels();
 
-// Refresh ticks at that interval.
+// Refresh ticks at this interval.
 void tick(int64_t intervalNs, int count = 1);
 
-// Ticks of one whole window, from an idle gap on; what they make the workers send is forgotten.
+// An idle gap, then the ticks of a whole window. Discards the calls.
 void measure(int64_t intervalNs);
 
-// A frame whose headroom asks for 0.282 of the performance where it is of two queued frames.
+// A frame; with two queued frames, its headroom gives a DOWN request of scale 0.282.
 LayerFrameInfo frame(int32_t queuedFrames = 0, const std::string& name = kLayer,
                      int64_t periodNs = kPeriod60Ns);
 
-// The calls that one of these leads to.
+// Each returns the resulting calls.
 std::string submit(LayerFrameInfo info);
 std::string request(float scale, unsigned direction, unsigned boostLevel, int channel);
 std::string wake(size_t thread);
 
-// Whether a mode stands in which the "QB" worker sends requests.
+// Returns true if the "QB" worker sends requests in the current mode.
 bool hasMode();
 
-// The statement runs in a copy of the process that has no workers: what waits for one is ended too.
+// Runs the statement in a forked process, which has no workers. A call that waits for one ends too.
 #define EXPECT_ABORT(statement) \
     EXPECT_EXIT((alarm(5), statement), testing::KilledBySignal(SIGABRT), "")
 

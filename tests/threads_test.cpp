@@ -10,7 +10,7 @@ constexpr size_t kEnoughHints = 300;
 
 using Hint = std::pair<int, int>;  // duration and type word
 
-// What each worker sent. Only the counts are read while they run, and order nothing.
+// Hints of each worker. While they run, only the counts are read, which do not order the threads.
 static std::array<std::vector<Hint>, 2> gHints;
 static std::array<std::atomic<size_t>, 2> gCounts;
 
@@ -27,7 +27,7 @@ static bool isEnough() {
            gCounts[kQb].load(std::memory_order_relaxed) >= kEnoughHints;
 }
 
-// Headroom of a half, to scale down, and at every other frame an interval of twice the budget.
+// Alternates a DOWN request of scale 0.5 and an UP request of scale 2.
 static void reportFrame(int number) {
     constexpr int64_t kBudgetNs = kPeriod60Ns - 1000000;
     LayerFrameInfo info = frame(1 + number % 2, "com.example.game#" + std::to_string(number / 256));
@@ -36,29 +36,29 @@ static void reportFrame(int number) {
     brevoldOnFrameAvailable(&info);
 }
 
-// Whether refresh ticks come on the thread of the frame reports or on one of their own.
+// The parameter: true if refresh ticks have a thread of their own, false if they come with frames.
 class ThreadsTest : public DeviceTest, public testing::WithParamInterface<bool> {};
 
 TEST_P(ThreadsTest, WorkersSendWholeRequestsAndReleaseEveryBoost) {
     gDevice.onHint = recordHint;
     provide(kClient);
     provide(kFeatures);
-    gDevice.properties["vendor.perf.brevold.debug"] = "0";  // its output would order the threads
+    gDevice.properties["vendor.perf.brevold.debug"] = "0";  // debug output would order the threads
     ASSERT_TRUE(brevoldInit());
 
-    const bool ticksApart = GetParam();
+    const bool hasTickThread = GetParam();
     int tickNumber = 0;
     const auto tickOnce = [&] {
-        tick(++tickNumber / 128 % 4 == 3 ? kSecondNs / 30 : kPeriod60Ns);  // a verdict wants 30
+        tick(++tickNumber / 128 % 4 == 3 ? kSecondNs / 30 : kPeriod60Ns);  // a verdict needs 30 fps
     };
     std::thread reports([&] {
         for (int i = 0; !isEnough(); ++i) {
             reportFrame(i);
-            if (!ticksApart) tickOnce();
+            if (!hasTickThread) tickOnce();
         }
     });
     std::thread ticks([&] {
-        while (ticksApart && !isEnough())
+        while (hasTickThread && !isEnough())
             tickOnce();
     });
     int boosts = 0;
@@ -74,7 +74,7 @@ TEST_P(ThreadsTest, WorkersSendWholeRequestsAndReleaseEveryBoost) {
     });
     for (std::thread* thread : {&reports, &ticks, &vsyncs})
         thread->join();
-    // A wake-up between two passes of a worker is lost: one more request makes up for it.
+    // A signal between two passes of a worker is lost, so send one more request.
     host::settle();
     request(10.0f, 2, 2, kSf);
     android::releaseScaling();
@@ -92,7 +92,7 @@ TEST_P(ThreadsTest, WorkersSendWholeRequestsAndReleaseEveryBoost) {
         isBoosted = isBoost;
     }
     EXPECT_FALSE(isBoosted);
-    EXPECT_GT(released, boosts);  // brevoldScaling's own boosts are counted too
+    EXPECT_GT(released, boosts);  // brevoldScaling adds boosts
 }
 
-INSTANTIATE_TEST_SUITE_P(TicksApart, ThreadsTest, testing::Bool());
+INSTANTIATE_TEST_SUITE_P(TickThread, ThreadsTest, testing::Bool());

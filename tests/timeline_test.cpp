@@ -1,21 +1,19 @@
-// From a file's bytes to a timeline: the kinds of input, the lines of a trace, what they tell of
-// the compositor, and what is wrong or odd in one.
+// From an input's bytes to a timeline: the kinds of input, the lines of a trace, the activity of
+// the compositor, errors and warnings.
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
-#include <zlib.h>
 
-#include <fstream>
-#include <iterator>
 #include <regex>
 #include <sstream>
 #include <tuple>
 
 #include "base/error.h"
-#include "base/text.h"
 #include "replay/labels.h"
+#include "tests/gzip.h"
 #include "trace/read_timeline.h"
 #include "trace/refresh_period.h"
+#include "trace/string_source.h"
 
 namespace brevold::trace {
 namespace {
@@ -26,34 +24,35 @@ using replay::periodSourceText;
 using replay::vsyncSourceText;
 using replay::warningText;
 
-const std::string kPath = testing::TempDir() + "timeline" + std::to_string(getpid());
-/** The mode is one of gzopen: "wbT" writes the bytes as they are, "wb" compresses them. */
-void write(const std::string& bytes, const char* mode = "wbT") {
-    const gzFile file = gzopen(kPath.c_str(), mode);
-    gzwrite(file, bytes.data(), static_cast<unsigned>(bytes.size()));
-    gzclose(file);
+const std::string kName = "trace";
+constexpr size_t kWhole = std::string::npos;
+
+TraceInput inputOf(const std::string& bytes, size_t maxRead = kWhole) {
+    return {std::make_unique<StringSource>(bytes, maxRead), kName};
 }
 
-std::string rest(std::istream& stream) {
-    return {std::istreambuf_iterator<char>(stream), {}};
+std::string rest(ByteSource& source) {
+    std::string text;
+    char block[1000];
+    while (const size_t count = source.read(block, sizeof(block)))
+        text.append(block, count);
+    return text;
 }
 
-Timeline read(const std::string& bytes, const TimelineOptions& options = {}) {
-    write(bytes);
-    TraceInput input(kPath);
-    const Timeline timeline = readTimeline(input, options);
-    unlink(kPath.c_str());
-    return timeline;
+Timeline read(const std::string& bytes, const TimelineOptions& options = {},
+              size_t maxRead = kWhole) {
+    TraceInput input = inputOf(bytes, maxRead);
+    return readTimeline(input, options);
 }
 
-/** The warnings about an input, or the error without the path. */
+/** The warnings about an input, or the error without the name. */
 Texts warningsOf(const std::string& bytes, const TimelineOptions& options = {}) {
     Texts texts;
     try {
         for (const TraceWarning& warning : read(bytes, options).warnings)
             texts.push_back(warningText(warning));
     } catch (const InputError& error) {
-        texts = {std::string(error.what()).substr(kPath.size())};
+        texts = {std::string(error.what()).substr(kName.size())};
     }
     return texts;
 }
@@ -70,7 +69,8 @@ std::string trace(const std::string& marks) {
         std::getline(input.ignore(), mark, ';');
         const bool isFrame = mark[0] == '+';
         if (isFrame) mark = "C|90|" + mark.substr(1) + "|1";
-        text += format("a b-%d [000] %d.%04d: 0: ", tid, time / 10000, time % 10000) + mark + "\n";
+        text += fmt::format("a b-{} [000] {}.{:04}: 0: {}\n", tid, time / 10000, time % 10000,
+                            mark);
         if (!isFrame) continue;
         mark.back() = '0';
         text += trace(std::to_string(time + 10) + " 90 " + mark);
@@ -85,7 +85,7 @@ std::string layersOf(const Timeline& timeline) {
     return text;
 }
 
-/** Times in tenths of a millisecond; < and > for a composition's begin and end, | for a vsync. */
+/** Times in tenths of a millisecond; < and > for start and end of a composition, | for a vsync. */
 std::string describe(const Timeline& timeline) {
     std::string text;
     for (const TimelineEvent& event : timeline.events) {
@@ -106,71 +106,85 @@ std::string describe(const Timeline& timeline) {
            vsyncSourceText(timeline.vsyncSource);
 }
 
-TEST(TimelineTest, TellsTheKindOfInputByItsContent) {
+const std::string kElement = "<script class=\"trace-data\" type=\"application/text\">\n";
+
+std::string pageOf(const std::string& content, size_t viewerBytes = 30) {
+    return "<!DOCTYPE html>\n<script>" + std::string(viewerBytes, 'x') + "</script>\n" + kElement +
+           "PROCESS DUMP\n  </script>\n" + kElement + content + "  </script>\n</html>\n";
+}
+
+std::string oldPageOf(const std::string& content) {
+    std::string escaped = std::regex_replace(content, std::regex("[\"\\\\]"), "\\$&");
+    escaped = std::regex_replace(escaped, std::regex("\n(?!$)"), "\\n\\\n");
+    return "<html><script>\n  var linuxPerfData = \"\\\n" + escaped + "\";\n</script></html>";
+}
+
+TEST(TimelineTest, FindsTheTextInEveryKindOfInput) {
     const std::string text = "# tracer: nop\n" + trace("0 91 +a;20 90 B|90|composite \"1\\2\";");
     std::string longText = text;
     for (int i = 1; i <= 20'000; ++i)
-        longText += format("a-%d [000] 2.0: 0: C|90|a|%d\n", 90 + i % 2, i % 2);
-    const std::string element = "<script class=\"trace-data\" type=\"application/text\">\n";
-    const auto pageOf = [&](const std::string& content) {
-        return "<!DOCTYPE html>\n<script>" + std::string(300'000, 'x') + "</script>\n" + element +
-               "PROCESS DUMP\n  </script>\n" + element + content + "  </script>\n</html>\n";
+        longText += fmt::format("a-{} [000] 2.0: 0: C|90|a|{}\n", 90 + i % 2, i % 2);
+    const std::vector<size_t> small = {1, 2, 3, 7, 64, kWhole};
+    const std::vector<size_t> large = {4096, kWhole};
+    const struct {
+        const char* what;
+        std::string bytes;
+        std::string text;
+        std::vector<size_t> maxReads;
+    } cases[] = {
+            {"text", text, text, small},
+            {"old page", oldPageOf(text), text, small},
+            {"two pages", pageOf(text) + pageOf(text), text + text, small},
+            {"long page", pageOf(longText, 300'000), longText, large},
+            {"gzip", gzip(text), text, small},
+            {"gzip of two members and padding", gzip(text) + gzip(text) + "0", text + text, small},
+            {"gzip of an old page", gzip(oldPageOf(text)), text, small},
+            {"gzip of a long page", gzip(pageOf(longText, 300'000)), longText, large},
     };
-    const std::string escaped = std::regex_replace(text, std::regex("[\"\\\\]"), "\\$&");
-    const std::string oldPage =
-            "<html><script>\n  var linuxPerfData = \"\\\n" +
-            std::regex_replace(escaped.substr(0, escaped.size() - 1), std::regex("\n"), "\\n\\\n") +
-            "\";\n</script></html>";
-    for (const auto& [bytes, expected] :
-         {std::pair(text, text), std::pair(oldPage, text),
-          std::pair(pageOf(text) + pageOf(longText), text + longText)}) {
-        for (const char* mode : {"wbT", "wb"}) {
-            write(bytes, mode);
-            TraceInput input(kPath);
-            EXPECT_EQ(rest(input.openText()), expected) << mode << bytes.substr(0, 40);
-            input.openText().ignore(10);
-            EXPECT_EQ(rest(input.openText()), expected) << mode << bytes.substr(0, 40);
+    for (const auto& [what, bytes, expected, maxReads] : cases) {
+        for (const size_t maxRead : maxReads) {
+            TraceInput input = inputOf(bytes, maxRead);
+            EXPECT_EQ(rest(input.open()), expected) << what << " in reads of " << maxRead;
+            char some[10];
+            input.open().read(some, sizeof(some));
+            EXPECT_EQ(rest(input.open()), expected) << what << " again, in reads of " << maxRead;
         }
     }
     EXPECT_EQ(layersOf(read(longText)), "a#0*10001 ");
-
-    write(text, "wb");
-    std::ifstream file(kPath, std::ios::binary);
-    const std::string gzip = rest(file);
-    const std::string page = pageOf(text);
-    const char* const cutShort = ": ends inside of a script element; was the file cut short?";
-    for (const auto& [bytes, wrong] :
-         {std::pair(gzip.substr(0, gzip.size() - 1),
-                    ": ends inside of its gzip data; was the file cut short?"),
-          std::pair(gzip.substr(0, gzip.size() - 8) + "12345678", ": its gzip data is damaged"),
-          std::pair(page.substr(0, page.size() - 30), cutShort),
-          std::pair(oldPage.substr(0, 100), cutShort),
-          std::pair(pageOf("USER PID\n"), ": is a web page without an ftrace text in it")}) {
-        EXPECT_EQ(warningsOf(bytes), Texts{wrong});
-    }
 }
 
-TEST(TimelineTest, SaysWhatIsWrongOrOdd) {
+TEST(TimelineTest, ReportsErrorsAndWarnings) {
     const std::string event = "a-7 [001] 1.0: sched_wakeup: comm=b\n";
     const std::string start = trace("40 9 C|9|BufferTX - a|3;50 9 C|9|BufferTX - a|2;");
     const std::string early = trace("0 9 E;");
+    const auto cutShort = [](int line) {
+        return fmt::format(
+                ":{}: expected a whole line, got the end of the text; was the recording "
+                "cut short?",
+                line);
+    };
+    const std::string whole = gzip(start);
+    const std::string page = pageOf(start);
+    const char* const pageCutShort =
+            ": expected the end of a script element, got the end of the page; was the file cut "
+            "short?";
     const std::pair<std::string, Texts> cases[] = {
-            {"", {": is empty, expected ftrace text"}},
-            {"# tracer\nhello [1] x\n", {": holds no trace events, expected ftrace text"}},
-            {event, {": no layer has frames; were the graphics events recorded?"}},
+            {"", {": expected ftrace text, got no bytes; was anything recorded?"}},
+            {"# tracer\nhello [1] x\n", {": expected ftrace text, got no line with an event"}},
+            {event, {": no layer has frames; record the trace with graphics events"}},
             {event + std::string(1, '\0') + "\n",
-             {": is binary, expected ftrace text (it has a NUL byte at 36)"}},
-            {event + "a-7 [001] 1.0: 0: C|9|a|1",
-             {":2: ends in the middle of a line; was the recording cut short?"}},
+             {": expected text, got binary data at byte 36; record the trace as text"}},
+            {event + "a-7 [001] 1.0: 0: C|9|a|1", {cutShort(2)}},
             {event + "a-7 [001] 1.0: 0: C|9|a\n",
-             {":2: expected a whole number as value of the counter 'a', got ''"}},
+             {":2: expected a counter with a whole number, got 'C|9|a'"}},
             {event + "a-7 [001] 1.0: 0: C|9|a|9223372036854775808\n",
-             {":2: expected a whole number as value of the counter 'a', got "
-              "'9223372036854775808'"}},
+             {":2: expected a counter with a whole number, got 'C|9|a|9223372036854775808'"}},
             {event + std::string(300'000, 'x') + "\n",
-             {":2: expected a line of ftrace text, got one of more than 262144 bytes"}},
+             {":2: expected a line of at most 262144 bytes, got a longer one"}},
             {start + early + early + early,
-             {":3: most lines go back in time from here on; is an earlier time wrong?"}},
+             {":3: expected ascending times, got mostly earlier ones from here on; is the time of "
+              "a "
+              "line above wrong?"}},
             {start + early, {}},
             {start + early + early,
              {"lines skipped because they go back in time: 2, the first in line 3"}},
@@ -184,12 +198,19 @@ TEST(TimelineTest, SaysWhatIsWrongOrOdd) {
                            "80 9 C|9|BufferTX - a|0;90 9 C|9|BufferTX - a|2;"),
              {"queue depths below 0, taken as 0: 1, the first in line 4",
               "queue depths that change by more than one: 2, the first in line 3"}},
+            {whole.substr(0, whole.size() - 1),
+             {": expected more gzip data, got the end of the file; was the file cut short?"}},
+            {whole.substr(0, whole.size() - 8) + "12345678",
+             {": the gzip data is damaged; copy the file again"}},
+            {page.substr(0, page.size() - 30), {pageCutShort}},
+            {oldPageOf(start).substr(0, 100), {pageCutShort}},
+            {pageOf("USER PID\n"),
+             {": expected a page with ftrace text, found none in it; was tracing enabled?"}},
             {"999999\n",
              {":1: expected a refresh period of 1000000 to 1000000000 ns, got '999999'"}},
             {"16666666\n0\t0\t0\n5\t9223372036854775807\t6\n",
-             {": no row tells of a frame that was shown"}},
-            {"16666666\n5000\t6000\t50",
-             {":2: ends in the middle of a line; was the dump cut short?"}},
+             {": expected rows of presented frames, got none; was the layer drawing?"}},
+            {"16666666\n5000\t6000\t50", {cutShort(2)}},
             {"16666666\n5\t6000\t5\nx\n5\t7000\t4\n5\t8000\t9000000000000000001\n",
              {"lines that are not rows of a latency dump: 2, the first in line 3",
               "rows skipped because they go back in time: 1, the first in line 4"}},
@@ -198,9 +219,9 @@ TEST(TimelineTest, SaysWhatIsWrongOrOdd) {
         EXPECT_EQ(warningsOf(bytes), warnings) << bytes.substr(0, 300);
 }
 
-TEST(TimelineTest, ReadsWhatTheCompositorDid) {
+TEST(TimelineTest, ReadsTheEvents) {
     const std::pair<std::string, const char*> cases[] = {
-            // The line shapes of all releases, and lines that tell nothing.
+            // Event lines of all releases, and lines without a mark of the compositor.
             {"# tracer: nop\n\n surfaceflinger-90  [000] 5.25: 0: C|90|BufferTX - a|b|1\n"
              "<...>-7 (-----) [001] ...1 6.0: tracing_mark_write: B|90|composite x|y\n"
              "a b-c (1) [0]-7 [011] 7.000001: 0: B|9\n"
@@ -209,7 +230,7 @@ TEST(TimelineTest, ReadsWhatTheCompositorDid) {
              "a-7 ( 990) [001] .... 8.200000000: print: E|9\na-7 [001] d..3 50260.929925: 0: E\r\n",
              "52500 16666666 52500a|b#0=1 60000< 502609299> to 502609299; a|b#0*1 ; "
              "composite sections, none in the trace"},
-            // What happens at one time stays in the order of the trace.
+            // Events of one time stay in the order of the trace.
             {trace("0 5 x;10 92 C|90|VSYNC-sf|1;12 92 C|90|VSYNC|1;20 91 C|90|BufferTX - a#3|-4;"
                    "20 91 C|90|BufferTX - a#3|2;25 9 C|90|VSR-setPeriod|999999;"
                    "26 9 C|90|VSR-setPeriod|11000000;27 9 C|90|VSR-setPeriod|11000001;"
@@ -218,7 +239,7 @@ TEST(TimelineTest, ReadsWhatTheCompositorDid) {
                    "30 92 C|90|VSYNC-sf|0;50 5 x"),
              "0 11111111 10| 20a#3=2 28 7000000 30< 30a#3=1 30> 30| to 50; a#3*1 ; "
              "commit sections, VSYNC-sf"},
-            // The outermost compositions, without those that lack an end.
+            // The outermost compositions that have an end.
             {trace("0 90 E;1 91 +BufferTX - a#0;20 90 B|90|commit 1;21 90 E;"
                    "22 90 B|90|commitTransaction;23 90 B|90|handleMessageRefresh;"
                    "24 90 B|90|postFramebuffer;24 91 B|90|queueBuffer;25 90 E|90;26 91 E|90;"
@@ -227,23 +248,25 @@ TEST(TimelineTest, ReadsWhatTheCompositorDid) {
                    "60 90 B|90|composite 3;"),
              "0 16666666 1a#0=1 11a#0=0 23< 27> 40< 41> 50< 51> to 60; a#0*1 ; "
              "composite sections, none in the trace"},
-            // Without compositions latches tell of them.
+            // Without compositions, latches replace them.
             {trace("0 91 +BufferTX - a#1;41 91 +BufferTX - b#2;60 91 C|90|BufferTX - a#1|1;"
                    "90 90 C|90|BufferTX - a#1|0;100 91 +BufferTX - b#2;"),
              "0 16666666 0a#1=1 10< 10a#1=0 10> 41b#2=1 51< 51b#2=0 60a#1=1 90a#1=0 90> 100b#2=1 "
              "110< 110b#2=0 110> to 110; a#1*2 b#2*2 ; latches, none in the trace"},
-            // The fourth row is ready late; the first is unused, the last two are pending.
+            // The fourth frame is ready late; the first row is unused, the last two are pending.
             {"WARNING: something\n16700000\n0\t0\t0\n5\t50000000\t10000000\n5\t67000000\t20000000\n"
              "5\t84000000\t75000000\n90000000\t9223372036854775807\t80000000\n0\t0\t90000000\n\n",
              "100 16666666 100layer#0=1 200layer#0=2 333< 333layer#0=1 333> 500| 503< "
              "503layer#0=0 503> 670| 750layer#0=1 750< 750layer#0=0 750> 840| to 840; layer#0*3 ; "
-             "present times, less a refresh, present times"},
+             "present times minus a refresh period, present times"},
     };
-    for (const auto& [bytes, timeline] : cases)
-        EXPECT_EQ(describe(read(bytes)), timeline);
+    for (const auto& [bytes, timeline] : cases) {
+        for (const size_t maxRead : {size_t(1), size_t(64), kWhole})
+            EXPECT_EQ(describe(read(bytes, {}, maxRead)), timeline) << "in reads of " << maxRead;
+    }
 }
 
-TEST(TimelineTest, TellsLayersFromOtherCounters) {
+TEST(TimelineTest, RecognisesLayers) {
     const std::string marks =
             "0 90 B|90|postFramebuffer;1 90 E;2 91 B|90|Slotted: 3;3 91 E;"
             "4 91 B|90|FramebufferSurface: 1;5 91 E;120 91 +Crossing;140 91 +aq:x;160 91 +oq:x;"
@@ -257,7 +280,7 @@ TEST(TimelineTest, TellsLayersFromOtherCounters) {
     EXPECT_EQ(layersOf(read(trace(marks + "950 91 +BufferTX - Newer#12;"))), "Newer#12*1 ");
 }
 
-TEST(TimelineTest, PicksTheSourceOfThePeriod) {
+TEST(TimelineTest, ChoosesTheSourceOfThePeriod) {
     std::string marks;
     for (int i = 0; i < 20; ++i)
         marks += std::to_string(i * 167) + " 91 +BufferTX - a#0;";
@@ -272,7 +295,7 @@ TEST(TimelineTest, PicksTheSourceOfThePeriod) {
     int time = 10'000;
     for (const auto& [counter, interval, value, source, periodNs] : steps) {
         for (int i = 0; i < 6; ++i)
-            marks += format("%d 92 C|90|%s|%d;", time += interval, counter, value + i % 2);
+            marks += fmt::format("{} 92 C|90|{}|{};", time += interval, counter, value + i % 2);
         const Timeline timeline = read(trace(marks));
         EXPECT_EQ(periodSourceText(timeline.periodSource, timeline.periodCounter), source);
         EXPECT_EQ(timeline.events[0].periodNs, periodNs) << source;
@@ -280,7 +303,7 @@ TEST(TimelineTest, PicksTheSourceOfThePeriod) {
     EXPECT_EQ(read(trace(marks), {{}, 59.94}).events[0].periodNs, 16'683'350);
 }
 
-TEST(TimelineTest, FindsTheLayerAskedFor) {
+TEST(TimelineTest, FindsTheRequestedLayer) {
     const std::string text =
             trace("0 91 +BufferTX - StatusBar;100 91 +BufferTX - com.a/com.a.Main#7;"
                   "200 91 +BufferTX - com.a/com.a.Main#7;300 91 +BufferTX - Wall#1;"
@@ -288,8 +311,8 @@ TEST(TimelineTest, FindsTheLayerAskedFor) {
     EXPECT_EQ(read(text).focusedLayer, 1u);
     EXPECT_EQ(read(text, {"Other", {}}).focusedLayer, 3u);
     EXPECT_EQ(warningsOf(text, {"com.a.Main", {}}),
-              Texts{": no layer 'com.a.Main' has frames, the closest are 'com.a/com.a.Main#7', "
-                    "'StatusBar#0', 'Wall#1'"});
+              Texts{": no layer 'com.a.Main' has frames; the closest names are "
+                    "'com.a/com.a.Main#7', 'StatusBar#0', 'Wall#1'"});
     EXPECT_EQ(layersOf(read("16666666\n5\t60000\t5\n", {"com.a#7", {}})), "com.a#7*1 ");
 }
 

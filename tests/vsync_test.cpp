@@ -4,7 +4,7 @@ using namespace brevold::test;
 
 using VsyncTest = TargetAppTest;
 
-// At that frame rate, one millisecond past a tick.
+// The verdict at this frame rate, one millisecond after a tick.
 static int verdictAt(int fps, int queuedFrames = 0) {
     measure(kSecondNs / fps);
     advance(1000000);
@@ -27,7 +27,7 @@ TEST_F(VsyncTest, ModePeriodAndQueueDecide) {
             {30, 16000001, 16999999, 3, ""},
             {24, 1, 0, 2, ""},
             {40, 1, 0, 2, ""}};
-    for (const auto& [fps, lowNs, highNs, fewestForBoost, downHint] : rows) {
+    for (const auto& [fps, minNs, maxNs, minQueuedForBoost, downHint] : rows) {
         measure(kSecondNs / fps);
         advance(1000000);
         for (const int64_t periodNs :
@@ -36,17 +36,17 @@ TEST_F(VsyncTest, ModePeriodAndQueueDecide) {
             SCOPED_TRACE(std::to_string(fps) + " " + std::to_string(periodNs));
             const bool is60Hz = periodNs >= 16000001 && periodNs <= 16999999;
             EXPECT_EQ(brevoldMonitor(0, periodNs), is60Hz && fps <= 30 ? 1 : 0);
-            const bool isInBand = periodNs >= lowNs && periodNs <= highNs;
+            const bool isInBand = periodNs >= minNs && periodNs <= maxNs;
             android::brevoldBufferMonitor(2, kLayer, kLayer, 0, kSecondNs, 1, 0, periodNs);
             EXPECT_EQ(takeCalls(), isInBand ? downHint : "");
             for (const int queued : {INT_MIN, 1, 2, 3})
-                EXPECT_EQ(boost(queued), isInBand && queued >= fewestForBoost ? kBoostHint : "");
+                EXPECT_EQ(boost(queued), isInBand && queued >= minQueuedForBoost ? kBoostHint : "");
             EXPECT_EQ(boost(3, 1) + boost(3, -1), "");
         }
     }
 }
 
-TEST_F(VsyncTest, VerdictWantsATickAndAQueueNotBusyTwice) {
+TEST_F(VsyncTest, VerdictRequiresATickAndAQueueNotBusyTwice) {
     android::modeMonitor(100000000);
     advance(kSecondNs + 1);
     android::modeMonitor(100000000);  // mode 0, without a tick
@@ -62,19 +62,19 @@ TEST_F(VsyncTest, VerdictWantsATickAndAQueueNotBusyTwice) {
     EXPECT_EQ(brevoldMonitor(2, kPeriod60Ns), 1);
     EXPECT_EQ(brevoldMonitor(2, kPeriod60Ns), 0);
     EXPECT_EQ(brevoldMonitor(1, kPeriod60Ns), 1);
-    EXPECT_EQ(brevoldMonitor(2, 0), 0);  // counts as busy even so
+    EXPECT_EQ(brevoldMonitor(2, 0), 0);  // the queue still counts as busy
     EXPECT_EQ(brevoldMonitor(INT_MAX, kPeriod60Ns), 0);
     EXPECT_EQ(brevoldMonitor(INT_MIN, kPeriod60Ns), 1);
     host::setTimeNs(INT64_MIN);
     EXPECT_ABORT(brevoldMonitor(0, kPeriod60Ns));
 }
 
-TEST_F(VsyncTest, VerdictWantsJankBoostAndTheTargetAppOnAnUnchangedLayer) {
+TEST_F(VsyncTest, VerdictRequiresJankBoostAndTheTargetAppOnAnUnchangedLayer) {
     submit(frame(0, "com.example.other#0"));
     EXPECT_EQ(verdictAt(30), 0);
     submit(frame(0, "com.example.other#0"));
     EXPECT_EQ(verdictAt(30, 2), 1);
-    restartWith("com.example.third#0");  // forgets that the queue was busy
+    restartWith("com.example.third#0");  // resets the busy queue
     EXPECT_EQ(verdictAt(30, 2), 1);
     gDevice.appType = 1;
     restartWith("com.example.fourth#0");
@@ -89,7 +89,7 @@ TEST_F(VsyncTest, VerdictWantsJankBoostAndTheTargetAppOnAnUnchangedLayer) {
     EXPECT_EQ(verdictAt(30), 0);
 }
 
-TEST_F(VsyncTest, SwitchesOfABoost) {
+TEST_F(VsyncTest, SwitchesThatABoostRequires) {
     for (const int switches : {0, 1, 2, 3}) {
         gDevice.properties["vendor.display.use_smooth_motion"] = switches % 2 == 1 ? "1" : "0";
         gDevice.properties["vendor.perf.jr10.enable"] = switches >= 2 ? "1" : "0";
@@ -97,10 +97,10 @@ TEST_F(VsyncTest, SwitchesOfABoost) {
         measure(kSecondNs / 30);
         EXPECT_EQ(boost(3), switches != 0 ? kBoostHint : "") << switches;
         measure(kPeriod60Ns);
-        EXPECT_EQ(boost(2), kBoostHint);  // the other modes want neither
+        EXPECT_EQ(boost(2), kBoostHint);  // the other modes require neither
     }
     android::brevoldBufferMonitor(0, "x", kLayer, 0, 0, 0, 0, kPeriod90Ns);
-    EXPECT_EQ(boost(3), "");  // a report that decides nothing still tells the period
+    EXPECT_EQ(boost(3), "");  // a report without a decision still sets the period
     gDevice.features = {4};
     restartWith("com.example.third#0");
     measure(kPeriod60Ns);

@@ -47,7 +47,7 @@ TEST_F(WorkerTest, QbSendsTheLastRequestAtEveryWakeUp) {
     host::holdWorkers();
     android::energyScaling(0.25f, 1, 0, kQb);
     android::energyScaling(0.5f, 1, 0, kQb);
-    host::letWorkersGo();
+    host::releaseWorkers();
     EXPECT_EQ(takeCalls(), kHalf);
     EXPECT_EQ(wake(kQb), kHalf);
     EXPECT_EQ(takeLabels(), "energyScaling[Scale:0.50]; energyScaling[Scale:0.50]");
@@ -56,7 +56,8 @@ TEST_F(WorkerTest, QbSendsTheLastRequestAtEveryWakeUp) {
 TEST_F(WorkerTest, SfBoostsOnceAndReleasesWithTheCount) {
     EXPECT_EQ(requestBoost(), kBoostHint);
     EXPECT_EQ(requestBoost(), "");
-    EXPECT_EQ(request(1.0f, 1, 0, kSf), "");  // not a boost, and one is pending and sent
+    EXPECT_EQ(request(1.0f, 1, 0, kSf),
+              "");  // not a boost request; the pending boost has been sent
     EXPECT_EQ(wake(kSf), "");
     EXPECT_EQ(takeLabels(), "energyScaling[jank]");
     EXPECT_EQ(release(), "hint 4166 0 0x2");
@@ -65,20 +66,20 @@ TEST_F(WorkerTest, SfBoostsOnceAndReleasesWithTheCount) {
     EXPECT_EQ(release(), "");
     EXPECT_EQ(host::signalCount(), signals);
 
-    EXPECT_EQ(wake(kSf), "hint 4166 0 0x0");  // a release even with nothing boosted
+    EXPECT_EQ(wake(kSf), "hint 4166 0 0x0");  // a release even without a boost
     EXPECT_EQ(request(1.0f, 1, 0, kSf), "hint 4166 0 0x0");
     EXPECT_EQ(request(10.0f, 2, 1, kSf), "hint 4166 2000 0xa2710");
-    // Requested while the release is unsent, a boost is only counted.
+    // A boost requested before the release is sent is only counted.
     host::holdWorkers();
     android::releaseScaling();
     android::energyScaling(10.0f, 2, 2, kSf);
-    host::letWorkersGo();
+    host::releaseWorkers();
     EXPECT_EQ(takeCalls(), "hint 4166 0 0x2");
-    EXPECT_EQ(wake(kSf), "hint 4166 0 0x0");  // nothing is pending any more
+    EXPECT_EQ(wake(kSf), "hint 4166 0 0x0");  // nothing is pending
 
     EXPECT_EQ(requestBoost(), kBoostHint);
     android::clearConfigs();
-    EXPECT_EQ(release(), "hint 4166 0 0x1");  // with the feature off
+    EXPECT_EQ(release(), "hint 4166 0 0x1");  // even with the feature off
 }
 
 TEST_F(WorkerTest, NothingIsSentBeforeTheFirstRequestOrWithoutAMode) {
@@ -97,7 +98,7 @@ TEST_F(WorkerTest, DropsRequestsWithoutDirectionChannelOrFeature) {
     EXPECT_EQ(host::signalCount(), signals);
 }
 
-TEST_F(WorkerTest, AFailedWaitEndsTheThreadForGood) {
+TEST_F(WorkerTest, AFailedWaitEndsTheThread) {
     host::failWait(kQb, EINVAL);
     host::settle();
     EXPECT_EQ(takeLogTexts(), std::string("error waiting for new events: ") + strerror(EINVAL) +
@@ -107,7 +108,7 @@ TEST_F(WorkerTest, AFailedWaitEndsTheThreadForGood) {
     EXPECT_EQ(takeLogTexts(), "");
 }
 
-TEST_F(WorkerTest, OutputWantsDebugAndSectionsTheTag) {
+TEST_F(WorkerTest, OutputRequiresDebugAndSectionsTheTag) {
     host::setEnabledTraceTags(~uint64_t{1});
     EXPECT_EQ(requestBoost(), kBoostHint);
     EXPECT_TRUE(host::takeTraceMarks().empty());
@@ -123,24 +124,24 @@ TEST_F(WorkerTest, OutputWantsDebugAndSectionsTheTag) {
     EXPECT_EQ(takeLogTexts(), "");
 }
 
-static sem_t gHintBegun;
-static sem_t gHintMayEnd;
+static sem_t gHintStarted;
+static sem_t gHintMayFinish;
 
-// Returns while the service still works on a request of the "QB" worker.
+// Returns while the service is still handling a hint of the "QB" worker.
 static void startHint() {
     measure(kPeriod60Ns);
-    sem_init(&gHintBegun, 0, 0);
-    sem_init(&gHintMayEnd, 0, 0);
+    sem_init(&gHintStarted, 0, 0);
+    sem_init(&gHintMayFinish, 0, 0);
     gDevice.duringCall = [] {
         gDevice.duringCall = nullptr;
-        sem_post(&gHintBegun);
-        sem_wait(&gHintMayEnd);
+        sem_post(&gHintStarted);
+        sem_wait(&gHintMayFinish);
     };
     android::energyScaling(0.5f, 1, 0, kQb);
-    sem_wait(&gHintBegun);
+    sem_wait(&gHintStarted);
 }
 
-TEST_F(WorkerTest, AHintUnderWayHoldsUpNobodyWhoPostsNothingToItsWorker) {
+TEST_F(WorkerTest, AHintInProgressBlocksOnlyRequestsToItsWorker) {
     startHint();
     EXPECT_TRUE(brevoldCheck("sf"));
     brevoldRefresh();
@@ -148,15 +149,15 @@ TEST_F(WorkerTest, AHintUnderWayHoldsUpNobodyWhoPostsNothingToItsWorker) {
     LayerFrameInfo info = frame();
     EXPECT_EQ(brevoldOnFrameAvailable(&info), 0);
     EXPECT_EQ(brevoldScaling(2, 0), 0);
-    sem_post(&gHintMayEnd);
+    sem_post(&gHintMayFinish);
     EXPECT_EQ(takeCalls(), std::string(kHalf) + "; " + kBoostHint);
 }
 
-TEST_F(WorkerTest, AHintUnderWayOutlivesANewInitialisation) {
+TEST_F(WorkerTest, AHintInProgressSurvivesANewInitialisation) {
     startHint();
     android::clearConfigs();
     EXPECT_TRUE(brevoldInit());
-    sem_post(&gHintMayEnd);
+    sem_post(&gHintMayFinish);
     EXPECT_EQ(takeCalls(), kHalf);
     takeLogTexts();
     EXPECT_EQ(wake(kSf) + wake(kQb), kHalf);

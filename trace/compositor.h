@@ -1,61 +1,41 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 #include <vector>
 
-#include "base/line_count.h"
 #include "trace/trace_marks.h"
 
 namespace brevold::trace {
 
-struct DepthChange {
-    int64_t timeNs;
-    int64_t line;
-    int32_t depth;
-    bool isFall;
-};
-
-struct QueuedLayer {
-    std::string name;
-    std::vector<DepthChange> depths;  // not empty
-    LineCount belowZero;              // taken as 0
-    LineCount jumps;                  // up or down by more than one
-};
-
-/** The compositor among the processes of a trace. The marks have to outlive it. */
+/** The compositor's process and thread. The marks have to outlive it. */
 class Compositor {
   public:
+    using Values = std::vector<CounterValue>;
+
+    /** Chooses the process with the most marks that only a compositor has. */
     explicit Compositor(const TraceMarks& marks);
 
     int32_t pid() const { return mPid; }
     /** The thread that composes. */
     int32_t tid() const { return mTid; }
 
-    /** Layers whose queue depth changes, in the order of their first mention. */
-    std::vector<QueuedLayer> layers() const;
+    const std::deque<CounterTrack>& tracks() const { return mMarks.tracks(); }
+    /** The changes of a track's value, including its first value. None for other processes. */
+    const Values& changesOf(size_t track) const { return mChanges[track]; }
+    /** The changes of the counter with this name. None if there is no such counter. */
+    const Values& changesOf(std::string_view name) const;
 
-    /** Sections of its thread that compose, else those that commit; maybe none at all. */
+    /** The sections of its thread that compose, else those that commit. May be empty. */
     std::vector<const Section*> compositions() const;
 
-    /** Where a counter takes another value; its first value is one. */
-    std::vector<CounterValue> changesOf(std::string_view name) const;
-
-    /** Names of the vsync counters that tick with the display, best first. */
-    std::vector<std::string> periodVsyncs() const;
-
   private:
-    using Values = std::vector<CounterValue>;
-
     int32_t findProcess() const;
     int32_t findThread() const;
-    bool crossesThreads(const Values& changes) const;
 
     const TraceMarks& mMarks;
     int32_t mPid;
-    /** Changes of each track; empty for other processes. */
-    std::vector<Values> mChanges;
+    std::vector<Values> mChanges;  // of each track
     int32_t mTid;
 };
 

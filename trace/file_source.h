@@ -1,37 +1,37 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
 
+#include "base/descriptor.h"
 #include "base/progress.h"
-
-struct gzFile_s;
+#include "trace/byte_source.h"
 
 namespace brevold::trace {
 
-/** The bytes of a file or a pipe, decompressed where they are gzip. */
-class FileBytes {
+/** How often an input is read. */
+enum class Reading : uint8_t { Once, Repeated };
+
+/** The bytes of a file, a pipe or standard input. Shows the progress of reading a file. */
+class FileSource : public ByteSource {
   public:
     /**
-     * Standard input for "-". What cannot be read twice is copied to a nameless temporary file.
-     * Throws InputError, in which the file goes by the name.
+     * Opens `path`; "-" is standard input. Error messages begin with `name`. For Reading::Repeated,
+     * copies a pipe to a temporary file. Throws InputError.
      */
-    FileBytes(const std::string& path, std::string name);
-    ~FileBytes();
-    FileBytes(const FileBytes&) = delete;
-    FileBytes& operator=(const FileBytes&) = delete;
+    FileSource(const std::string& path, std::string name, Reading reading);
 
-    /** Count of the bytes read, less than the size only before the end. Throws InputError. */
-    size_t read(char* bytes, size_t size);
-    /** To the first byte; the progress of reading shows from here to the end. */
-    void rewind();
+    size_t read(char* bytes, size_t size) override;
+    /** Throws InputError for a pipe that was opened with Reading::Once. */
+    void rewind() override;
 
   private:
     const std::string mName;
-    gzFile_s* mFile;
+    Descriptor mFile;
+    int64_t mFirstByte;  // offset of the first byte, or -1 for a pipe
     int64_t mFileBytes;
+    int64_t mBytesRead = 0;
     std::optional<Progress> mProgress;
 };
 

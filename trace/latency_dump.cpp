@@ -1,19 +1,24 @@
 #include "trace/latency_dump.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <limits>
 #include <vector>
 
 #include "base/error.h"
 #include "base/text.h"
+#include "trace/line_reader.h"
+#include "trace/queued_layer.h"
+#include "trace/refresh_period.h"
+#include "trace/timeline_builder.h"
 
 namespace brevold::trace {
 namespace {
 
-constexpr int64_t kShortestPeriodNs = 1'000'000;
-constexpr int64_t kLongestPeriodNs = 1'000'000'000;
-/** Later ones are no times: differences have to fit into 64 bits. */
-constexpr int64_t kLatestNs = 9'000'000'000'000'000'000;
+/** Differences of times have to fit into 64 bits. */
+constexpr int64_t kMaxTimeNs = 9'000'000'000'000'000'000;
+/** Stands for the time of a fence that has not been signalled. */
 constexpr int64_t kPending = std::numeric_limits<int64_t>::max();
 
 struct Row {
@@ -22,37 +27,58 @@ struct Row {
     int64_t readyNs;
 };
 
+// The refresh period, then the desired present, the actual present and the end of rendering of each
+// frame: a slot without a frame, a presented frame, and one that waits for its present.
+//   16666667
+//   0	0	0
+//   48173259011541	48173275678208	48173268244750
+//   48173275678208	9223372036854775807	48173284903499
 bool parseRow(std::string_view line, Row* row) {
     for (int64_t* timeNs : {&row->desiredNs, &row->presentNs, &row->readyNs}) {
         line = trimStart(line);
         const std::string_view word = line.substr(0, line.find_first_of(kBlanks));
         if (!parseWhole(word, timeNs) || *timeNs < 0) return false;
-        if (*timeNs > kLatestNs && *timeNs != kPending) return false;
+        if (*timeNs > kMaxTimeNs && *timeNs != kPending) return false;
         line.remove_prefix(word.size());
     }
     return line.empty();
 }
 
-bool isShown(const Row& row) {
+bool isPresented(const Row& row) {
     const auto isTime = [](int64_t timeNs) { return timeNs != 0 && timeNs != kPending; };
     return isTime(row.presentNs) && isTime(row.readyNs);
 }
 
 class DumpReader {
   public:
-    DumpReader(std::istream& input, const std::string& path) : mLines(input, path), mPath(path) {}
+    DumpReader(ByteSource& text, const std::string& path) : mLines(text, path), mPath(path) {}
 
-    LatencyDump read(const std::string& layer) {
+    Timeline read(const TimelineOptions& options) {
         const int64_t periodNs = readPeriodNs();
         readRows(periodNs);
-        if (mSteps.empty()) throw InputError(mPath + ": no row tells of a frame that was shown");
+        if (mSteps.empty()) {
+            throw InputError(mPath +
+                             ": expected rows of presented frames, got none; "
+                             "was the layer drawing?");
+        }
         std::stable_sort(mSteps.begin(), mSteps.end(),
                          [](const Step& a, const Step& b) { return a.timeNs < b.timeNs; });
-        mDump.startNs = mSteps.front().timeNs;
-        mDump.endNs = mSteps.back().timeNs;
-        add({mDump.startNs, Step::Latch}, "VSR-setPeriod", periodNs);
-        addSteps(layer);
-        return std::move(mDump);
+        Timeline timeline;
+        timeline.startNs = mSteps.front().timeNs;
+        timeline.endNs = mSteps.back().timeNs;
+        addWarning(TraceWarning::Kind::StrayRow, mStrayRows, &timeline.warnings);
+        addWarning(TraceWarning::Kind::OutOfOrderRow, mOutOfOrderRows, &timeline.warnings);
+
+        TimelineBuilder builder(timeline);
+        const bool hasRate = options.refreshRateHz.has_value();
+        timeline.periodSource = hasRate ? PeriodSource::Option : PeriodSource::LatencyDump;
+        builder.addPeriod(timeline.startNs,
+                          hasRate ? periodOfRate(*options.refreshRateHz) : snapPeriod(periodNs));
+        addSteps(builder, builder.addLayer(numberedName(options.layer.value_or("layer"))));
+        timeline.compositionSource = CompositionSource::PresentTimes;
+        timeline.vsyncSource = VsyncSource::PresentTimes;
+        builder.finish();
+        return timeline;
     }
 
   private:
@@ -62,15 +88,14 @@ class DumpReader {
     };
 
     int64_t readPeriodNs() {
-        std::string_view line;
         int64_t periodNs = 0;
-        while (periodNs == 0 && mLines.next(&line)) {
+        for (std::string_view line; periodNs == 0 && mLines.next(&line);) {
             const std::string_view word = trimEnd(line);
             if (!parseWhole(word, &periodNs)) continue;
-            if (periodNs >= kShortestPeriodNs && periodNs <= kLongestPeriodNs) break;
-            throw InputError(mPath + ":" + std::to_string(mLines.lineNumber()) +
-                             ": expected a refresh period of 1000000 to 1000000000 ns, got '" +
-                             std::string(word) + "'");
+            if (periodNs >= kMinPeriodNs && periodNs <= kMaxPeriodNs) break;
+            throw InputError(fmt::format("{}:{}: expected a refresh period of {} to {} ns, got {}",
+                                         mPath, mLines.lineNumber(), kMinPeriodNs, kMaxPeriodNs,
+                                         quote(word)));
         }
         return periodNs;
     }
@@ -82,56 +107,66 @@ class DumpReader {
             if (line.empty()) continue;
             Row row;
             if (!parseRow(line, &row)) {
-                mDump.strayRows.add(mLines.lineNumber());
+                mStrayRows.add(mLines.lineNumber());
                 continue;
             }
-            if (!isShown(row)) continue;
+            if (!isPresented(row)) continue;
             if (row.readyNs < lastReadyNs) {
-                mDump.backwardRows.add(mLines.lineNumber());
+                mOutOfOrderRows.add(mLines.lineNumber());
                 continue;
             }
             lastReadyNs = row.readyNs;
             mSteps.push_back({row.readyNs, Step::Ready});
-            // A fence can tell of the end of rendering late.
+            // The end of rendering may be reported after the latch, and even after the present.
             mSteps.push_back({std::max(row.readyNs, row.presentNs - periodNs), Step::Latch});
             mSteps.push_back({std::max(row.readyNs, row.presentNs), Step::Present});
         }
-        if (mLines.isCutShort()) {
-            throw InputError(mPath + ":" + std::to_string(mLines.lineNumber() + 1) +
-                             ": ends in the middle of a line; was the dump cut short?");
-        }
+        mLines.requireWholeLines();
     }
 
-    void addSteps(const std::string& layer) {
-        const std::string depthName = std::string(kBufferTx) + layer;
-        int64_t depth = 0;
-        int64_t vsyncs = 0;
+    void addSteps(TimelineBuilder& builder, int32_t layer) {
+        int32_t depth = 0;
+        TracePoint at = {0, 0};
         for (const Step& step : mSteps) {
-            if (step.kind == Step::Present) {
-                add(step, "VSYNC", vsyncs++ % 2);
-            } else {
-                depth += step.kind == Step::Ready ? 1 : -1;
-                add(step, depthName, depth);
+            at = {step.timeNs, at.line + 1};
+            switch (step.kind) {
+                case Step::Ready:
+                    builder.addFrame(at, layer, ++depth);
+                    break;
+                case Step::Latch:
+                    builder.addLatch(at, layer, --depth);
+                    break;
+                case Step::Present:
+                    builder.addVsync(at);
+                    break;
             }
         }
-    }
-
-    void add(const Step& step, std::string_view name, int64_t value) {
-        mDump.marks.add({TraceMark::Kind::Counter, step.timeNs, 0, 0, name, value, ++mMarkNumber});
+        builder.addCompositionsFromLatches();
     }
 
     LineReader mLines;
     const std::string& mPath;
     std::vector<Step> mSteps;
-    LatencyDump mDump;
-    int64_t mMarkNumber = 0;
+    LineCount mStrayRows;
+    LineCount mOutOfOrderRows;
 };
 
 }  // namespace
 
-LatencyDump readLatencyDump(std::istream& input, const std::string& path,
-                            const std::string& layer) {
-    return DumpReader(input, path).read(layer);
+bool isLatencyDump(std::string_view head) {
+    // A warning may precede the refresh period.
+    for (int i = 0; i < 2; ++i) {
+        const std::string_view line = trimEnd(takeUntil('\n', &head));
+        if (!line.empty() && line.find_first_not_of("0123456789") == std::string_view::npos) {
+            return true;
+        }
+    }
+    return false;
+}
+
+Timeline readLatencyDump(ByteSource& text, const std::string& path,
+                         const TimelineOptions& options) {
+    return DumpReader(text, path).read(options);
 }
 
 }  // namespace brevold::trace

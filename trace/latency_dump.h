@@ -1,33 +1,23 @@
 #pragma once
 
-#include <cstdint>
-#include <istream>
 #include <string>
+#include <string_view>
 
-#include "trace/trace_marks.h"
+#include "trace/byte_source.h"
+#include "trace/timeline.h"
+#include "trace/timeline_options.h"
 
 namespace brevold::trace {
 
-/**
- * What "dumpsys SurfaceFlinger --latency" prints: the refresh period in ns, then a row a frame with
- * the times of its desired present, actual present and end of rendering ("ready").
- */
-struct LatencyDump {
-    /**
-     * The same in the marks of a trace: a frame is queued when it is ready, and taken one refresh
-     * before its present, at which a vsync ticks. What was queued and never shown is not in it.
-     */
-    TraceMarks marks;
-    int64_t startNs = 0;
-    int64_t endNs = 0;
-    /** Rows that are none, with the line of the first. */
-    LineCount strayRows;
-    /** Rows whose frame was ready before that of an earlier row. */
-    LineCount backwardRows;
-};
+/** Returns true if a text that begins with `head` is a latency dump. */
+bool isLatencyDump(std::string_view head);
 
-/** Reads a dump whose layer is to have the name. Throws InputError, calling the dump by its path.
+/**
+ * Reads what "dumpsys SurfaceFlinger --latency LAYER" prints. A frame is queued when its rendering
+ * is done and latched one refresh period before its present, which is a vsync. Frames that were not
+ * presented are omitted. The layer is named options.layer, else "layer". Throws InputError, with
+ * messages that begin with `path`.
  */
-LatencyDump readLatencyDump(std::istream& input, const std::string& path, const std::string& layer);
+Timeline readLatencyDump(ByteSource& text, const std::string& path, const TimelineOptions& options);
 
 }  // namespace brevold::trace

@@ -6,34 +6,49 @@
 #include <string_view>
 
 #include "base/error.h"
-#include "trace/ftrace_reader.h"
+#include "trace/event_line.h"
 
 namespace brevold::trace {
 namespace {
 
-constexpr size_t kBlockBytes = 32 * 1024;
-/** So much of an element tells whether it is a trace. */
-constexpr size_t kHeadBytes = 4096;
-/** What of an element may belong to its end: blanks, and the closing tag. */
-constexpr size_t kTailBytes = 64;
+// A page of Android 4.1 to 4.3:
+//     <script>
+//       var linuxPerfData = "\
+//     # tracer: nop\n\
+//          RenderThread-3487  [001] 50260.929925: 0: B|3487|draw \"board\"\n\
+//           SurfaceView-112   [000] 50260.931207: 0: E\n";
+//     </script>
+// A page of later releases:
+//     <script class="trace-data" type="application/text">
+//     # tracer: nop
+//      RenderThread-5120  (5088) [006] .... 8341.220197: tracing_mark_write: B|5088|draw "board"
+//      RenderThread-5120  (5088) [006] .... 8341.223340: tracing_mark_write: E|5088
+//       </script>
 constexpr std::string_view kElement = "<script class=\"trace-data\"";
 constexpr std::string_view kElementEnd = "</script>";
 constexpr std::string_view kString = "linuxPerfData = \"";
 
+constexpr size_t kBlockBytes = 32 * 1024;
+/** The beginning of an element that decides if it is a trace. */
+constexpr size_t kHeadBytes = 4096;
+/** The end of an element that may be blanks and the closing tag. */
+constexpr size_t kTailBytes = 64;
+
 }  // namespace
 
 bool isPage(const std::string& head) {
-    const size_t begin = head.find_first_not_of(" \t\r\n");
-    if (begin == std::string::npos) return false;
+    const size_t first = head.find_first_not_of(" \t\r\n");
+    if (first == std::string::npos) return false;
     const auto startsWith = [&](const char* word, size_t length) {
-        return strncasecmp(head.c_str() + begin, word, length) == 0;
+        return strncasecmp(head.c_str() + first, word, length) == 0;
     };
     return startsWith("<!doctype", 9) || startsWith("<html", 5);
 }
 
-PageText::PageText(FileBytes& bytes, std::string name) : mBytes(bytes), mName(std::move(name)) {}
+PageSource::PageSource(std::unique_ptr<ByteSource> page, std::string name)
+      : mInput(std::move(page)), mName(std::move(name)) {}
 
-size_t PageText::read(char* text, size_t size) {
+size_t PageSource::read(char* text, size_t size) {
     while (mGiven == mText.size()) {
         mText.clear();
         mGiven = 0;
@@ -42,24 +57,33 @@ size_t PageText::read(char* text, size_t size) {
             checkEnd();
             return 0;
         }
-        const size_t held = mPage.size();
-        mPage.resize(held + kBlockBytes);
-        const size_t count = mBytes.read(mPage.data() + held, kBlockBytes);
-        mPage.resize(held + count);
+        char block[kBlockBytes];
+        const size_t count = mInput->read(block, sizeof(block));
+        mPage.append(block, count);
         mIsAtEnd = count == 0;
     }
-    const size_t count = std::min(size, mText.size() - mGiven);
-    mText.copy(text, count, mGiven);
+    const size_t count = mText.copy(text, size, mGiven);
     mGiven += count;
     return count;
 }
 
+void PageSource::rewind() {
+    mInput->rewind();
+    mPlace = Place::Outside;
+    mHasTrace = false;
+    mIsAtEnd = false;
+    mPage.clear();
+    mText.clear();
+    mGiven = 0;
+    mLast = '\n';
+}
+
 /** Whether it got on with what stands in mPage; else that has to grow. */
-bool PageText::advance() {
+bool PageSource::advance() {
     switch (mPlace) {
         case Place::Outside:
             return findTrace() || enterElement();
-        case Place::Element:
+        case Place::TraceElement:
         case Place::OtherElement:
             return takeElement();
         case Place::String:
@@ -68,8 +92,8 @@ bool PageText::advance() {
     return false;
 }
 
-/** Drops what comes before the next trace; true for a string. */
-bool PageText::findTrace() {
+/** Drops the bytes before the next element or string. Returns true at a string. */
+bool PageSource::findTrace() {
     const size_t element = mPage.find(kElement);
     const size_t string = mPage.find(kString);
     if (string < element) {
@@ -83,9 +107,9 @@ bool PageText::findTrace() {
     return false;
 }
 
-bool PageText::enterElement() {
-    const size_t tagEnd =
-            mPage.compare(0, kElement.size(), kElement) == 0 ? mPage.find('>') : std::string::npos;
+bool PageSource::enterElement() {
+    if (mPage.compare(0, kElement.size(), kElement) != 0) return false;
+    const size_t tagEnd = mPage.find('>');
     if (tagEnd == std::string::npos) return false;
     const size_t end = mPage.find(kElementEnd, tagEnd);
     if (end == std::string::npos && mPage.size() - tagEnd < kHeadBytes && !mIsAtEnd) return false;
@@ -93,16 +117,16 @@ bool PageText::enterElement() {
     mPage.erase(0, std::min({first, end, mPage.size()}));
     const std::string_view head = std::string_view(mPage).substr(0, kHeadBytes);
     const bool isTrace = beginsAsFtrace(head.substr(0, head.find(kElementEnd)));
-    mPlace = isTrace ? Place::Element : Place::OtherElement;
+    mPlace = isTrace ? Place::TraceElement : Place::OtherElement;
     mHasTrace |= isTrace;
     return true;
 }
 
-bool PageText::takeElement() {
+bool PageSource::takeElement() {
     const size_t end = mPage.find(kElementEnd);
     const bool isWhole = end != std::string::npos;
     const size_t taken = isWhole ? end : mPage.size() - std::min(mPage.size(), kTailBytes);
-    if (mPlace == Place::Element) {
+    if (mPlace == Place::TraceElement) {
         mText.assign(mPage, 0, taken);
         if (isWhole) finishLines();
     }
@@ -111,13 +135,13 @@ bool PageText::takeElement() {
     return isWhole || taken > 0;
 }
 
-/** Ends the last line; one of blanks is the indentation of the closing tag. */
-void PageText::finishLines() {
+/** Ends the last line. A last line of blanks is the indentation of the closing tag; drop it. */
+void PageSource::finishLines() {
     mText.erase(mText.find_last_not_of(" \t") + 1);
     if (!mText.empty() && mText.back() != '\n') mText += '\n';
 }
 
-bool PageText::takeString() {
+bool PageSource::takeString() {
     size_t i = 0;
     for (; i < mPage.size() && mPage[i] != '"'; ++i) {
         if (mPage[i] != '\\') {
@@ -139,11 +163,17 @@ bool PageText::takeString() {
     return isWhole || i > 0;
 }
 
-void PageText::checkEnd() const {
+void PageSource::checkEnd() const {
     if (mPlace != Place::Outside) {
-        throw InputError(mName + ": ends inside of a script element; was the file cut short?");
+        throw InputError(mName +
+                         ": expected the end of a script element, got the end of the "
+                         "page; was the file cut short?");
     }
-    if (!mHasTrace) throw InputError(mName + ": is a web page without an ftrace text in it");
+    if (!mHasTrace) {
+        throw InputError(mName +
+                         ": expected a page with ftrace text, found none in it; "
+                         "was tracing enabled?");
+    }
 }
 
 }  // namespace brevold::trace

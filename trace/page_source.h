@@ -1,31 +1,30 @@
 #pragma once
 
-#include <cstddef>
+#include <memory>
 #include <string>
 
-#include "trace/file_source.h"
+#include "trace/byte_source.h"
 
 namespace brevold::trace {
 
-/** Whether a file that begins so is a web page. */
+/** Returns true if bytes that begin with `head` are a web page. */
 bool isPage(const std::string& head);
 
 /**
- * The trace in a page that systrace wrote: its script elements of the class "trace-data" that hold
- * ftrace text (a list of processes may stand in others), or in older pages the string
- * "linuxPerfData".
+ * The ftrace text in a page that systrace wrote: the contents of the script elements of class
+ * "trace-data" that begin as ftrace text, or, in older pages, the string "linuxPerfData".
  */
-class PageText {
+class PageSource : public ByteSource {
   public:
-    /** The bytes stand at the page's first one. Messages call it by the name. */
-    PageText(FileBytes& bytes, std::string name);
+    /** Error messages begin with `name`. */
+    PageSource(std::unique_ptr<ByteSource> page, std::string name);
 
-    /** As FileBytes::read; throws InputError also where the page ends too early, or has no trace.
-     */
-    size_t read(char* text, size_t size);
+    /** Throws InputError also if the page is incomplete or has no ftrace text. */
+    size_t read(char* text, size_t size) override;
+    void rewind() override;
 
   private:
-    enum class Place { Outside, Element, OtherElement, String };
+    enum class Place { Outside, TraceElement, OtherElement, String };
 
     bool advance();
     bool findTrace();
@@ -35,15 +34,15 @@ class PageText {
     void finishLines();
     void checkEnd() const;
 
-    FileBytes& mBytes;
+    const std::unique_ptr<ByteSource> mInput;
     const std::string mName;
     Place mPlace = Place::Outside;
     bool mHasTrace = false;
     bool mIsAtEnd = false;
-    std::string mPage;  // read, and not yet looked at
-    std::string mText;  // found, and not yet handed out from mGiven on
+    std::string mPage;  // read and not yet parsed
+    std::string mText;  // parsed; read() has given the first mGiven bytes
     size_t mGiven = 0;
-    char mLast = '\n';  // of the string so far
+    char mLast = '\n';  // last byte of the string so far
 };
 
 }  // namespace brevold::trace

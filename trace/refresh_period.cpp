@@ -10,10 +10,10 @@ namespace {
 
 constexpr int64_t kKnownPeriodsNs[] = {kPeriod60Ns, kPeriod90Ns, kPeriod120Ns};
 constexpr int64_t kSnapPercent = 3;
-// More than the above, so that a rate at the edge of a snap does not go in and out of it.
+// Larger than kSnapPercent: a rate at the edge of the snap must not alternate.
 constexpr int64_t kStayPercent = 4;
-constexpr int64_t kMostTicks = 3;
-constexpr int64_t kLongestIntervalNs = 52'000'000;
+constexpr int64_t kMaxTicks = 3;
+constexpr int64_t kMaxIntervalNs = 52'000'000;
 constexpr size_t kWindow = 15;
 constexpr size_t kConfirmations = 12;
 
@@ -22,7 +22,7 @@ bool isWithin(int64_t percent, int64_t lengthNs, int64_t referenceNs) {
 }
 
 bool isTicksOf(int64_t lengthNs, int64_t periodNs) {
-    for (int64_t ticks = 1; ticks <= kMostTicks; ++ticks) {
+    for (int64_t ticks = 1; ticks <= kMaxTicks; ++ticks) {
         if (isWithin(kSnapPercent, lengthNs, ticks * periodNs)) return true;
     }
     return false;
@@ -33,7 +33,7 @@ bool isKnown(int64_t periodNs) {
            std::end(kKnownPeriodsNs);
 }
 
-/** The last intervals up to some moment. */
+/** The intervals from which the current period is read. */
 class Window {
   public:
     Window(const Interval* begin, const Interval* end) {
@@ -51,7 +51,7 @@ class Window {
         return static_cast<size_t>(near) * 3 >= mSize * 2;
     }
 
-    /** The period it tells, given the current one (0 for none yet); 0 where it tells none. */
+    /** Returns the period, or 0 if it is unclear. currentNs is the last period read, or 0. */
     int64_t readPeriodNs(int64_t currentNs, UnknownRate unknown) const {
         const int64_t lengthNs = medianNs();
         if (currentNs > 0 && isWithin(kStayPercent, lengthNs, currentNs)) return currentNs;
@@ -69,7 +69,7 @@ class Window {
     size_t mSize = 0;
 };
 
-/** Where the intervals up to last began to be nearer to the new period than to the old one. */
+/** Returns the first interval of the new period: from it to `last`, most are nearer to newNs. */
 size_t firstOfNewPeriod(const std::vector<Interval>& intervals, size_t first, size_t last,
                         int64_t oldNs, int64_t newNs) {
     int score = 0;
@@ -104,9 +104,8 @@ int64_t periodOfRate(double rateHz) {
 
 std::vector<PeriodChange> followPeriod(const std::vector<Interval>& all, UnknownRate unknown) {
     std::vector<Interval> intervals;
-    std::copy_if(all.begin(), all.end(), std::back_inserter(intervals), [](const Interval& i) {
-        return i.lengthNs > 0 && i.lengthNs <= kLongestIntervalNs;
-    });
+    std::copy_if(all.begin(), all.end(), std::back_inserter(intervals),
+                 [](const Interval& i) { return i.lengthNs > 0 && i.lengthNs <= kMaxIntervalNs; });
     std::vector<PeriodChange> changes;
     if (intervals.size() < 2) return changes;
 

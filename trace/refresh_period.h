@@ -8,8 +8,11 @@ namespace brevold::trace {
 constexpr int64_t kPeriod60Ns = 16'666'666;
 constexpr int64_t kPeriod90Ns = 11'111'111;
 constexpr int64_t kPeriod120Ns = 8'333'333;
+/** Values outside this range are not refresh periods. */
+constexpr int64_t kMinPeriodNs = 1'000'000;
+constexpr int64_t kMaxPeriodNs = 1'000'000'000;
 
-/** The distance between two toggles of a vsync, or between two frames of one layer. */
+/** The time between two toggles of a vsync counter, or between two frames of a layer. */
 struct Interval {
     int64_t endNs;
     int64_t lengthNs;
@@ -21,23 +24,23 @@ struct PeriodChange {
     int64_t periodNs;
 };
 
-/** What to make of a steady interval that is no multiple of a period at 60, 90 or 120 Hz. */
+/** How to treat a steady interval that is not a multiple of the period at 60, 90 or 120 Hz. */
 enum class UnknownRate : uint8_t { Keep, Ignore };
 
-/** The exact period at 60, 90 or 120 Hz where the given one is within 3 %, else the given one. */
+/** Returns the exact period at 60, 90 or 120 Hz if periodNs is within 3 % of it, else periodNs. */
 int64_t snapPeriod(int64_t periodNs);
 
-/** The period of a rate: the one above for 60, 90 and 120, else rounded to the nearest ns. */
+/** Returns the period of a rate, exact for 60, 90 and 120 Hz, else rounded to the nearest ns. */
 int64_t periodOfRate(double rateHz);
 
 /**
- * Follows the refresh period along intervals that are in order of their ends. A steady interval of
- * twice or thrice a period is read as that period, of which ticks were skipped; the lowest of 60,
- * 90 and 120 Hz is preferred, unless the period until then fits too.
+ * Follows the refresh period along intervals in the order of their ends. A steady interval of two
+ * or three periods counts as one period with skipped ticks. If several of 60, 90 and 120 Hz fit,
+ * the current period is preferred, then the lowest rate.
  *
- * Intervals too long for a display are pauses, and left out. A change has to hold for some twenty
- * intervals; it is then dated back to the first of them. The first entry is the initial period, its
- * time without meaning. Empty where fewer than two intervals are left, or none of them tells.
+ * Ignores intervals too long for a display; they are pauses. A change has to last for about twenty
+ * intervals, and is then dated back to the first of them. The first entry is the initial period;
+ * ignore its time. Returns no entry if fewer than two intervals are left or none has a period.
  */
 std::vector<PeriodChange> followPeriod(const std::vector<Interval>& intervals, UnknownRate unknown);
 

@@ -1,87 +1,46 @@
 #include "trace/trace_input.h"
 
-#include <optional>
-#include <streambuf>
 #include <string_view>
-#include <vector>
 
 #include "base/text.h"
-#include "trace/file_source.h"
+#include "trace/gzip_source.h"
+#include "trace/head_source.h"
+#include "trace/latency_dump.h"
 #include "trace/page_source.h"
 
 namespace brevold::trace {
 namespace {
 
 constexpr size_t kHeadBytes = 4096;
-constexpr size_t kBlockBytes = 32 * 1024;
 
-/** A number alone in the first line, or in the second where a warning comes first. */
-bool isLatencyDump(std::string_view head) {
-    for (int i = 0; i < 2; ++i) {
-        const std::string_view line = trimEnd(takeUntil('\n', &head));
-        if (!line.empty() && line.find_first_not_of("0123456789") == std::string_view::npos) {
-            return true;
-        }
-    }
-    return false;
+std::string nameOf(const std::string& path) {
+    return path == "-" ? "standard input" : path;
 }
 
 }  // namespace
 
-class TraceInput::Buffer : public std::streambuf {
-  public:
-    Buffer(const std::string& path, const std::string& name)
-          : mName(name), mBytes(path, name), mBlock(kBlockBytes) {}
+TraceInput::TraceInput(const std::string& path, Reading reading)
+      : TraceInput(std::make_unique<FileSource>(path, nameOf(path), reading), nameOf(path)) {}
 
-    std::string head() {
-        std::string head(kHeadBytes, '\0');
-        head.resize(mBytes.read(head.data(), head.size()));
-        return head;
+TraceInput::TraceInput(std::unique_ptr<ByteSource> bytes, std::string name)
+      : mName(std::move(name)) {
+    auto source = std::make_unique<HeadSource>(std::move(bytes), kHeadBytes);
+    if (isGzip(source->head())) {
+        auto plain = std::make_unique<GzipSource>(std::move(source), mName);
+        source = std::make_unique<HeadSource>(std::move(plain), kHeadBytes);
     }
-
-    void restart(bool isPage) {
-        mBytes.rewind();
-        mPage.reset();
-        if (isPage) mPage.emplace(mBytes, mName);
-        mIsPage = isPage;
-        setg(nullptr, nullptr, nullptr);
+    const std::string& head = source->head();
+    mKind = isLatencyDump(head) ? Kind::LatencyDump : Kind::FtraceText;
+    if (isPage(head)) {
+        mText = std::make_unique<PageSource>(std::move(source), mName);
+    } else {
+        mText = std::move(source);
     }
-
-    bool isPage() const { return mIsPage; }
-
-  protected:
-    int_type underflow() override {
-        const size_t count = mPage ? mPage->read(mBlock.data(), mBlock.size())
-                                   : mBytes.read(mBlock.data(), mBlock.size());
-        setg(mBlock.data(), mBlock.data(), mBlock.data() + count);
-        return count == 0 ? traits_type::eof() : traits_type::to_int_type(*gptr());
-    }
-
-  private:
-    const std::string mName;
-    FileBytes mBytes;
-    std::vector<char> mBlock;
-    std::optional<PageText> mPage;
-    bool mIsPage = false;
-};
-
-TraceInput::TraceInput(const std::string& path)
-      : mName(path == "-" ? "standard input" : path),
-        mBuffer(std::make_unique<Buffer>(path, mName)),
-        mStream(mBuffer.get()) {
-    // A stream otherwise swallows what its buffer throws.
-    mStream.exceptions(std::ios::badbit);
-    const std::string head = mBuffer->head();
-    mKind = isLatencyDump(head) ? Kind::Latency : Kind::Ftrace;
-    mBuffer->restart(isPage(head));
 }
 
-TraceInput::~TraceInput() = default;
-
-std::istream& TraceInput::openText() {
-    mBuffer->restart(mBuffer->isPage());
-    mStream.clear();
-    return mStream;
+ByteSource& TraceInput::open() {
+    mText->rewind();
+    return *mText;
 }
 
 }  // namespace brevold::trace

@@ -1,42 +1,43 @@
 #pragma once
 
 #include <cstdint>
-#include <istream>
 #include <memory>
 #include <string>
+
+#include "trace/byte_source.h"
+#include "trace/file_source.h"
 
 namespace brevold::trace {
 
 /**
- * A trace as its user has it: a file, a pipe, or standard input for "-"; plain or gzip-compressed;
- * an ftrace text, a systrace page with that text inside, or a latency dump of the compositor. The
- * content tells which. One thread.
+ * A recorded trace, plain or gzip-compressed: ftrace text, a systrace page with that text, or a
+ * latency dump of the compositor. The first bytes decide which. One thread.
  */
 class TraceInput {
   public:
-    enum class Kind : uint8_t { Ftrace, Latency };
+    enum class Kind : uint8_t { FtraceText, LatencyDump };
 
-    /** Throws InputError when it cannot be opened or read. */
-    explicit TraceInput(const std::string& path);
-    ~TraceInput();
+    /**
+     * Opens a file or a pipe, or standard input for "-". Pass Reading::Repeated to call open() more
+     * than once. Throws InputError if the input cannot be opened or read.
+     */
+    explicit TraceInput(const std::string& path, Reading reading = Reading::Once);
+    /** A trace with these bytes. Messages call it `name`. */
+    TraceInput(std::unique_ptr<ByteSource> bytes, std::string name);
 
-    /** What messages call it: the path, or "standard input". */
+    /** The path, or "standard input". */
     const std::string& name() const { return mName; }
     Kind kind() const { return mKind; }
 
     /**
-     * Its text from the first line on: of a page, only the trace in it. Each call starts anew,
-     * gives the same bytes and ends the stream of the call before. Reading from the stream throws
-     * InputError where the input is cut short or damaged.
+     * Returns the text from its first byte on: decompressed, and of a page only the trace in it.
+     * Valid as long as this object; a further call rewinds it. Throws InputError.
      */
-    std::istream& openText();
+    ByteSource& open();
 
   private:
-    class Buffer;
-
     const std::string mName;
-    std::unique_ptr<Buffer> mBuffer;
-    std::istream mStream;
+    std::unique_ptr<ByteSource> mText;
     Kind mKind;
 };
 

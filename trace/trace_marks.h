@@ -1,20 +1,18 @@
 #pragma once
 
 #include <deque>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
-#include "trace/ftrace_reader.h"
+#include "trace/counter_role.h"
+#include "trace/timeline.h"
+#include "trace/trace_mark.h"
+#include "trace/trace_point.h"
 
 namespace brevold::trace {
-
-/** What a counter may be, going by its name. */
-enum class CounterRole : uint8_t { Candidate, BufferTx, Vsync, SetPeriod, Unrelated };
-
-/** What the name of a layer follows in the counters of Android 12 and later. */
-constexpr std::string_view kBufferTx = "BufferTX - ";
 
 /** A counter of one process. */
 struct CounterTrack {
@@ -25,29 +23,24 @@ struct CounterTrack {
 };
 
 struct CounterValue {
-    int64_t timeNs;
-    int64_t line;
+    TracePoint at;
     int64_t value;
     int32_t track;  // index of its CounterTrack
     int32_t tid;
 };
 
-/** Names of the sections in which the compositor composes, bare or followed by an argument. */
-constexpr std::string_view kSectionNames[] = {"onMessageRefresh", "handleMessageRefresh",
-                                              "composite", "postFramebuffer", "commit"};
-constexpr int8_t kCommitSection = 4;
-
+/** A section in which the compositor composes or commits. */
 struct Section {
-    int8_t kind;  // index of its name
+    CompositionSource kind;
     int32_t pid;
     int32_t tid;
-    int64_t beginNs;
-    int64_t beginLine;
-    int64_t endNs;
-    int64_t endLine;
+    TracePoint begin;
+    TracePoint end;
+
+    bool isCommit() const { return kind == CompositionSource::Commit; }
 };
 
-/** Keeps of the marks of a trace, of all processes, what may tell of a compositor. */
+/** Collects, for every process, the marks that may identify a compositor. */
 class TraceMarks {
   public:
     void add(const TraceMark& mark);
@@ -56,8 +49,8 @@ class TraceMarks {
     /** In the order of their lines. */
     const std::vector<CounterValue>& counters() const { return mCounters; }
     /**
-     * In the order of their ends; without those inside of another one, where commits count apart
-     * from the rest, and without those that lack a begin or an end.
+     * The complete sections, in the order of their ends. Composing sections inside composing ones
+     * and commits inside commits are omitted.
      */
     const std::vector<Section>& sections() const { return mSections; }
 
@@ -75,15 +68,16 @@ class TraceMarks {
         }
     };
     struct Thread {
-        std::vector<int8_t> nesting;  // kinds of all the open sections, -1 for those of no interest
-        std::vector<Section> open;    // the others
+        // The open sections, outermost first, and details of those that compose or commit.
+        std::vector<std::optional<CompositionSource>> nesting;
+        std::vector<Section> open;
     };
 
     size_t trackOf(int32_t pid, std::string_view name);
     void begin(const TraceMark& mark);
     void end(const TraceMark& mark);
 
-    // A deque, as the keys point to the names.
+    // A deque, because the keys point to the names.
     std::deque<CounterTrack> mTracks;
     std::unordered_map<TrackKey, size_t, TrackHash> mTrackIndices;
     std::unordered_map<int32_t, Thread> mThreads;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <vector>
 
 #include "base/line_count.h"
 
@@ -20,5 +21,11 @@ struct TraceWarning {
     Kind kind;
     LineCount lines;
 };
+
+/** Adds a warning if there are lines that have the oddity. */
+inline void addWarning(TraceWarning::Kind kind, const LineCount& lines,
+                       std::vector<TraceWarning>* warnings) {
+    if (lines.lines != 0) warnings->push_back({kind, lines});
+}
 
 }  // namespace brevold::trace

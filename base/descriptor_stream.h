@@ -1,0 +1,26 @@
+#pragma once
+
+#include <ostream>
+#include <streambuf>
+#include <vector>
+
+#include "base/descriptor.h"
+
+namespace brevold {
+
+/** An output stream that writes to a descriptor. A failed write sets badbit and keeps errno. */
+class DescriptorStream : private std::streambuf, public std::ostream {
+  public:
+    explicit DescriptorStream(Descriptor file);
+
+    const Descriptor& file() const { return mFile; }
+
+  private:
+    int_type overflow(int_type c) override;
+    int sync() override;
+
+    Descriptor mFile;
+    std::vector<char> mBuffer;
+};
+
+}  // namespace brevold

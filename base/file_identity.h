@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace brevold {
+
+/** The name of standard input among the inputs, of standard output among the outputs. */
+constexpr char kStandardStream[] = "-";
+
+/** A file that the user named, and the option or argument that it was given for. */
+struct NamedFile {
+    std::string option;
+    std::string path;
+};
+
+/** Follows symbolic links, also to a file that does not exist. Throws OutputError on a cycle. */
+std::string linkTarget(const std::string& path);
+
+/**
+ * The descriptor of this process that a name leads to: 1 for "-" and "/dev/stdout", 3 for
+ * "/dev/fd/3"; -1 for any other name.
+ */
+int ownDescriptor(const std::string& path);
+
+/** Returns true if both names lead to one file, existing or not. */
+bool isSameFile(const std::string& first, const std::string& second);
+
+/**
+ * Throws OutputError if the name of an output is empty, or leads to the same file as an input or
+ * another output.
+ */
+void requireSeparateFiles(const std::vector<std::string>& inputs,
+                          const std::vector<NamedFile>& outputs);
+
+}  // namespace brevold

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "replay/recording.h"
+
+namespace brevold::replay {
+
+/** What the library did at one time. */
+struct Moment {
+    std::vector<host::Hint> hints;
+    /** Boost verdicts; two vsyncs may have the same stamp. */
+    int32_t verdicts = 0;
+};
+
+/** A time at which two replays of one trace differ. */
+struct Divergence {
+    int64_t timeNs;
+    Moment first;
+    Moment second;
+};
+
+/** Returns the first divergences in time order, at most `maxCount` of them. */
+std::vector<Divergence> firstDivergences(const Recording& first, const Recording& second,
+                                         size_t maxCount);
+
+}  // namespace brevold::replay

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <cstdint>
+
+#include "replay/plot_data.h"
+
+namespace brevold::replay {
+
+/**
+ * Thins a curve over `columns` pixel columns from 0 to `endS` seconds. Keeps the first, last,
+ * minimum and maximum point of each column, and drops breaks narrower than a column. Drawn as
+ * steps, the result covers the same pixels as all points.
+ */
+PlotPoints thin(const PlotPoints& points, double endS, int32_t columns);
+
+}  // namespace brevold::replay

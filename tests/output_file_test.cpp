@@ -1,0 +1,174 @@
+// Output files: what is replaced, what is written directly, and that nothing partial remains.
+
+#include "base/output_file.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "base/error.h"
+#include "base/file_identity.h"
+
+namespace brevold {
+namespace {
+
+namespace fs = std::filesystem;
+
+class OutputFileTest : public testing::Test {
+  protected:
+    OutputFileTest() : mFolder(testing::TempDir() + "output" + std::to_string(getpid())) {
+        fs::create_directory(mFolder);
+        fs::current_path(mFolder);
+    }
+    ~OutputFileTest() override {
+        fs::current_path("/");
+        fs::remove_all(mFolder);
+    }
+
+    static std::string contentOf(const std::string& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+    static void put(const std::string& path, const std::string& content) {
+        std::ofstream(path, std::ios::binary) << content;
+    }
+    static void write(const std::string& path, const std::string& content) {
+        OutputFile file(path);
+        file.stream() << content;
+        file.commit();
+    }
+    static std::string errorOf(const std::string& path) {
+        try {
+            write(path, "x");
+        } catch (const OutputError& error) {
+            return error.what();
+        }
+        return "";
+    }
+    static std::ptrdiff_t fileCount() {
+        return std::distance(fs::directory_iterator("."), fs::directory_iterator());
+    }
+
+    const fs::path mFolder;
+};
+
+TEST_F(OutputFileTest, ReplacesAFileOnlyWhenItIsWhole) {
+    put("a", "old");
+    chmod("a", 0640);
+    {
+        OutputFile file("a");
+        file.stream() << std::string(100'000, 'x');
+        EXPECT_EQ(contentOf("a"), "old");
+        EXPECT_EQ(fileCount(), 2);
+    }
+    EXPECT_EQ(contentOf("a"), "old");
+    EXPECT_EQ(fileCount(), 1);
+    write("a", std::string(100'000, 'y'));
+    EXPECT_EQ(contentOf("a"), std::string(100'000, 'y'));
+    struct stat status;
+    stat("a", &status);
+    EXPECT_EQ(status.st_mode & 07777u, 0640u);
+    const mode_t mask = umask(027);
+    write("b", "new");
+    umask(mask);
+    stat("b", &status);
+    EXPECT_EQ(status.st_mode & 07777u, 0640u);
+    EXPECT_EQ(fileCount(), 2);
+}
+
+TEST_F(OutputFileTest, FollowsLinks) {
+    fs::create_directory("folder");
+    put("folder/a", "old");
+    fs::create_symlink("folder/a", "link");
+    fs::create_symlink("link", "second");
+    fs::create_symlink("folder/none", "dangling");
+    fs::create_symlink("loop", "loop");
+    write("second", "new");
+    write("dangling", "new");
+    EXPECT_EQ(contentOf("folder/a") + contentOf("folder/none"), "newnew");
+    EXPECT_TRUE(fs::is_symlink("second") && fs::is_symlink("link") && fs::is_symlink("dangling"));
+    EXPECT_EQ(errorOf("loop"), "loop: Too many levels of symbolic links");
+}
+
+TEST_F(OutputFileTest, WritesDirectlyWhatIsNotARegularFile) {
+    const int file = open("a", O_RDWR | O_CREAT, 0600);
+    ASSERT_EQ(::write(file, "before ", 7), 7);
+    fs::create_symlink("/dev/fd/" + std::to_string(file), "link");
+    write("/dev/fd/" + std::to_string(file), "one ");
+    write("link", "two");
+    close(file);
+    EXPECT_EQ(contentOf("a"), "before one two");
+    EXPECT_TRUE(fs::is_symlink("link"));
+
+    ASSERT_EQ(mkfifo("fifo", 0600), 0);
+    const int reader = open("fifo", O_RDONLY | O_NONBLOCK);
+    write("fifo", "piped");
+    char bytes[8] = {};
+    EXPECT_EQ(read(reader, bytes, sizeof(bytes)), 5);
+    close(reader);
+    EXPECT_EQ(std::string(bytes), "piped");
+    EXPECT_TRUE(fs::is_fifo("fifo"));
+
+    fs::create_symlink("/dev/full", "full");
+    EXPECT_EQ(errorOf("full"), "full: cannot be written: No space left on device");
+    EXPECT_EQ(errorOf("none/a"), "none/a: cannot be created: No such file or directory");
+    fs::create_directory("folder");
+    EXPECT_EQ(errorOf("folder"), "folder: cannot be opened for writing: Is a directory");
+    EXPECT_EQ(fileCount(), 5);
+}
+
+TEST_F(OutputFileTest, ASignalRemovesThePartialFile) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        const pid_t child = fork();
+        if (child == 0) {
+            OutputFile file("a");
+            raise(signal);
+            _exit(0);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal);
+        EXPECT_EQ(fileCount(), 0);
+    }
+}
+
+TEST_F(OutputFileTest, RefusesTheFileOfAnInputOrOfAnotherOutput) {
+    put("in", "trace");
+    fs::create_symlink("in", "link");
+    fs::create_hard_link("in", "hard");
+    fs::create_directory("folder");
+    const struct {
+        std::vector<NamedFile> outputs;
+        const char* error;
+    } cases[] = {
+            {{{"--hints", "a"}, {"--plot", "b"}}, ""},
+            {{{"--hints", "-"}}, ""},
+            {{{"--hints", ""}}, "--hints: expected the name of a file"},
+            {{{"--hints", "./in"}}, "--hints ./in: is also an input"},
+            {{{"--hints", "link"}}, "--hints link: is also an input"},
+            {{{"--hints", "hard"}}, "--hints hard: is also an input"},
+            {{{"--hints", "a"}, {"--plot", "folder/../a"}},
+             "--plot folder/../a: is also the file of --hints"},
+            {{{"--hints", "-"}, {"--plot", "-"}}, "--plot -: is also the file of --hints"},
+            {{{"--hints", "a"}, {"--plot", "folder/a"}}, ""},
+    };
+    for (const auto& [outputs, error] : cases) {
+        std::string got;
+        try {
+            requireSeparateFiles({"-", "in"}, outputs);
+        } catch (const OutputError& thrown) {
+            got = thrown.what();
+        }
+        EXPECT_EQ(got, error);
+    }
+}
+
+}  // namespace
+}  // namespace brevold

@@ -1,0 +1,65 @@
+#include "trace/line_reader.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cstring>
+
+#include "base/error.h"
+
+namespace brevold::trace {
+namespace {
+
+// The kernel limits a mark to 4 KiB; other events are far shorter than this as well.
+constexpr size_t kMaxLineBytes = 256 * 1024;
+
+}  // namespace
+
+LineReader::LineReader(ByteSource& text, std::string path)
+      : mText(text), mPath(std::move(path)), mBuffer(kMaxLineBytes) {}
+
+bool LineReader::next(std::string_view* line) {
+    size_t searched = 0;
+    for (;;) {
+        const char* begin = mBuffer.data() + mBegin;
+        const void* found = memchr(begin + searched, '\n', mEnd - mBegin - searched);
+        if (found) {
+            *line = {begin, static_cast<size_t>(static_cast<const char*>(found) - begin)};
+            mBegin += line->size() + 1;
+            ++mLineNumber;
+            return true;
+        }
+        searched = mEnd - mBegin;
+        if (!fill()) return false;
+    }
+}
+
+bool LineReader::fill() {
+    std::copy(mBuffer.data() + mBegin, mBuffer.data() + mEnd, mBuffer.data());
+    mEnd -= mBegin;
+    mBegin = 0;
+    if (mEnd == mBuffer.size()) {
+        throw InputError(fmt::format("{}:{}: expected a line of at most {} bytes, got a longer one",
+                                     mPath, mLineNumber + 1, mBuffer.size()));
+    }
+    char* added = mBuffer.data() + mEnd;
+    const size_t count = mText.read(added, mBuffer.size() - mEnd);
+    if (const void* zero = memchr(added, '\0', count)) {
+        throw InputError(fmt::format(
+                "{}: expected text, got binary data at byte {}; record the trace as text", mPath,
+                mBytesRead + (static_cast<const char*>(zero) - added)));
+    }
+    mEnd += count;
+    mBytesRead += static_cast<int64_t>(count);
+    return count > 0;
+}
+
+void LineReader::requireWholeLines() const {
+    if (mBegin == mEnd) return;
+    throw InputError(
+            fmt::format("{}:{}: expected a whole line, got the end of the text; "
+                        "was the recording cut short?",
+                        mPath, mLineNumber + 1));
+}
+
+}  // namespace brevold::trace

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "trace/compositor.h"
+#include "trace/queued_layer.h"
+#include "trace/refresh_period.h"
+#include "trace/timeline.h"
+
+namespace brevold::trace {
+
+/** The refresh periods of a trace. */
+struct RefreshPeriods {
+    PeriodSource source;
+    std::string counter;                // if the source is PeriodSource::VsyncToggles
+    std::vector<PeriodChange> changes;  // the first is the initial period; ignore its time
+};
+
+/** Takes the periods from the best source that the trace has, or from `rateHz` if given. */
+RefreshPeriods findRefreshPeriods(const Compositor& compositor,
+                                  const std::vector<QueuedLayer>& layers,
+                                  std::optional<double> rateHz);
+
+}  // namespace brevold::trace

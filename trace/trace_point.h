@@ -1,0 +1,13 @@
+#pragma once
+
+#include <cstdint>
+
+namespace brevold::trace {
+
+/** A point in a trace. The line orders points of the same time. */
+struct TracePoint {
+    int64_t timeNs;
+    int64_t line;
+};
+
+}  // namespace brevold::trace
