@@ -50,7 +50,8 @@ constexpr const Estimate& at(const Estimates& estimates, Metric metric) {
 
 struct VariantResult {
     Estimates estimates;
-    /** Index into SetupResult::held of the first that misses no more vsyncs. */
+    /** Index into SetupResult::held of the first that misses no more vsyncs and shows as many
+     * frames. */
     std::optional<size_t> equalHeld;
 };
 
@@ -84,14 +85,19 @@ void checkSetup(const Setup& setup);
 std::vector<SetupResult> runExperiment(const std::vector<Setup>& setups,
                                        const ExperimentOptions& options);
 
+/** Seeds are numbered from here. */
+constexpr uint64_t kFirstSeed = 1;
+
 /** The scenario of one seed of a reading. */
 Scenario scenarioOf(const Setup& setup, const Reading& reading, int64_t measuredNs, uint64_t seed);
 
-/** Adds to the device profile, loads the library into this process and simulates. */
-void simulateWithLibrary(const Scenario& scenario, const std::vector<std::string>& settings,
-                         Observer& observer);
+/**
+ * Loads the library into this process, with `settings` on top of the device profile. Without
+ * settings there is no library. Throws std::runtime_error.
+ */
+std::optional<Library> loadLibrary(const std::optional<std::vector<std::string>>& settings);
 
-/** Simulates in this process; the library is loaded if `settings` is not null. */
-Metrics measure(const Scenario& scenario, const std::vector<std::string>* settings);
+/** Simulates in this process; see loadLibrary() for the settings. */
+Metrics measure(const Scenario& scenario, const std::optional<std::vector<std::string>>& settings);
 
 }  // namespace brevold::sim

@@ -31,7 +31,7 @@ void Library::reportFrame(int64_t nowNs, int32_t depth, int64_t periodNs) {
 }
 
 void Library::beginComposition(int64_t nowNs) {
-    if (nowNs - mLastCompositionNs >= android::kIdleGapNs) mMode = android::kModeUnclassified;
+    if (android::isIdleGap(nowNs - mLastCompositionNs)) mMode = android::kModeUnclassified;
     mLastCompositionNs = nowNs;
     mDriver.beginComposition(nowNs);
     readModes();

@@ -1,14 +1,16 @@
 #include <CLI/CLI.hpp>
-#include <fstream>
 #include <iostream>
+#include <sstream>
 #include <thread>
 
 #include "base/output_file.h"
 #include "host/device_profile.h"
 #include "sim/experiment.h"
+#include "sim/processes.h"
 #include "sim/result_json.h"
 #include "sim/result_text.h"
 #include "sim/sweep.h"
+#include "sim/trace_writer.h"
 
 namespace {
 
@@ -86,6 +88,11 @@ void addOptions(CLI::App& app, Options& options) {
             ->type_name(joinWords(kSweepWords))
             ->check(CLI::IsMember(namesOf(kSweepWords)));
     app.add_flag("--json", options.json, "print the result as one JSON object");
+    app.add_option("--trace-out", options.traceOut,
+                   "write the run of the first seed, as given, as a trace for viewers and "
+                   "brevold-replay")
+            ->type_name("FILE")
+            ->excludes("--sweep");
     app.add_option("--jobs", options.experiment.jobs, "runs at the same time")
             ->type_name("N")
             ->check(CLI::Range(1, 1024))
@@ -97,6 +104,21 @@ void applyProfile(const Options& options) {
     if (!options.profile.empty()) host::loadProfile(options.profile);
     for (const std::string& setting : options.settings)
         host::setProfileEntry(setting);
+}
+
+/** Simulates the first seed once more, in a process of its own, and writes its trace. */
+void writeTrace(const std::string& path, const Setup& setup, int64_t measuredNs) {
+    const Job job = [&] {
+        std::ostringstream text;
+        const Scenario scenario = scenarioOf(setup, setup.readings.front(), measuredNs, kFirstSeed);
+        TraceWriter writer(scenario.device, scenario.workload.periodNs(), text);
+        std::optional<Library> library = loadLibrary(std::vector<std::string>());
+        Simulation(scenario, &*library, writer).run();
+        return text.str();
+    };
+    OutputFile file(path);
+    file.stream() << runInProcesses({job}, 1).front();
+    file.commit();
 }
 
 void run(Options& options) {
@@ -116,6 +138,9 @@ void run(Options& options) {
         printResult(results.front(), options.experiment, std::cout);
     } else {
         printSweep(results, options.experiment, std::cout);
+    }
+    if (!options.traceOut.empty()) {
+        writeTrace(options.traceOut, setup, options.experiment.measuredNs);
     }
     std::cout.flush();
     if (!std::cout) throw OutputError("the result cannot be written to standard output");

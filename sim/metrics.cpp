@@ -73,7 +73,7 @@ void MetricsObserver::onQueue(int64_t nowNs, const Frame& frame, int32_t /*depth
     const int64_t intervalNs = nowNs - mLastQueueNs;
     mLastQueueNs = nowNs;
     if (!mIsMeasuring) return;
-    if (intervalNs < android::kIdleGapNs) {
+    if (!android::isIdleGap(intervalNs)) {
         ++mIntervalCounts[static_cast<size_t>(intervalNs / kIntervalStepNs)];
         ++mIntervals;
     }

@@ -24,7 +24,7 @@ int64_t medianOf(const std::deque<int64_t>& values) {
 int64_t MissedVsyncs::latch(int64_t timeNs) {
     const int64_t lastNs = std::exchange(mLastLatchNs, timeNs);
     const int64_t intervalNs = timeNs - lastNs;
-    if (lastNs == 0 || intervalNs >= android::kIdleGapNs) return 0;
+    if (lastNs == 0 || android::isIdleGap(intervalNs)) return 0;
     const int64_t refreshes = (intervalNs + mPeriodNs / 2) / mPeriodNs;
     const int64_t missed =
             mRecent.empty() ? 0 : std::max<int64_t>(refreshes - medianOf(mRecent), 0);

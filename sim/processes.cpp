@@ -7,9 +7,11 @@
 #include <cerrno>
 #include <cstring>
 #include <stdexcept>
+#include <utility>
 
 #include "base/descriptor.h"
 #include "base/progress.h"
+#include "replay/child_process.h"
 
 namespace brevold::sim {
 
@@ -61,10 +63,7 @@ bool readSome(Process& process) {
 }
 
 void waitForExit(Process& process) {
-    int status = 0;
-    while (waitpid(process.pid, &status, 0) < 0 && errno == EINTR) {
-    }
-    process.pid = 0;
+    const int status = replay::waitForChild(std::exchange(process.pid, 0));
     if (WIFSIGNALED(status)) {
         throw std::runtime_error(std::string("the library ended the simulation: ") +
                                  strsignal(WTERMSIG(status)));

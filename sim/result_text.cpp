@@ -96,15 +96,6 @@ std::vector<Column> columnsOf(const SetupResult& result) {
     return columns;
 }
 
-std::string equalPointLine(const SetupResult& result, const char* variant,
-                           const VariantResult& given) {
-    return fmt::format(
-            "Lowest operating point of \"{}\" that, held without the library, misses no "
-            "more vsyncs than\n\"{}\": {}\n",
-            result.setup.device.clusters[result.setup.device.appCluster].name, variant,
-            heldText(result, given.equalHeld));
-}
-
 }  // namespace
 
 std::string describeAssumptions(const Device& device, const Reading& reading) {
@@ -134,8 +125,14 @@ void printResult(const SetupResult& result, const ExperimentOptions& options, st
             fmt::print(out, "{:>{}}", cell(*estimates, label.metric), kColumnWidth);
         out << '\n';
     }
-    out << '\n' << equalPointLine(result, "as given", reading.given);
-    if (reading.vs) out << equalPointLine(result, "--vs", *reading.vs);
+    const Device& device = result.setup.device;
+    fmt::print(
+            out,
+            "\nThe lowest operating points of cluster {} that, held without the library, miss no "
+            "more vsyncs and\nshow as many frames (within 0.5 %):\n",
+            device.clusters[device.appCluster].name);
+    fmt::print(out, "  as \"as given\": {}\n", heldText(result, reading.given.equalHeld));
+    if (reading.vs) fmt::print(out, "  as \"--vs\": {}\n", heldText(result, reading.vs->equalHeld));
 }
 
 void printSweep(const std::vector<SetupResult>& results, const ExperimentOptions& options,

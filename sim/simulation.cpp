@@ -101,13 +101,13 @@ void Simulation::onLatch() {
     if (mComposedFrame) return;  // the composition before is late
     mComposedFrame = mBuffers.latch(mNowNs, vsyncNs(mVsyncIndex));
     if (!mComposedFrame) return;
+    startTask(Task::Compositor, mDevice.compositionWorkNs);
     mObserver.onLatch(mNowNs, *mComposedFrame, mBuffers.depth());
     if (mLibrary != nullptr) {
         mLibrary->beginComposition(mNowNs);
         mObserver.onMode(mNowNs, mLibrary->mode());
         sendHints();
     }
-    startTask(Task::Compositor, mDevice.compositionWorkNs);
     beginFrameIfPossible();
 }
 
@@ -130,9 +130,9 @@ void Simulation::onAppWorkDone() {
 }
 
 void Simulation::onCompositionDone() {
+    mObserver.onCompositionEnd(mNowNs);
     finishTask(Task::Compositor);
     const int64_t vsyncsSoFar = (mNowNs - kStartNs + mPeriodNs - 1) / mPeriodNs;
-    mObserver.onCompositionEnd(mNowNs);
     mObserver.onShow(vsyncNs(vsyncsSoFar), *mComposedFrame);
     mComposedFrame.reset();
     const int32_t depthLeft = mBuffers.depth();

@@ -37,7 +37,7 @@ TEST(ClosedForm, PowerAtAFixedFrequencyIsThePowerOfThePointTimesTheBusyShare) {
         SCOPED_TRACE(c.name);
         const Scenario scenario =
                 makeScenario(std::string(kTwoPoints) + c.device, "mean-ms=5\n", 60 * kSecondNs);
-        const Metrics metrics = measure(scenario, nullptr);
+        const Metrics metrics = measure(scenario, {});
         const double expectedMw = c.busyMw * 5 / c.speed / periodMs;
         EXPECT_NEAR(at(metrics, Metric::AppPowerMw), expectedMw, expectedMw / 1000);
         EXPECT_NEAR(at(metrics, Metric::CompositorPowerMw), 100 * 1.2 / periodMs, 0.01);

@@ -40,7 +40,7 @@ inline std::vector<Metrics> measureAll(const std::vector<Scenario>& scenarios,
     std::vector<Job> jobs;
     for (const Scenario& scenario : scenarios) {
         jobs.push_back([&] {
-            const Metrics metrics = measure(scenario, &settings);
+            const Metrics metrics = measure(scenario, settings);
             return std::string(reinterpret_cast<const char*>(metrics.data()), sizeof(metrics));
         });
     }

@@ -1,0 +1,71 @@
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <sstream>
+
+#include "replay/hints_csv.h"
+#include "replay/isolated_play.h"
+#include "sim/trace_writer.h"
+#include "tests/sim_test.h"
+#include "trace/read_timeline.h"
+#include "trace/string_source.h"
+
+namespace brevold::sim {
+namespace {
+
+constexpr int64_t kSecondNs = 1'000'000'000;
+
+std::string csvOf(const std::vector<host::Hint>& hints) {
+    std::ostringstream csv;
+    replay::writeHintsCsv(hints, csv);
+    return csv.str();
+}
+
+/** Writes the trace and keeps the hints. */
+class TraceAndHints : public TraceWriter {
+  public:
+    using TraceWriter::TraceWriter;
+    void onHint(const host::Hint& hint) override { hints.push_back(hint); }
+    std::vector<host::Hint> hints;
+};
+
+TEST(SimTrace, ReplaysToTheHintsOfTheSimulation) {
+    const std::vector<std::string> settings = {
+            "feature.4=1",
+            "feature.5=1",
+            "vendor.perf.pfar.enable=1",
+            "vendor.perf.pfar.down.enable=1",
+            "vendor.perf.jr10.enable=1",
+            "vendor.perf.fps_switch.enable=1",
+            "app-type.*=2",
+    };
+    constexpr char kSharedCluster[] =
+            "cluster.all.opp=1000 MHz 100 mW\ncluster.all.opp=2000 MHz 400 mW\n"
+            "app.cluster=all\ncompositor.cluster=all\n";
+    for (const std::string& workload : builtInWorkloads()) {
+        SCOPED_TRACE(workload);
+        // The replay passes the largest depth since the composition before.
+        const sim::Setup setup = {parseDevice(kSharedCluster, "device", {}), readWorkload(workload), {}};
+        const Scenario scenario =
+                scenarioOf(setup, {setup.device.service, BoostDepth::Found}, 5 * kSecondNs, 1);
+        const auto simulate = [&](bool wantsTrace) {
+            return runInProcesses({[&] {
+                                      std::ostringstream trace;
+                                      TraceAndHints writer(scenario.device,
+                                                           scenario.workload.periodNs(), trace);
+                                      std::optional<Library> library = loadLibrary(settings);
+                                      Simulation(scenario, &*library, writer).run();
+                                      return wantsTrace ? trace.str() : csvOf(writer.hints);
+                                  }},
+                                  1)
+                    .front();
+        };
+        trace::TraceInput input(std::make_unique<trace::StringSource>(simulate(true)), "trace");
+        const trace::Timeline timeline = trace::readTimeline(input, {});
+        EXPECT_TRUE(timeline.warnings.empty());
+        EXPECT_EQ(csvOf(replay::playIsolated(timeline, settings).hints), simulate(false));
+    }
+}
+
+}  // namespace
+}  // namespace brevold::sim
