@@ -13,21 +13,17 @@ namespace brevold::sim {
 
 namespace {
 
-double totalPowerMw(const Metrics& metrics) {
-    const double compositorMw = at(metrics, Metric::CompositorPowerMw);
-    return at(metrics, Metric::AppPowerMw) + (std::isnan(compositorMw) ? 0.0 : compositorMw);
-}
-
 double ratioOf(double value, double reference) {
     return reference > 0.0 ? value / reference : kNotANumber;
 }
 
 void relateToOff(const std::vector<Metrics>& off, std::vector<Metrics>& runs) {
     for (size_t seed = 0; seed < runs.size(); ++seed) {
-        at(runs[seed], Metric::EnergyRatio) =
-                ratioOf(totalPowerMw(runs[seed]), totalPowerMw(off[seed]));
-        at(runs[seed], Metric::AppEnergyRatio) =
-                ratioOf(at(runs[seed], Metric::AppPowerMw), at(off[seed], Metric::AppPowerMw));
+        const auto ratio = [&](Metric power) {
+            return ratioOf(at(runs[seed], power), at(off[seed], power));
+        };
+        at(runs[seed], Metric::EnergyRatio) = ratio(Metric::TotalPowerMw);
+        at(runs[seed], Metric::AppEnergyRatio) = ratio(Metric::AppPowerMw);
     }
 }
 
@@ -198,14 +194,16 @@ Metrics measure(const Scenario& scenario, const std::optional<std::vector<std::s
     Metrics metrics = observer.metrics();
     const Device& device = scenario.device;
     const double seconds = static_cast<double>(scenario.measuredNs) / 1e9;
-    at(metrics, Metric::AppPowerMw) = simulation.energyMj(device.appCluster) / seconds;
+    const double appMw = simulation.energyMj(device.appCluster) / seconds;
+    at(metrics, Metric::AppPowerMw) = at(metrics, Metric::TotalPowerMw) = appMw;
     if (device.compositorCluster != device.appCluster) {
-        at(metrics, Metric::CompositorPowerMw) =
-                simulation.energyMj(device.compositorCluster) / seconds;
+        const double compositorMw = simulation.energyMj(device.compositorCluster) / seconds;
+        at(metrics, Metric::CompositorPowerMw) = compositorMw;
+        at(metrics, Metric::TotalPowerMw) += compositorMw;
     }
     if (observer.framesShown() > 0) {
-        at(metrics, Metric::FrameEnergyMj) =
-                totalPowerMw(metrics) * seconds / static_cast<double>(observer.framesShown());
+        at(metrics, Metric::FrameEnergyMj) = at(metrics, Metric::TotalPowerMw) * seconds /
+                                             static_cast<double>(observer.framesShown());
     }
     return metrics;
 }

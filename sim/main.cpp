@@ -1,3 +1,5 @@
+#include <fmt/format.h>
+
 #include <CLI/CLI.hpp>
 #include <iostream>
 #include <sstream>
@@ -5,11 +7,15 @@
 
 #include "base/output_file.h"
 #include "host/device_profile.h"
+#include "replay/gnuplot.h"
+#include "replay/plot.h"
 #include "sim/experiment.h"
 #include "sim/processes.h"
 #include "sim/result_json.h"
 #include "sim/result_text.h"
+#include "sim/run_plot.h"
 #include "sim/sweep.h"
+#include "sim/sweep_plot.h"
 #include "sim/trace_writer.h"
 
 namespace {
@@ -88,6 +94,11 @@ void addOptions(CLI::App& app, Options& options) {
             ->type_name(joinWords(kSweepWords))
             ->check(CLI::IsMember(namesOf(kSweepWords)));
     app.add_flag("--json", options.json, "print the result as one JSON object");
+    app.add_option(
+               "--plot", options.plot,
+               "draw the runs of the first seed, or a sweep's energy against missed vsyncs, with "
+               "gnuplot")
+            ->type_name("FILE.svg|.png");
     app.add_option("--trace-out", options.traceOut,
                    "write the run of the first seed, as given, as a trace for viewers and "
                    "brevold-replay")
@@ -121,7 +132,38 @@ void writeTrace(const std::string& path, const Setup& setup, int64_t measuredNs)
     file.commit();
 }
 
+/** Draws the runs of the first seed: library off, as given, and --vs. */
+std::string runPlotScript(const std::string& terminal, const Setup& setup,
+                          const ExperimentOptions& options) {
+    using Settings = std::vector<std::string>;
+    std::vector<std::pair<std::string, std::optional<Settings>>> variants = {
+            {"library off", std::nullopt}, {"as given", Settings()}};
+    if (!options.vsSettings.empty()) variants.emplace_back("--vs", options.vsSettings);
+    std::vector<Job> jobs;
+    for (size_t i = 0; i < variants.size(); ++i) {
+        jobs.push_back([&, i] {
+            const Scenario scenario =
+                    scenarioOf(setup, setup.readings.front(), options.measuredNs, kFirstSeed);
+            RunPlot plot(scenario);
+            std::optional<Library> library = loadLibrary(variants[i].second);
+            Simulation(scenario, library ? &*library : nullptr, plot).run();
+            return plot.script(i, variants.size(), variants[i].first);
+        });
+    }
+    const std::string heading =
+            fmt::format("{} on {}: {}, {}", setup.workload.name, setup.device.name,
+                        shortDescription(setup), shortDescription(setup.readings.front()));
+    return runPlotPage(terminal, heading, runInProcesses(jobs, options.jobs));
+}
+
+void writePlot(const std::string& path, const std::string& script) {
+    OutputFile file(path);
+    file.stream() << replay::runGnuplot(script);
+    file.commit();
+}
+
 void run(Options& options) {
+    const std::string terminal = options.plot.empty() ? "" : replay::plotTerminal(options.plot);
     applyProfile(options);
     options.experiment.measuredNs = static_cast<int64_t>(options.seconds * 1e9);
     Setup setup;
@@ -138,6 +180,11 @@ void run(Options& options) {
         printResult(results.front(), options.experiment, std::cout);
     } else {
         printSweep(results, options.experiment, std::cout);
+    }
+    if (!options.plot.empty()) {
+        writePlot(options.plot, options.sweep.empty()
+                                        ? runPlotScript(terminal, setup, options.experiment)
+                                        : sweepPlotPage(terminal, results));
     }
     if (!options.traceOut.empty()) {
         writeTrace(options.traceOut, setup, options.experiment.measuredNs);

@@ -16,6 +16,7 @@ struct MetricLabel {
 constexpr MetricLabel kMetricLabels[] = {
         {Metric::AppPowerMw, "app_power_mw", "power, application's cluster, mW", 1, 1},
         {Metric::CompositorPowerMw, "compositor_power_mw", "power, compositor's cluster, mW", 1, 1},
+        {Metric::TotalPowerMw, "power_mw", "power, both clusters, mW", 1, 1},
         {Metric::EnergyRatio, "energy_ratio", "energy, both, share of library off", 1, 3},
         {Metric::AppEnergyRatio, "app_energy_ratio", "energy, application's, share of off", 1, 3},
         {Metric::FrameEnergyMj, "frame_energy_mj", "energy per frame shown, mJ", 1, 2},

@@ -16,6 +16,7 @@ namespace brevold::sim {
 enum class Metric : uint8_t {
     AppPowerMw,         // of the application's cluster
     CompositorPowerMw,  // of the compositor's cluster; not a number if that is the same one
+    TotalPowerMw,       // of both
     EnergyRatio,        // energy of both, as a share of the energy without the library
     AppEnergyRatio,     // the same for the application's cluster alone
     FrameEnergyMj,      // energy of both per frame shown
@@ -39,7 +40,7 @@ enum class Metric : uint8_t {
     Mode4Share,
     Mode5Share,
 };
-constexpr size_t kMetricCount = 24;
+constexpr size_t kMetricCount = 25;
 
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 

@@ -27,6 +27,15 @@ const char* describeDown(DownReading reading) {
     return "";
 }
 
+const char* describeUp(UpReading reading) {
+    return reading == UpReading::Governor ? "that multiple of the governor's choice" : "ignored";
+}
+
+const char* describeDepth(BoostDepth depth) {
+    return depth == BoostDepth::Left ? "left at the end of a composition"
+                                     : "found since the composition before";
+}
+
 const char* describeBoost(BoostTarget target) {
     switch (target) {
         case BoostTarget::Compositor:
@@ -98,18 +107,26 @@ std::vector<Column> columnsOf(const SetupResult& result) {
 
 }  // namespace
 
-std::string describeAssumptions(const Device& device, const Reading& reading) {
-    return fmt::format("governor {}; DOWN is {}; a boost raises {} and follows the depth {}",
-                       describeGovernor(device), describeDown(reading.service.down),
-                       describeBoost(reading.service.boost),
+std::string shortDescription(const Setup& setup) {
+    return fmt::format("{}, {} buffers", wordOf(setup.device.governor.kind, kGovernorWords),
+                       setup.buffers());
+}
+
+std::string shortDescription(const Reading& reading) {
+    return fmt::format("DOWN {}, boost {}, depth {}", wordOf(reading.service.down, kDownWords),
+                       wordOf(reading.service.boost, kBoostWords),
                        wordOf(reading.boostDepth, kBoostDepthWords));
 }
 
 void printResult(const SetupResult& result, const ExperimentOptions& options, std::ostream& out) {
     const ReadingResult& reading = result.readings.front();
     printWorkload(result.setup, options, out);
-    fmt::print(out, "assumed     {}\n\n",
-               describeAssumptions(result.setup.device, reading.reading));
+    const ServiceSpec& service = reading.reading.service;
+    fmt::print(out, "governor    {}\n", describeGovernor(result.setup.device));
+    fmt::print(out, "DOWN        {}\n", describeDown(service.down));
+    fmt::print(out, "UP          {}\n", describeUp(service.up));
+    fmt::print(out, "jank boost  raises {}; requested at the queue depth {}\n\n",
+               describeBoost(service.boost), describeDepth(reading.reading.boostDepth));
     const std::vector<Column> columns = columnsOf(result);
     fmt::print(out, "{:{}}", "", kLabelWidth);
     for (const auto& [title, estimates] : columns)

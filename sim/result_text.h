@@ -7,8 +7,11 @@
 
 namespace brevold::sim {
 
-/** The assumptions of a result: "governor schedutil; DOWN read as ...; ..." */
-std::string describeAssumptions(const Device& device, const Reading& reading);
+/** "schedutil, 3 buffers" */
+std::string shortDescription(const Setup& setup);
+
+/** "DOWN cap, boost compositor, depth left" */
+std::string shortDescription(const Reading& reading);
 
 /** Prints the result of one setup with one reading: a row per metric, a column per variant. */
 void printResult(const SetupResult& result, const ExperimentOptions& options, std::ostream& out);
