@@ -64,7 +64,7 @@ void spinUntil(Condition condition) {
     }
 }
 
-/** Tells whether a thread of this process sleeps, as a worker does that waits for requests. */
+/** Watches a thread of this process; a worker that waits for requests is asleep. */
 class SleepWatch {
   public:
     explicit SleepWatch(pid_t thread);

@@ -1,6 +1,6 @@
-# 64-bit Arm with Debian's packages of that architecture, unpacked by scripts/test-arm64. Only
-# libc++'s headers are the build machine's: clang looks beside itself first, and they are the same
-# for every architecture.
+# 64-bit Arm with Debian's packages of that architecture, which scripts/test-arm64 unpacks. libc++'s
+# headers are those of the build machine, because clang searches next to itself first; they are the
+# same for every architecture.
 set(CMAKE_SYSTEM_NAME Linux)
 set(CMAKE_SYSTEM_PROCESSOR aarch64)
 set(CMAKE_LIBRARY_ARCHITECTURE aarch64-linux-gnu)

@@ -2,10 +2,12 @@
 
 #include <cutils/properties.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <string_view>
 
@@ -41,6 +43,12 @@ bool startsWith(std::string_view text, std::string_view prefix) {
     return text.substr(0, prefix.size()) == prefix;
 }
 
+std::string_view trim(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t\r";
+    const size_t begin = std::min(text.find_first_not_of(kBlanks), text.size());
+    return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
+}
+
 int32_t parseInt(std::string_view text, const char* expected) {
     int32_t value = 0;
     const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
@@ -51,51 +59,94 @@ int32_t parseInt(std::string_view text, const char* expected) {
     return value;
 }
 
-void setFeature(std::string_view number, std::string_view value) {
-    const int32_t feature = parseInt(number, "feature.4 or feature.5");
-    if (feature != android::kJankBoostFeature && feature != android::kEnergyScalingFeature) {
+bool parseFeature(std::string_view number, std::string_view value, int32_t* feature) {
+    *feature = parseInt(number, "feature.4 or feature.5");
+    if (*feature != android::kJankBoostFeature && *feature != android::kEnergyScalingFeature) {
         throw ProfileError("expected feature.4 or feature.5, got feature." + std::string(number));
     }
     const int32_t allowed = parseInt(value, "0 or 1");
     if (allowed != 0 && allowed != 1) {
         throw ProfileError("expected 0 or 1, got \"" + std::string(value) + "\"");
     }
-    gProfile.features[feature] = allowed == 1;
+    return allowed == 1;
+}
+
+bool isKnownProperty(std::string_view key) {
+    return std::find(std::begin(kProperties), std::end(kProperties), key) != std::end(kProperties);
+}
+
+std::string validKeys() {
+    std::string keys;
+    for (const std::string_view property : kProperties)
+        keys += std::string(property) + ", ";
+    return keys + "feature.4, feature.5, app-type.PACKAGE";
 }
 
 void setProperty(std::string_view key, std::string_view value) {
-    for (const std::string_view known : kProperties) {
-        if (key != known) continue;
-        if (value.size() >= PROPERTY_VALUE_MAX) {
-            throw ProfileError("expected a value of at most " +
-                               std::to_string(PROPERTY_VALUE_MAX - 1) + " bytes");
-        }
-        gProfile.properties[std::string(key)] = value;
-        return;
+    if (!isKnownProperty(key)) {
+        throw ProfileError("unknown key \"" + std::string(key) + "\"; valid are " + validKeys());
     }
-    throw ProfileError(
-            "expected a property that the library reads, feature.4, feature.5 or "
-            "app-type.<package>, got \"" +
-            std::string(key) + "\"");
+    if (value.size() >= PROPERTY_VALUE_MAX) {
+        throw ProfileError("expected a value of at most " + std::to_string(PROPERTY_VALUE_MAX - 1) +
+                           " bytes");
+    }
+    gProfile.properties[std::string(key)] = value;
+}
+
+struct Entry {
+    std::string_view key;
+    std::string_view value;
+    bool isGetprop;
+};
+
+/** "vendor.perf.pfar.enable=1", or as getprop prints it "[vendor.perf.pfar.enable]: [1]". */
+Entry parseEntry(std::string_view text) {
+    text = trim(text);
+    constexpr std::string_view kMiddle = "]: [";
+    const size_t middle = text.find(kMiddle);
+    if (!text.empty() && text.front() == '[' && text.back() == ']' &&
+        middle != std::string_view::npos) {
+        const size_t value = middle + kMiddle.size();
+        return {text.substr(1, middle - 1), text.substr(value, text.size() - 1 - value), true};
+    }
+    const size_t equals = text.find('=');
+    if (equals == std::string_view::npos || equals == 0) {
+        throw ProfileError("expected key=value, got \"" + std::string(text) + "\"");
+    }
+    return {trim(text.substr(0, equals)), trim(text.substr(equals + 1)), false};
+}
+
+void apply(const Entry& entry) {
+    if (startsWith(entry.key, kFeaturePrefix)) {
+        int32_t feature;
+        const bool allowed =
+                parseFeature(entry.key.substr(kFeaturePrefix.size()), entry.value, &feature);
+        gProfile.features[feature] = allowed;
+    } else if (startsWith(entry.key, kAppTypePrefix) && entry.key.size() > kAppTypePrefix.size()) {
+        const int32_t type = parseInt(entry.value, "an application type");
+        gProfile.applicationTypes[std::string(entry.key.substr(kAppTypePrefix.size()))] = type;
+    } else {
+        setProperty(entry.key, entry.value);
+    }
+}
+
+/** Applies one line of a file; `lines` has the line of each key before it. */
+void applyLine(std::string_view line, int number, std::map<std::string, int>* lines) {
+    const Entry entry = parseEntry(line);
+    // getprop prints every property of the device.
+    if (entry.isGetprop && !isKnownProperty(entry.key)) return;
+    const auto [first, isNew] = lines->emplace(entry.key, number);
+    if (!isNew) {
+        throw ProfileError("the key \"" + first->first + "\" is already set in line " +
+                           std::to_string(first->second));
+    }
+    apply(entry);
 }
 
 }  // namespace
 
-void setProfileEntry(const std::string& entry) {
-    const size_t equals = entry.find('=');
-    if (equals == std::string::npos || equals == 0) {
-        throw ProfileError("expected key=value, got \"" + entry + "\"");
-    }
-    const std::string_view key = std::string_view(entry).substr(0, equals);
-    const std::string_view value = std::string_view(entry).substr(equals + 1);
-    if (startsWith(key, kFeaturePrefix)) {
-        setFeature(key.substr(kFeaturePrefix.size()), value);
-    } else if (startsWith(key, kAppTypePrefix) && key.size() > kAppTypePrefix.size()) {
-        gProfile.applicationTypes[std::string(key.substr(kAppTypePrefix.size()))] =
-                parseInt(value, "an application type");
-    } else {
-        setProperty(key, value);
-    }
+void setProfileEntry(const std::string& text) {
+    apply(parseEntry(text));
 }
 
 void turnEverythingOn() {
@@ -107,15 +158,18 @@ void turnEverythingOn() {
 }
 
 void loadProfile(const std::string& path) {
-    if (std::filesystem::is_directory(path)) throw ProfileError(path + ": is a directory");
+    if (std::filesystem::is_directory(path)) {
+        throw ProfileError(path + ": expected a profile, got a directory");
+    }
     std::ifstream file(path);
     if (!file) throw ProfileError(path + ": cannot be opened: " + strerror(errno));
+    std::map<std::string, int> lines;
     std::string line;
     for (int number = 1; std::getline(file, line); ++number) {
-        if (!line.empty() && line.back() == '\r') line.pop_back();
-        if (line.empty() || line.front() == '#') continue;
+        const std::string_view text = trim(line);
+        if (text.empty() || text.front() == '#') continue;
         try {
-            setProfileEntry(line);
+            applyLine(text, number, &lines);
         } catch (const ProfileError& error) {
             throw ProfileError(path + ":" + std::to_string(number) + ": " + error.what());
         }

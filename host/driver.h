@@ -12,7 +12,7 @@ namespace brevold::host {
 
 /** When the library's workers run. */
 enum class Workers : uint8_t {
-    Stepped,  // every call of the driver returns after the workers have sent what it posted
+    Stepped,  // every call of the driver returns after the workers have sent its requests
     Free,     // the workers run concurrently; settle() waits for them
 };
 

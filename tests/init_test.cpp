@@ -87,8 +87,7 @@ TEST_F(DeviceTest, WithoutTheClientNothingIsOn) {
     EXPECT_EQ(takeLogTexts().find("hwopt"), std::string::npos);
 }
 
-// A function of the client, the name of its pointer in the log, the calls of two reports without
-// it.
+// A function of the client, its pointer's name in the log, and the calls of two reports without it.
 using Missing = std::array<std::string, 3>;
 class MissingFunctionTest : public DeviceTest, public testing::WithParamInterface<Missing> {};
 

@@ -20,8 +20,7 @@ TEST(NameTest, PackageNameOfALayerName) {
         EXPECT_EQ(android::getPackageName(layer), package) << layer;
 }
 
-// Compares all names made of a prefix and up to this many tokens, also with the ending of a
-// package.
+// Compares all names made of a prefix and up to this many tokens, with and without an ending.
 static void compareWithExpression(const std::string& name, int tokensLeft) {
     static const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+");
     for (const std::string& layer : {name, name + "#7"}) {
@@ -49,8 +48,7 @@ TEST(NameTest, LongNamesAreNotMatchedAsAWhole) {
     };
     const std::string letters(kMaxBytes - 2, 'a');
     const std::pair<std::string, std::string> cases[] = {
-            // The expression does not match; the steps grow with the cube, then the square of the
-            // length.
+            // The expression does not match, after steps that grow with the cube or the square.
             {filled("SurfaceView", '-', ""), ""},
             {letters, ""},
             {filled("", '\n', "/\n#0"), ""},

@@ -78,8 +78,7 @@ TEST_F(ModeTest, ResetClearsTheTickTheWindowAndTheMode) {
         EXPECT_FALSE(hasMode());
         takeLogTexts();
         for (int i = 0; i <= 12; ++i, timeNs += 100000001) {
-            // The first tick only records the time, the second opens a window, the last one closes
-            // it.
+            // The first tick records the time, the second opens a window, the last one closes it.
             EXPECT_EQ(takeLogTexts().substr(0, 23), i < 12 ? "" : "[FM]gMode:0 \tFPS:\t10.00");
             host::setTimeNs(timeNs);
             brevoldRefresh();

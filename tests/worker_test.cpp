@@ -56,8 +56,7 @@ TEST_F(WorkerTest, QbSendsTheLastRequestAtEveryWakeUp) {
 TEST_F(WorkerTest, SfBoostsOnceAndReleasesWithTheCount) {
     EXPECT_EQ(requestBoost(), kBoostHint);
     EXPECT_EQ(requestBoost(), "");
-    EXPECT_EQ(request(1.0f, 1, 0, kSf),
-              "");  // not a boost request; the pending boost has been sent
+    EXPECT_EQ(request(1.0f, 1, 0, kSf), "");  // not a boost; the pending one has been sent
     EXPECT_EQ(wake(kSf), "");
     EXPECT_EQ(takeLabels(), "energyScaling[jank]");
     EXPECT_EQ(release(), "hint 4166 0 0x2");

@@ -6,7 +6,6 @@
 #include <unistd.h>
 
 #include <cerrno>
-#include <vector>
 
 #include "base/error.h"
 #include "base/temporary_file.h"
@@ -46,7 +45,7 @@ Descriptor copyToTemporaryFile(const Descriptor& file, const std::string& name) 
     constexpr const char* kNoCopy = "cannot be copied to a temporary file in $TMPDIR or /tmp";
     Descriptor copy = createTemporaryFile();
     if (!copy.isOpen()) failWithErrno(name, kNoCopy);
-    std::vector<char> block(kCopyBytes);
+    std::string block(kCopyBytes, '\0');
     while (const size_t count = readSome(file, name, block.data(), block.size())) {
         if (!writeAll(copy.get(), {block.data(), count})) failWithErrno(name, kNoCopy);
     }

@@ -30,7 +30,7 @@ GzipSource::GzipSource(std::unique_ptr<ByteSource> compressed, std::string name)
       : mCompressed(std::move(compressed)),
         mName(std::move(name)),
         mStream(new z_stream_s()),
-        mBlock(kBlockBytes) {
+        mBlock(kBlockBytes, '\0') {
     if (inflateInit2(mStream.get(), MAX_WBITS + kGzipFormat) != Z_OK) throw std::bad_alloc();
 }
 
@@ -73,8 +73,7 @@ bool GzipSource::startMember() {
 void GzipSource::rewind() {
     mCompressed->rewind();
     mStream->avail_in = 0;
-    inflateReset(mStream.get());
-    mIsInMember = true;
+    mIsInMember = false;
 }
 
 }  // namespace brevold::trace

@@ -3,7 +3,6 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "trace/byte_source.h"
 
@@ -35,8 +34,8 @@ class GzipSource : public ByteSource {
     const std::unique_ptr<ByteSource> mCompressed;
     const std::string mName;
     const std::unique_ptr<z_stream_s, StreamDeleter> mStream;
-    std::vector<char> mBlock;  // compressed bytes
-    bool mIsInMember = true;   // gzip data is a sequence of members
+    std::string mBlock;        // compressed bytes
+    bool mIsInMember = false;  // gzip data is a sequence of members
 };
 
 }  // namespace brevold::trace

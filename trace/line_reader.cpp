@@ -16,7 +16,7 @@ constexpr size_t kMaxLineBytes = 256 * 1024;
 }  // namespace
 
 LineReader::LineReader(ByteSource& text, std::string path)
-      : mText(text), mPath(std::move(path)), mBuffer(kMaxLineBytes) {}
+      : mText(text), mPath(std::move(path)), mBuffer(kMaxLineBytes, '\0') {}
 
 bool LineReader::next(std::string_view* line) {
     size_t searched = 0;

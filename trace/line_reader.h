@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "trace/byte_source.h"
 
@@ -34,7 +33,7 @@ class LineReader {
 
     ByteSource& mText;
     const std::string mPath;
-    std::vector<char> mBuffer;
+    std::string mBuffer;
     size_t mBegin = 0;
     size_t mEnd = 0;
     int64_t mBytesRead = 0;

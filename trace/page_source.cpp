@@ -11,19 +11,21 @@
 namespace brevold::trace {
 namespace {
 
-// A page of Android 4.1 to 4.3:
-//     <script>
-//       var linuxPerfData = "\
-//     # tracer: nop\n\
-//          RenderThread-3487  [001] 50260.929925: 0: B|3487|draw \"board\"\n\
-//           SurfaceView-112   [000] 50260.931207: 0: E\n";
-//     </script>
-// A page of later releases:
-//     <script class="trace-data" type="application/text">
-//     # tracer: nop
-//      RenderThread-5120  (5088) [006] .... 8341.220197: tracing_mark_write: B|5088|draw "board"
-//      RenderThread-5120  (5088) [006] .... 8341.223340: tracing_mark_write: E|5088
-//       </script>
+/*
+ * A page of Android 4.1 to 4.3:
+ *     <script>
+ *       var linuxPerfData = "\
+ *     # tracer: nop\n\
+ *          RenderThread-3487  [001] 50260.929925: 0: B|3487|draw \"board\"\n\
+ *           SurfaceView-112   [000] 50260.931207: 0: E\n";
+ *     </script>
+ * A page of later releases:
+ *     <script class="trace-data" type="application/text">
+ *     # tracer: nop
+ *      RenderThread-5120  (5088) [006] .... 8341.220197: tracing_mark_write: B|5088|draw "board"
+ *      RenderThread-5120  (5088) [006] .... 8341.223340: tracing_mark_write: E|5088
+ *       </script>
+ */
 constexpr std::string_view kElement = "<script class=\"trace-data\"";
 constexpr std::string_view kElementEnd = "</script>";
 constexpr std::string_view kString = "linuxPerfData = \"";
@@ -78,7 +80,7 @@ void PageSource::rewind() {
     mLast = '\n';
 }
 
-/** Whether it got on with what stands in mPage; else that has to grow. */
+/** Parses a part of the bytes read. Returns false if more of them are needed. */
 bool PageSource::advance() {
     switch (mPlace) {
         case Place::Outside:

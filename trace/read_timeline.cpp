@@ -41,7 +41,8 @@ CompositionSource addCompositions(const Compositor& compositor, TimelineBuilder&
         builder.addCompositionsFromLatches();
         return CompositionSource::Latches;
     }
-    int64_t counts[static_cast<size_t>(CompositionSource::Latches)] = {};
+    constexpr auto kSectionKinds = static_cast<size_t>(CompositionSource::Latches);
+    int64_t counts[kSectionKinds] = {};
     for (const Section* section : sections) {
         ++counts[static_cast<size_t>(section->kind)];
         builder.addComposition(section->begin, section->end);

@@ -40,15 +40,15 @@ enum class PeriodSource : uint8_t {
     LatencyDump,     // the first line of a latency dump
 };
 
-/** Where the compositions were taken from; the sections are listed as in kSectionNames. */
+/** Where the compositions were taken from. The first values are sections of the compositor. */
 enum class CompositionSource : uint8_t {
     OnMessageRefresh,
     HandleMessageRefresh,
     Composite,
     PostFramebuffer,
     Commit,
-    Latches,       // the trace has no sections that compose
-    PresentTimes,  // of a latency dump, less a refresh period
+    Latches,       // the trace has no such sections
+    PresentTimes,  // one refresh period before the presents of a latency dump
 };
 
 /** Where the vsyncs were taken from. */
@@ -61,7 +61,7 @@ enum class VsyncSource : uint8_t {
 
 /** The compositor's activity in a trace. Times are the trace's own, in nanoseconds. */
 struct Timeline {
-    /** Layers whose depth changes, in the order of their first mention; at least one has frames. */
+    /** Layers whose depth changes, in the order of their first mention. Not empty. */
     std::vector<Layer> layers;
     /** The requested layer, else the first of those with the most frames. */
     size_t focusedLayer = 0;

@@ -1,0 +1,24 @@
+# shellcheck shell=bash disable=SC2034
+# The Debian 12 packages that the project needs, by purpose.
+
+# Headers and libraries of the machine that the programs run on.
+target_packages=(
+    libc++-dev libc++abi-dev
+    android-libutils-dev android-libcutils-dev android-liblog-dev
+    libboost-context-dev libcereal-dev libcli11-dev libfmt-dev nlohmann-json3-dev zlib1g-dev
+)
+build_packages=(
+    clang cmake ninja-build
+    binutils # nm, for the test of the exported symbols
+    googletest
+    help2man # manual pages
+)
+sanitizer_packages=(
+    libclang-rt-dev
+    llvm # llvm-symbolizer, for the reports
+)
+arm64_packages=(lld qemu-user)
+# What clang brings on the build machine.
+arm64_sysroot_packages=(libc6-dev libgcc-12-dev)
+# Format checks, the second compiler and the test of the plots.
+ci_packages=(clang-format blueprint-tools g++ make git gnuplot-nox)

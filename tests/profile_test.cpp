@@ -1,0 +1,68 @@
+// Profile files: both notations, and a clear error for everything else.
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <fstream>
+
+#include "host/device_profile.h"
+
+namespace brevold::host {
+namespace {
+
+/** Loads a file of these lines. Returns the error without the path. */
+std::string load(const std::string& text) {
+    const std::string path = testing::TempDir() + "profile" + std::to_string(getpid());
+    std::ofstream(path) << text;
+    std::string error;
+    try {
+        loadProfile(path);
+    } catch (const ProfileError& thrown) {
+        error = std::string(thrown.what()).substr(path.size());
+    }
+    unlink(path.c_str());
+    return error;
+}
+
+TEST(ProfileTest, TakesEntriesAndTheOutputOfGetprop) {
+    EXPECT_EQ(load("# comment\n\n  vendor.perf.pfar.enable = 1 \r\n feature.5=1\nfeature.4=0\n"
+                   "app-type.a.b=2\napp-type.*=7\n[ro.build.id]: [x=y]\n"
+                   "[vendor.perf.jr10.enable]: [0]\n[vendor.perf.brevold.debug.layers]: [a b]"),
+              "");
+    EXPECT_EQ(profileProperty("vendor.perf.pfar.enable", "0"), "1");
+    EXPECT_EQ(profileProperty("vendor.perf.jr10.enable", "1"), "0");
+    EXPECT_EQ(profileProperty("vendor.perf.brevold.debug.layers", "NONE"), "a b");
+    EXPECT_EQ(profileProperty("vendor.perf.brevold.debug", "fallback"), "fallback");
+    EXPECT_TRUE(isFeatureAllowed(5));
+    EXPECT_FALSE(isFeatureAllowed(4));
+    EXPECT_EQ(applicationType("a.b") * 10 + applicationType("a"), 27);
+    setProfileEntry("vendor.perf.pfar.enable=0");
+    EXPECT_EQ(profileProperty("vendor.perf.pfar.enable", "1"), "0");
+}
+
+TEST(ProfileTest, NamesTheLineAndTheProblem) {
+    const std::string layers = "vendor.perf.brevold.debug.layers=";
+    const std::pair<std::string, const char*> cases[] = {
+            {"\nfeature.5", ":2: expected key=value, got \"feature.5\""},
+            {"=1", ":1: expected key=value, got \"=1\""},
+            {"feature.6=1", ":1: expected feature.4 or feature.5, got feature.6"},
+            {"feature.x=1", ":1: expected feature.4 or feature.5, got \"x\""},
+            {"feature.5=2", ":1: expected 0 or 1, got \"2\""},
+            {"app-type.a=b", ":1: expected an application type, got \"b\""},
+            {layers + std::string(92, 'a'), ":1: expected a value of at most 91 bytes"},
+            {"feature.5=1\n\nfeature.5 = 0", ":3: the key \"feature.5\" is already set in line 1"},
+            {"app-type.=1",
+             ":1: unknown key \"app-type.\"; valid are vendor.display.use_smooth_motion, "
+             "vendor.perf.fps_switch.enable, vendor.perf.jr10.enable, vendor.perf.pfar.enable, "
+             "vendor.perf.brevold.debug, vendor.perf.pfar.down.enable, "
+             "vendor.perf.brevold.debug.layers, feature.4, feature.5, app-type.PACKAGE"},
+    };
+    for (const auto& [text, error] : cases)
+        EXPECT_EQ(load(text), error);
+    EXPECT_EQ(load(layers + std::string(91, 'a')), "");
+    EXPECT_THROW(loadProfile("/"), ProfileError);
+    EXPECT_THROW(loadProfile("/none"), ProfileError);
+}
+
+}  // namespace
+}  // namespace brevold::host
