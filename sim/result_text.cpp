@@ -70,11 +70,13 @@ std::string cell(const Estimates& estimates, Metric metric) {
     return cell(at(estimates, metric), labelOf(metric));
 }
 
+const ClusterSpec& appCluster(const SetupResult& result) {
+    return result.setup.device.clusters[result.setup.device.appCluster];
+}
+
 std::string heldText(const SetupResult& result, std::optional<size_t> held) {
     if (!held) return "none";
-    const Device& device = result.setup.device;
-    const size_t point = result.held[*held].point;
-    return fmt::format("{:g} MHz", device.clusters[device.appCluster].points[point].mhz);
+    return fmt::format("{:g} MHz", appCluster(result).points[result.held[*held].point].mhz);
 }
 
 void printWorkload(const Setup& setup, const ExperimentOptions& options, std::ostream& out) {
@@ -133,56 +135,68 @@ void printResult(const SetupResult& result, const ExperimentOptions& options, st
         fmt::print(out, "{:>{}}", title, kColumnWidth);
     out << '\n';
     for (const MetricLabel& label : kMetricLabels) {
-        const bool hasValue = std::any_of(columns.begin(), columns.end(), [&](const Column& c) {
-            return !std::isnan(at(*c.second, label.metric).mean);
+        const bool isMode = label.metric >= Metric::Mode0Share;
+        const bool isShown = std::any_of(columns.begin(), columns.end(), [&](const Column& c) {
+            const double mean = at(*c.second, label.metric).mean;
+            return isMode ? mean > 0.0 : !std::isnan(mean);
         });
-        if (!hasValue) continue;
+        if (!isShown) continue;
         fmt::print(out, "{:{}}", label.label, kLabelWidth);
         for (const auto& [title, estimates] : columns)
             fmt::print(out, "{:>{}}", cell(*estimates, label.metric), kColumnWidth);
         out << '\n';
     }
-    const Device& device = result.setup.device;
     fmt::print(
             out,
             "\nThe lowest operating points of cluster {} that, held without the library, miss no "
             "more vsyncs and\nshow as many frames (within 0.5 %):\n",
-            device.clusters[device.appCluster].name);
+            appCluster(result).name);
     fmt::print(out, "  as \"as given\": {}\n", heldText(result, reading.given.equalHeld));
     if (reading.vs) fmt::print(out, "  as \"--vs\": {}\n", heldText(result, reading.vs->equalHeld));
 }
 
 void printSweep(const std::vector<SetupResult>& results, const ExperimentOptions& options,
                 std::ostream& out) {
-    constexpr Metric kColumns[] = {Metric::EnergyRatio, Metric::AppEnergyRatio,
-                                   Metric::MissedPerMinute, Metric::ShowLatencyMs,
-                                   Metric::BoostShare};
-    constexpr const char* kTitles[] = {"energy", "app's energy", "missed a min", "latency, ms",
-                                       "boosted, %"};
-    printWorkload(results.front().setup, options, out);
-    fmt::print(out, "\n{:12}{:8}{:10}{:12}{:6}{:12}", "governor", "buffers", "DOWN", "boost",
-               "depth", "variant");
-    for (const char* title : kTitles)
-        fmt::print(out, "{:>15}", title);
-    fmt::print(out, "{:>12}\n", "held");
+    constexpr std::pair<Metric, const char*> kColumns[] = {
+            {Metric::EnergyRatio, "energy"},         {Metric::MissedPerMinute, "missed a min"},
+            {Metric::FramesPerSecond, "frames a s"}, {Metric::ShowLatencyMs, "latency, ms"},
+            {Metric::BoostShare, "boosted, %"},
+    };
+    constexpr int kWidth = 15;
+    const SetupResult& first = results.front();
+    printWorkload(first.setup, options, out);
+    fmt::print(out,
+               "energy      of both clusters, as a share of library off with the same governor and "
+               "buffers\n"
+               "latency     from the start of a frame to its display\n"
+               "held        lowest operating point of cluster {} that, held without the library, "
+               "misses no more vsyncs\n"
+               "            and shows as many frames (within 0.5 %), and its energy\n\n",
+               appCluster(first).name);
+    fmt::print(out, "{:12}{:8}{:10}{:12}{:6}{:12}", "governor", "buffers", "DOWN", "boost", "depth",
+               "variant");
+    for (const auto& [metric, title] : kColumns)
+        fmt::print(out, "{:>{}}", title, kWidth);
+    fmt::print(out, "{:>12}{:>{}}\n", "held", "its energy", kWidth);
     for (const SetupResult& result : results) {
         const Setup& setup = result.setup;
         const auto printRow = [&](const Reading* reading, const char* name,
-                                  const Estimates& estimates, const std::string& held) {
+                                  const Estimates& estimates, std::optional<size_t> held) {
             fmt::print(out, "{:12}{:<8}{:10}{:12}{:6}{:12}",
                        wordOf(setup.device.governor.kind, kGovernorWords), setup.buffers(),
                        reading ? wordOf(reading->service.down, kDownWords) : "-",
                        reading ? wordOf(reading->service.boost, kBoostWords) : "-",
                        reading ? wordOf(reading->boostDepth, kBoostDepthWords) : "-", name);
-            for (const Metric metric : kColumns)
-                fmt::print(out, "{:>15}", cell(estimates, metric));
-            fmt::print(out, "{:>12}\n", held);
+            for (const auto& [metric, title] : kColumns)
+                fmt::print(out, "{:>{}}", cell(estimates, metric), kWidth);
+            fmt::print(out, "{:>12}{:>{}}\n", reading ? heldText(result, held) : "-",
+                       held ? cell(result.held[*held].estimates, Metric::EnergyRatio) : "-",
+                       kWidth);
         };
-        printRow(nullptr, "library off", result.off, "-");
+        printRow(nullptr, "library off", result.off, {});
         for (const ReadingResult& reading : result.readings) {
             const auto printVariant = [&](const char* name, const VariantResult& variant) {
-                printRow(&reading.reading, name, variant.estimates,
-                         heldText(result, variant.equalHeld));
+                printRow(&reading.reading, name, variant.estimates, variant.equalHeld);
             };
             printVariant("as given", reading.given);
             if (reading.vs) printVariant("--vs", *reading.vs);
