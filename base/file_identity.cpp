@@ -18,7 +18,7 @@ namespace fs = std::filesystem;
 
 constexpr int kMaxLinks = 40;  // as the kernel's
 
-/** The folder without links, and the name in it. Empty if there is no such folder. */
+/** Returns the path with a folder free of links, or an empty text if the folder does not exist. */
 std::string canonicalName(const std::string& path) {
     const fs::path target(linkTarget(path));
     std::error_code error;

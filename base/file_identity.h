@@ -8,18 +8,21 @@ namespace brevold {
 /** The name of standard input among the inputs, of standard output among the outputs. */
 constexpr char kStandardStream[] = "-";
 
-/** A file that the user named, and the option or argument that it was given for. */
+/** A file that the user named, and the option or argument that named it. */
 struct NamedFile {
     std::string option;
     std::string path;
 };
 
-/** Follows symbolic links, also to a file that does not exist. Throws OutputError on a cycle. */
+/**
+ * Returns the path that symbolic links lead to; no file needs to exist there. Throws OutputError on
+ * a cycle.
+ */
 std::string linkTarget(const std::string& path);
 
 /**
- * The descriptor of this process that a name leads to: 1 for "-" and "/dev/stdout", 3 for
- * "/dev/fd/3"; -1 for any other name.
+ * Returns the descriptor of this process that a name leads to: 1 for "-" and "/dev/stdout", 3 for
+ * "/dev/fd/3", -1 for any other name.
  */
 int ownDescriptor(const std::string& path);
 

@@ -40,7 +40,7 @@ void installHandlers() {
     }
 }
 
-/** Keeps both signals out while a file exists that is not registered, or no longer. */
+/** Blocks both signals while a file exists that is not registered in gPaths. */
 class SignalBlock {
   public:
     SignalBlock() {

@@ -26,10 +26,10 @@ class PartialFile {
     PartialFile(const PartialFile&) = delete;
     PartialFile& operator=(const PartialFile&) = delete;
 
-    /** The open file; the caller takes it once. */
+    /** Returns the open file. Call it once. */
     Descriptor takeDescriptor() { return std::move(mFile); }
 
-    /** Gives the file its final name, replacing a file of that name. Returns false with errno. */
+    /** Replaces any file of that name. Returns false, with errno set, on an error. */
     bool rename(const std::string& target);
 
   private:

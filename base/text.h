@@ -2,23 +2,11 @@
 
 #include <algorithm>
 #include <charconv>
-#include <cstdarg>
 #include <cstdint>
-#include <cstdio>
 #include <string>
 #include <string_view>
 
 namespace brevold {
-
-/** printf into a string; what goes beyond 1023 characters is cut. */
-__attribute__((format(printf, 1, 2))) inline std::string format(const char* pattern, ...) {
-    char text[1024];
-    va_list args;
-    va_start(args, pattern);
-    vsnprintf(text, sizeof(text), pattern, args);
-    va_end(args);
-    return text;
-}
 
 inline double toSeconds(int64_t ns) {
     return static_cast<double>(ns) / 1e9;
@@ -32,7 +20,7 @@ bool parseWhole(std::string_view text, T* number) {
     return result.ec == std::errc() && result.ptr == end;
 }
 
-/** Returns the text in quotes for a message: control characters replaced, a long text cut. */
+/** Quotes a text for a message. Replaces control characters and cuts a long text. */
 std::string quote(std::string_view text);
 
 constexpr std::string_view kBlanks = " \t\r";

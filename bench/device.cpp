@@ -162,16 +162,12 @@ StackBytes stackOf(Channel channel) {
 SleepWatch::SleepWatch(pid_t thread)
       : mFile(open(("/proc/self/task/" + std::to_string(thread) + "/stat").c_str(),
                    O_RDONLY | O_CLOEXEC)) {
-    if (mFile < 0) throw std::runtime_error("no such thread");
-}
-
-SleepWatch::~SleepWatch() {
-    close(mFile);
+    if (!mFile.isOpen()) throw std::runtime_error("no such thread");
 }
 
 bool SleepWatch::isAsleep() const {
     char text[128];
-    const ssize_t length = pread(mFile, text, sizeof(text) - 1, 0);
+    const ssize_t length = pread(mFile.get(), text, sizeof(text) - 1, 0);
     if (length <= 0) throw std::runtime_error("a thread has ended");
     text[length] = '\0';
     const char* const state = strrchr(text, ')');

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <string>
 
+#include "base/descriptor.h"
 #include "brevold/brevold.h"
 #include "brevold/protocol.h"
 
@@ -68,14 +69,11 @@ void spinUntil(Condition condition) {
 class SleepWatch {
   public:
     explicit SleepWatch(pid_t thread);
-    ~SleepWatch();
-    SleepWatch(const SleepWatch&) = delete;
-    SleepWatch& operator=(const SleepWatch&) = delete;
 
     bool isAsleep() const;
 
   private:
-    const int mFile;
+    const Descriptor mFile;
 };
 
 }  // namespace brevold::bench

@@ -5,8 +5,8 @@
 #include "brevold/frame_rate.h"
 
 /**
- * What the library exchanges with the performance service, the feature switch and the settings.
- * The tools that answer or decode its requests share it.
+ * The interface between the library and the performance service, the feature switch and the
+ * settings. The tools that answer or decode the library's requests share it.
  */
 namespace android {
 
@@ -64,15 +64,14 @@ constexpr unsigned kBoostLevelShift = 19;
 constexpr uint32_t kFieldMask = 0x7;
 constexpr uint32_t kQbChannelBit = 1u << 22;
 
-/** Truncates toward zero on every processor. Negative and NaN give 0, too large UINT32_MAX. */
+/** Truncates toward zero. Negative values and NaN give 0, too large ones UINT32_MAX. */
 constexpr uint32_t saturatingUint32(float value) {
     if (!(value > 0.0f)) return 0;
     if (value >= 4294967296.0f) return UINT32_MAX;
     return static_cast<uint32_t>(value);
 }
 
-/** Direction and boost level are not masked: a value of more than 3 bits runs into the next field.
- */
+/** Direction and boost level are not masked: values above 7 run into the next field. */
 constexpr uint32_t packTypeWord(float scale, uint32_t direction, uint32_t boostLevel) {
     return (saturatingUint32(scale * 1000.0f) & kScaleMask) | direction << kDirectionShift |
            boostLevel << kBoostLevelShift;
@@ -103,7 +102,7 @@ constexpr char kDebugProperty[] = "vendor.perf.brevold.debug";
 constexpr char kScalingDownProperty[] = "vendor.perf.pfar.down.enable";
 constexpr char kDebugLayersProperty[] = "vendor.perf.brevold.debug.layers";
 
-/** Frame rates of each frame-rate mode. */
+/** The frame rates of each frame-rate mode. */
 constexpr const char* kModeLabels[] = {"27 fps and less",         "27 to 32 fps",
                                        "47 to 62 fps (60 Hz)",    "77 to 92 fps (90 Hz)",
                                        "107 to 122 fps (120 Hz)", "unclassified or idle"};

@@ -86,7 +86,7 @@ bool ScalingSyncThread::threadLoop() {
 }
 
 bool ScalingSyncThread::waitAndSend() {
-    // Between two passes the lock is free for a moment; a signal sent meanwhile is lost.
+    // Between two passes the lock is free for a moment; a signal sent then is lost.
     Mutex::Autolock lock(mLock);
     const status_t status = mCondition.wait(mLock);
     if (status != OK) {

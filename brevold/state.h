@@ -12,7 +12,7 @@
 #include "brevold/scaling_sync_thread.h"
 
 // The process-wide state. Variables without GUARDED_BY are shared without a lock on purpose, and
-// none is atomic: a late value costs one frame's decision, a lock would make compositor threads
+// none is atomic: a late value costs one frame's decision, but a lock would make compositor threads
 // wait for each other. The compositor does not run brevoldInit or clearConfigs concurrently with
 // other entry points. Lock order: gLock, then a worker's own lock.
 
@@ -69,17 +69,17 @@ extern float gIntervalSum;
 extern float gFps;
 
 // Requests posted in the window. Refresh ticks read and reset them without a lock, so a request
-// that is counted meanwhile may be lost. DOWN and UP are counted by frame reports without a lock,
-// jank boosts (gIdleCount) by vsyncs under gLock.
+// that is counted at the same time may be lost. DOWN and UP are counted by frame reports without a
+// lock, jank boosts (gIdleCount) by brevoldScaling under gLock.
 extern int32_t gDownCount;
 extern int32_t gUpCount;
 extern int32_t gIdleCount;
 
 /** Stamp of the previous frame, in nanoseconds; only frame reports use it. */
 extern int64_t gLastFrameStamp;
-/** Written by refresh ticks without a lock, read by vsyncs under gLock. In nanoseconds. */
+/** Written by refresh ticks without a lock, read by brevoldMonitor under gLock. Nanoseconds. */
 extern int64_t gLastRefreshTime;
-/** Written by frame reports without a lock, read by vsyncs under gLock. In nanoseconds. */
+/** Written by frame reports without a lock, read by brevoldScaling under gLock. Nanoseconds. */
 extern int64_t gVsyncPeriod;
 extern bool gPrevQueueBusy GUARDED_BY(gLock);
 

@@ -3,7 +3,7 @@
 #include <cutils/properties.h>
 
 #include <algorithm>
-#include <charconv>
+#include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -11,6 +11,8 @@
 #include <map>
 #include <string_view>
 
+#include "base/descriptor.h"
+#include "base/text.h"
 #include "brevold/protocol.h"
 
 namespace brevold::host {
@@ -44,15 +46,12 @@ bool startsWith(std::string_view text, std::string_view prefix) {
 }
 
 std::string_view trim(std::string_view text) {
-    constexpr std::string_view kBlanks = " \t\r";
-    const size_t begin = std::min(text.find_first_not_of(kBlanks), text.size());
-    return text.substr(begin, text.find_last_not_of(kBlanks) + 1 - begin);
+    return trimEnd(trimStart(text));
 }
 
 int32_t parseInt(std::string_view text, const char* expected) {
     int32_t value = 0;
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc() || end != text.data() + text.size()) {
+    if (!parseWhole(text, &value)) {
         throw ProfileError("expected " + std::string(expected) + ", got \"" + std::string(text) +
                            "\"");
     }
@@ -162,7 +161,7 @@ void loadProfile(const std::string& path) {
         throw ProfileError(path + ": expected a profile, got a directory");
     }
     std::ifstream file(path);
-    if (!file) throw ProfileError(path + ": cannot be opened: " + strerror(errno));
+    if (!file) throw ProfileError(path + ": cannot be opened: " + errnoText(errno));
     std::map<std::string, int> lines;
     std::string line;
     for (int number = 1; std::getline(file, line); ++number) {

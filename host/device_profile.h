@@ -5,13 +5,13 @@
 #include <string>
 
 /**
- * The system properties, allowed features and application types with which the fakes answer. A
+ * The system properties, allowed features and application types from which the fakes answer. A
  * process has one profile. It starts empty: every property has its default, no feature is allowed
  * and no application type is known. Not thread-safe; fill it before the library is initialised.
  *
  * A profile file holds one key=value per line, each key once. Blanks around keys and values, empty
- * lines and lines that start with # are skipped. The output of getprop is a profile too: of its
- * lines "[key]: [value]" only the properties that the library reads are used.
+ * lines and lines that start with # are skipped. The output of getprop is a profile too: its lines
+ * "[key]: [value]" count only for properties that the library reads.
  *
  *   vendor.perf.pfar.enable=1     a system property that the library reads
  *   feature.5=1                   feature 4 (jank boost) or 5 (energy scaling); 1 allows it
@@ -27,7 +27,7 @@ struct ProfileError : std::runtime_error {
 /** Adds the entries of a file to the profile. Throws ProfileError with file and line. */
 void loadProfile(const std::string& path);
 
-/** Sets one entry, also one that is set already. Throws ProfileError. */
+/** Sets one entry, replacing an earlier value. Throws ProfileError. */
 void setProfileEntry(const std::string& entry);
 
 /**

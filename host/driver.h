@@ -17,14 +17,14 @@ enum class Workers : uint8_t {
 };
 
 /**
- * Plays the compositor to libbrevold in virtual time: starts a fake device, finds the library's
- * entry points by symbol lookup as a compositor does, and calls them. It is also the worked example
- * of how to bind the library.
+ * Calls libbrevold as a compositor does, in virtual time: starts a fake device, looks up the
+ * library's entry points by name, and calls them. It is also the worked example of how to bind the
+ * library.
  *
  * The library keeps its state for the life of the process, so create one driver per process. Fill
  * the device profile first (host/device_profile.h). The program must export its symbols and link
  * virtual_platform. Use the driver from the main thread only. Times are nanoseconds and must not
- * decrease. takeLog() and takeTraceMarks() return what the library logged and traced meanwhile.
+ * decrease. takeLog() and takeTraceMarks() return the library's log lines and trace marks.
  */
 class Driver {
   public:
@@ -49,10 +49,10 @@ class Driver {
     /** A vsync: calls brevoldMonitor. Returns its verdict. */
     bool vsync(int64_t timeNs, int32_t queuedFrames, int64_t periodNs);
 
-    /** Returns the calls of the performance service since the last call of this, in order. */
+    /** Returns the calls of the performance service since the last time, in order. */
     std::vector<ServiceCall> takeServiceCalls();
 
-    /** Closes the library with dlclose. Throws std::runtime_error; call no entry point after it. */
+    /** Closes the library; call no entry point afterwards. Throws std::runtime_error. */
     void closeLibrary();
 
   private:

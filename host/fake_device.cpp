@@ -15,7 +15,7 @@ namespace fs = std::filesystem;
 
 constexpr char kLibraryName[] = "libbrevold.so";
 
-/** Where the libraries of the running program are. */
+/** The folders of the running program's libraries. */
 struct Folders {
     fs::path library;
     fs::path fakes;

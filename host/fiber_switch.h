@@ -27,8 +27,8 @@
 namespace brevold::host {
 
 /**
- * Tells the sanitizers about the switches between the main thread's stack and one fiber's. Call
- * each function on the stack that its name says, next to the switch. Without sanitizers they do
+ * Announces the switches between the main thread's stack and one fiber's to the sanitizers. Call
+ * each function next to the switch, on the stack that its name implies. Without sanitizers they do
  * nothing.
  */
 class FiberSwitch {

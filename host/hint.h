@@ -30,7 +30,7 @@ struct Hint {
 /** Returns "DOWN", "UP", "jank boost", "release" or "refresh-rate". */
 const char* nameOf(HintKind kind);
 
-/** True if hints of this kind carry a scale, a direction and a boost level. */
+/** Returns true if hints of this kind carry a scale, a direction and a boost level. */
 bool hasScale(HintKind kind);
 
 /** Formats a hint for display: "DOWN 0.282", "release of 2", "refresh-rate 90". */

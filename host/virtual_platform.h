@@ -8,7 +8,7 @@
 /**
  * A program that links this and exports its symbols supplies systemTime, the log and the trace
  * facility to every library that it opens. Time changes only through setTimeNs(), and log lines and
- * trace marks are kept. The workers are supplied apart; see host/workers.h.
+ * trace marks are kept. The workers are separate; see host/workers.h.
  *
  * Call the functions from the main thread only.
  */

@@ -11,7 +11,7 @@
  * program links one of them; it supplies android::Thread::run, pthread_cond_wait and
  * pthread_cond_signal to the libraries that the program opens.
  *
- * All functions are for the main thread.
+ * Call all functions except currentWorker() from the main thread.
  */
 namespace brevold::host {
 
@@ -34,7 +34,7 @@ void settle();
 void holdWorkers();
 void releaseWorkers();
 
-/** Returns how often the workers' conditions were signalled, waiting worker or not. */
+/** Returns how often the workers' conditions were signalled, even if no worker was waiting. */
 int signalCount();
 
 /** Wakes a waiting worker without a request. */

@@ -8,7 +8,7 @@
 
 namespace brevold::replay {
 
-/** What the library did at one time. */
+/** The library's hints and verdicts at one time. */
 struct Moment {
     std::vector<host::Hint> hints;
     /** Boost verdicts; two vsyncs may have the same stamp. */

@@ -46,14 +46,19 @@ void serialize(Archive& archive, ModeChange& change) {
 }
 
 template <typename Archive>
+void serialize(Archive& archive, RecordedMark& mark) {
+    archive(mark.mark, mark.callerTid);
+}
+
+template <typename Archive>
 void serialize(Archive& archive, Recording& recording) {
     archive(recording.isAnyFeatureOn, recording.hints, recording.modes, recording.verdictTimesNs,
-            recording.log, recording.threads, recording.traceMarks);
+            recording.log, recording.threads, recording.marks);
 }
 
 namespace {
 
-/** What the child sends to its parent. */
+/** The child's message to its parent. */
 struct Outcome {
     std::string error;  // empty if the recording is valid
     Recording recording;

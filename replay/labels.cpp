@@ -74,6 +74,20 @@ Label labelOf(trace::TraceWarning::Kind kind) {
             return {"lines that are not rows of a latency dump", "stray-row"};
         case Kind::OutOfOrderRow:
             return {"rows skipped because they go back in time", "out-of-order-row"};
+        case Kind::IncompletePacket:
+            return {"the last packet is incomplete", "incomplete-packet"};
+        case Kind::DamagedPacket:
+            return {"damaged packets", "damaged-packet"};
+        case Kind::LossyBundle:
+            return {"ftrace bundles before which events were lost", "lossy-bundle"};
+        case Kind::LossyProcessor:
+            return {"processors whose ftrace buffer lost events", "lossy-processor"};
+        case Kind::UnknownClock:
+            return {"ftrace bundles in a clock that is not related to boot time", "unknown-clock"};
+        case Kind::OutOfOrderEvent:
+            return {"events skipped because they go back in time", "out-of-order-event"};
+        case Kind::BadCounterValue:
+            return {"counters skipped because their value is not a number", "bad-counter-value"};
         case Kind::NegativeDepth:
             return {"queue depths below 0, taken as 0", "negative-depth"};
         case Kind::DepthJump:
@@ -97,8 +111,9 @@ const char* vsyncSourceText(trace::VsyncSource source) {
 }
 
 std::string warningText(const trace::TraceWarning& warning) {
-    return fmt::format("{}: {}, the first in line {}", labelOf(warning.kind).text,
-                       warning.lines.lines, warning.lines.firstLine);
+    std::string text = fmt::format("{}: {}", labelOf(warning.kind).text, warning.lines.lines);
+    if (warning.lines.firstLine == 0) return text;
+    return text + fmt::format(", the first in line {}", warning.lines.firstLine);
 }
 
 const char* periodSourceWord(trace::PeriodSource source) {

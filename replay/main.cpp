@@ -6,6 +6,7 @@
 #include "replay/divergence.h"
 #include "replay/hints_csv.h"
 #include "replay/isolated_play.h"
+#include "replay/marked_perfetto.h"
 #include "replay/marked_trace.h"
 #include "replay/options.h"
 #include "replay/plot.h"
@@ -30,7 +31,9 @@ void writeHints(const std::string& path, const Recording& recording) {
 void writeTrace(const std::string& path, trace::TraceInput& input, const trace::Timeline& timeline,
                 const trace::TraceForm& form, const Recording& recording) {
     OutputFile file(path);
-    writeTrace(input.open(), input.name(), timeline, form, recording, file.stream());
+    const bool isPerfetto = input.kind() == trace::TraceInput::Kind::Perfetto;
+    const auto write = isPerfetto ? writePerfetto : replay::writeTrace;
+    write(input.open(), input.name(), timeline, form, recording, file.stream());
     file.commit();
 }
 

@@ -9,9 +9,10 @@
 namespace brevold::replay {
 
 void addOptions(CLI::App& app, Options& options) {
-    app.add_option("TRACE", options.traces,
-                   "ftrace text, systrace page or latency dump, optionally gzipped; - reads "
-                   "standard input")
+    app.add_option(
+               "TRACE", options.traces,
+               "Perfetto trace, ftrace text, systrace page or latency dump, optionally gzipped; "
+               "- reads standard input")
             ->required();
     app.add_option("--profile", options.profile,
                    "device profile: a file of key=value lines; without it all features are off")

@@ -48,7 +48,7 @@ class Player {
         for (const TimelineEvent& event : mTimeline.events) {
             progress.update(played++);
             apply(event);
-            takeOutput();
+            takeOutput(event.tid);
         }
         for (const host::StartedThread& thread : host::startedThreads())
             mRecording.threads.push_back(thread.name);
@@ -128,7 +128,7 @@ class Player {
         }
     }
 
-    void takeOutput() {
+    void takeOutput(int32_t callerTid) {
         for (const host::ServiceCall& call : mDriver.takeServiceCalls()) {
             if (call.kind == host::ServiceCall::Kind::Hint) {
                 mRecording.hints.push_back(host::decodeHint(call));
@@ -140,7 +140,7 @@ class Player {
             mRecording.log.push_back(std::move(line));
         }
         for (host::TraceMark& mark : host::takeTraceMarks()) {
-            mRecording.traceMarks.push_back(std::move(mark));
+            mRecording.marks.push_back({std::move(mark), callerTid});
         }
     }
 

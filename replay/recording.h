@@ -14,7 +14,14 @@ struct ModeChange {
     int32_t mode;
 };
 
-/** What the library did on a timeline. All lists are in time order. */
+/** A mark of the library. */
+struct RecordedMark {
+    host::TraceMark mark;
+    /** The thread of the trace whose event led to the mark; 0 if unknown. */
+    int32_t callerTid;
+};
+
+/** The library's behaviour during a replay. All lists are in time order. */
 struct Recording {
     /** The result of brevoldInit. */
     bool isAnyFeatureOn = false;
@@ -26,7 +33,7 @@ struct Recording {
     std::vector<host::LogLine> log;
     /** Names of the library's workers, indexed by TraceMark::thread. */
     std::vector<std::string> threads;
-    std::vector<host::TraceMark> traceMarks;
+    std::vector<RecordedMark> marks;
 };
 
 }  // namespace brevold::replay

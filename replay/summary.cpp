@@ -35,6 +35,15 @@ void countEvents(const trace::Timeline& timeline, Summary& summary) {
     }
 }
 
+Summary::FrameVerdicts countVerdicts(const std::vector<trace::JudgedFrame>& frames) {
+    Summary::FrameVerdicts counts = {static_cast<int32_t>(frames.size()), 0, 0};
+    for (const trace::JudgedFrame& frame : frames) {
+        counts.late += frame.verdict == trace::FrameVerdict::Late ? 1 : 0;
+        counts.dropped += frame.verdict == trace::FrameVerdict::Dropped ? 1 : 0;
+    }
+    return counts;
+}
+
 void sumRequests(const std::vector<host::Hint>& hints, Summary& summary) {
     for (const host::Hint& hint : hints) {
         RequestSummary& request = summary.requests[static_cast<size_t>(hint.kind)];
@@ -97,6 +106,7 @@ Summary summarise(const std::string& trace, const trace::Timeline& timeline,
     summary.periodCounter = timeline.periodCounter;
     summary.compositionSource = timeline.compositionSource;
     summary.vsyncSource = timeline.vsyncSource;
+    if (timeline.judgedFrames) summary.frameVerdicts = countVerdicts(*timeline.judgedFrames);
     summary.warnings = timeline.warnings;
     summary.boostVerdicts = static_cast<int32_t>(recording.verdictTimesNs.size());
     summary.isAnyFeatureOn = recording.isAnyFeatureOn;

@@ -48,6 +48,13 @@ struct Summary {
     trace::CompositionSource compositionSource;
     int32_t vsyncs;
     trace::VsyncSource vsyncSource;
+    /** The platform's verdicts on the focused layer's frames, if the trace has any. */
+    struct FrameVerdicts {
+        int32_t frames;
+        int32_t late;
+        int32_t dropped;
+    };
+    std::optional<FrameVerdicts> frameVerdicts;
     int32_t boostVerdicts;
     bool isAnyFeatureOn;
     /** False if the library's debug output, which reports the modes, is off. */

@@ -44,6 +44,11 @@ Json objectOf(const Summary& summary) {
     object["composition_source"] = compositionSourceWord(summary.compositionSource);
     object["vsyncs"] = summary.vsyncs;
     object["vsync_source"] = vsyncSourceWord(summary.vsyncSource);
+    if (summary.frameVerdicts) {
+        object["frame_timeline"] = {{"frames", summary.frameVerdicts->frames},
+                                    {"late", summary.frameVerdicts->late},
+                                    {"dropped", summary.frameVerdicts->dropped}};
+    }
     object["boost_verdicts"] = summary.boostVerdicts;
     object["any_feature_on"] = summary.isAnyFeatureOn;
     object["mode_s"] = nullptr;
@@ -60,9 +65,9 @@ Json objectOf(const Summary& summary) {
     object["errors"] = summary.errors;
     object["warnings"] = Json::array();
     for (const trace::TraceWarning& warning : summary.warnings) {
-        object["warnings"].push_back({{"kind", warningWord(warning.kind)},
-                                      {"count", warning.lines.lines},
-                                      {"first_line", warning.lines.firstLine}});
+        Json item = {{"kind", warningWord(warning.kind)}, {"count", warning.lines.lines}};
+        if (warning.lines.firstLine != 0) item["first_line"] = warning.lines.firstLine;
+        object["warnings"].push_back(std::move(item));
     }
     return object;
 }

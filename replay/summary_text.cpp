@@ -33,6 +33,11 @@ void printTrace(const Summary& summary, std::ostream& out) {
                compositionSourceText(summary.compositionSource));
     fmt::print(out, "vsyncs        {} ({}), boost verdicts {}\n", summary.vsyncs,
                vsyncSourceText(summary.vsyncSource), summary.boostVerdicts);
+    if (summary.frameVerdicts) {
+        fmt::print(out, "deadlines     {} frames, {} late, {} dropped (from the frame timeline)\n",
+                   summary.frameVerdicts->frames, summary.frameVerdicts->late,
+                   summary.frameVerdicts->dropped);
+    }
     if (!summary.isAnyFeatureOn) {
         out << "features      all off, so the library sends no hints; is a --profile missing?\n";
     }

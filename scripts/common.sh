@@ -1,6 +1,6 @@
 # shellcheck shell=bash
-# Sourced first by each script in this folder. Answers --help, changes to the checkout's root, and
-# defines how scripts report errors.
+# Sourced first by each script in this folder and by .ci/run. Answers --help, changes to the checkout's
+# root, and defines how scripts report errors.
 #
 # The comment at the top of a script is its help text. Its first line is the usage.
 set -euo pipefail
@@ -15,7 +15,7 @@ fail() {
 
 # usage_error MESSAGE: reports wrong arguments and exits.
 usage_error() {
-    echo "$script: $*; see scripts/$script --help" >&2
+    echo "$script: $*; see $0 --help" >&2
     exit 2
 }
 

@@ -5,7 +5,8 @@
 target_packages=(
     libc++-dev libc++abi-dev
     android-libutils-dev android-libcutils-dev android-liblog-dev
-    libboost-context-dev libcereal-dev libcli11-dev libfmt-dev nlohmann-json3-dev zlib1g-dev
+    libboost-context-dev libcereal-dev libcli11-dev libfmt-dev libprotozero-dev
+    nlohmann-json3-dev zlib1g-dev
 )
 build_packages=(
     clang cmake ninja-build
@@ -18,7 +19,7 @@ sanitizer_packages=(
     llvm # llvm-symbolizer, for the reports
 )
 arm64_packages=(lld qemu-user)
-# What clang brings on the build machine.
+# The parts of the sysroot that come with clang on the build machine.
 arm64_sysroot_packages=(libc6-dev libgcc-12-dev)
 # Format checks, the second compiler, the test of the plots and the tables of docs/effect.md.
 ci_packages=(clang-format blueprint-tools g++ make git gnuplot-nox jq)

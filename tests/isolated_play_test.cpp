@@ -12,7 +12,7 @@ TEST(IsolatedPlayTest, ReportsHowTheReplayFailed) {
     timeline.layers = {{"com.example/a#1", 1}};
     // The first frame's predecessor has the stamp -1: their difference overflows.
     const int64_t timeNs = std::numeric_limits<int64_t>::max();
-    timeline.events = {{timeNs, trace::TimelineEvent::Kind::Frame, 0, 1, 0}};
+    timeline.events = {{timeNs, trace::TimelineEvent::Kind::Frame, 0, 1, 0, 0}};
     const struct {
         std::vector<std::string> settings;
         const char* error;

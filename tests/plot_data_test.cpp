@@ -27,10 +27,12 @@ TEST(PlotDataTest, HasACurveForEachQuantity) {
     timeline.focusedLayer = 1;
     timeline.startNs = 1000 * kMs;
     timeline.endNs = 3000 * kMs;
-    timeline.events = {
-            {1000 * kMs, Kind::Period, 0, 0, 10 * kMs}, {1100 * kMs, Kind::Frame, 1, 1, 0},
-            {1150 * kMs, Kind::Frame, 0, 7, 0},         {1200 * kMs, Kind::Depth, 1, 0, 0},
-            {1300 * kMs, Kind::Frame, 1, 1, 0},         {2000 * kMs, Kind::Period, 0, 0, 20 * kMs}};
+    timeline.events = {{1000 * kMs, Kind::Period, 0, 0, 0, 10 * kMs},
+                       {1100 * kMs, Kind::Frame, 1, 1, 0, 0},
+                       {1150 * kMs, Kind::Frame, 0, 7, 0, 0},
+                       {1200 * kMs, Kind::Depth, 1, 0, 0, 0},
+                       {1300 * kMs, Kind::Frame, 1, 1, 0, 0},
+                       {2000 * kMs, Kind::Period, 0, 0, 0, 20 * kMs}};
     Recording recording;
     recording.modes = {{1000 * kMs, 5}, {2500 * kMs, 2}};
     recording.hints = {hintAt(1400, host::HintKind::Down, 0, 0.5),

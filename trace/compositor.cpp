@@ -47,7 +47,7 @@ int32_t Compositor::findProcess() const {
 int32_t Compositor::findThread() const {
     std::map<int32_t, std::array<int64_t, 2>> scores;
     for (const Section& section : mMarks.sections()) {
-        if (section.pid == mPid) ++scores[section.tid][section.isCommit() ? 1 : 0];
+        if (section.pid == mPid) ++scores[section.begin.tid][section.isCommit() ? 1 : 0];
     }
     if (!scores.empty()) return keyOfMax(scores);
 
@@ -57,7 +57,7 @@ int32_t Compositor::findThread() const {
         if (role != CounterRole::Candidate && role != CounterRole::BufferTx) continue;
         int64_t last = 0;
         for (const CounterValue& change : mChanges[track]) {
-            if (change.value < last) ++falls[change.tid];
+            if (change.value < last) ++falls[change.at.tid];
             last = change.value;
         }
     }
@@ -68,7 +68,7 @@ std::vector<const Section*> Compositor::compositions() const {
     std::vector<const Section*> composing;
     std::vector<const Section*> committing;
     for (const Section& section : mMarks.sections()) {
-        if (section.pid != mPid || section.tid != mTid) continue;
+        if (section.pid != mPid || section.begin.tid != mTid) continue;
         (section.isCommit() ? committing : composing).push_back(&section);
     }
     return composing.empty() ? committing : composing;

@@ -25,8 +25,7 @@ bool parseEventLine(std::string_view text, EventLine* line);
 /** Returns true if the line has no event by design: it is blank or a comment. */
 bool isBlankOrComment(std::string_view text);
 
-/** Returns true if `head`, the first bytes of a text, contains an ftrace header or an event line.
- */
+/** Returns true if `head` contains an ftrace header or an event line. */
 bool beginsAsFtrace(std::string_view head);
 
 }  // namespace brevold::trace

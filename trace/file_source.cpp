@@ -21,7 +21,8 @@ constexpr size_t kCopyBytes = 64 * 1024;
 
 Descriptor openInput(const std::string& path, const std::string& name) {
     const bool isStandardInput = path == "-";
-    Descriptor file(isStandardInput ? dup(STDIN_FILENO) : open(path.c_str(), O_RDONLY | O_CLOEXEC));
+    Descriptor file(isStandardInput ? fcntl(STDIN_FILENO, F_DUPFD_CLOEXEC, 0)
+                                    : open(path.c_str(), O_RDONLY | O_CLOEXEC));
     struct stat status;
     if (!file.isOpen() || fstat(file.get(), &status) != 0) failWithErrno(name, "cannot be opened");
     const bool isFile = S_ISREG(status.st_mode) || S_ISFIFO(status.st_mode);

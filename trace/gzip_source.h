@@ -1,10 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
 #include <string_view>
 
 #include "trace/byte_source.h"
+#include "trace/expansion_limit.h"
 
 struct z_stream_s;
 
@@ -13,13 +15,16 @@ namespace brevold::trace {
 /** Returns true if bytes that begin with `head` are gzip data. */
 bool isGzip(std::string_view head);
 
-/** The decompressed bytes of gzip data. */
+/** The decompressed bytes of gzip data, or of a zlib stream. */
 class GzipSource : public ByteSource {
   public:
-    /** Error messages begin with `name`. */
-    GzipSource(std::unique_ptr<ByteSource> compressed, std::string name);
+    enum class Format : uint8_t { Gzip, Zlib };
 
-    /** Throws InputError also if the data is incomplete. Bytes after the gzip data are ignored. */
+    /** Error messages begin with `name`. */
+    GzipSource(std::unique_ptr<ByteSource> compressed, std::string name,
+               Format format = Format::Gzip);
+
+    /** Throws InputError also if the data is incomplete. Bytes after the data are ignored. */
     size_t read(char* bytes, size_t size) override;
     void rewind() override;
 
@@ -33,9 +38,12 @@ class GzipSource : public ByteSource {
 
     const std::unique_ptr<ByteSource> mCompressed;
     const std::string mName;
+    const Format mFormat;
     const std::unique_ptr<z_stream_s, StreamDeleter> mStream;
     std::string mBlock;        // compressed bytes
-    bool mIsInMember = false;  // gzip data is a sequence of members
+    bool mIsInMember = false;  // gzip data is a sequence of members; a zlib stream is one
+    bool mHasMember = false;
+    ExpansionLimit mExpansion;
 };
 
 }  // namespace brevold::trace

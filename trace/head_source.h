@@ -7,7 +7,7 @@
 
 namespace brevold::trace {
 
-/** The bytes of another source, of which the first can be examined before any are read. */
+/** The bytes of another source. The first ones can be examined before any are read. */
 class HeadSource : public ByteSource {
   public:
     /** Reads up to `headBytes` bytes of `source`. Throws InputError. */

@@ -13,10 +13,10 @@ namespace brevold::trace {
 bool isLatencyDump(std::string_view head);
 
 /**
- * Reads what "dumpsys SurfaceFlinger --latency LAYER" prints. A frame is queued when its rendering
- * is done and latched one refresh period before its present, which is a vsync. Frames that were not
- * presented are omitted. The layer is named options.layer, else "layer". Throws InputError, with
- * messages that begin with `path`.
+ * Reads the output of "dumpsys SurfaceFlinger --latency LAYER". A frame is queued when its
+ * rendering is done and latched one refresh period before its present, which is a vsync. Frames
+ * that were not presented are omitted. The layer is named options.layer, else "layer". Throws
+ * InputError, with messages that begin with `path`.
  */
 Timeline readLatencyDump(ByteSource& text, const std::string& path, const TimelineOptions& options);
 

@@ -12,8 +12,8 @@ bool crossesThreads(const Compositor::Values& changes, int32_t compositorTid) {
     bool fallsHere = false;
     int64_t last = 0;
     for (const CounterValue& change : changes) {
-        risesElsewhere |= change.value > last && change.tid != compositorTid;
-        fallsHere |= change.value < last && change.tid == compositorTid;
+        risesElsewhere |= change.value > last && change.at.tid != compositorTid;
+        fallsHere |= change.value < last && change.at.tid == compositorTid;
         last = change.value;
     }
     return risesElsewhere && fallsHere;

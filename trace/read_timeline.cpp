@@ -6,6 +6,7 @@
 #include "trace/compositor.h"
 #include "trace/focused_layer.h"
 #include "trace/latency_dump.h"
+#include "trace/perfetto_reader.h"
 #include "trace/period_source.h"
 #include "trace/queued_layer.h"
 #include "trace/text_mark_reader.h"
@@ -14,6 +15,18 @@
 
 namespace brevold::trace {
 namespace {
+
+/** The beginnings of the labels of the library's sections. */
+constexpr std::string_view kLibrarySections[] = {"[DOWN_SCALING]mode", "[UP_SCALING]mode",
+                                                 "energyScaling[", "[FM]gMode:"};
+
+bool isLibraryMark(const TraceMark& mark) {
+    return mark.kind == TraceMark::Kind::Begin &&
+           std::any_of(std::begin(kLibrarySections), std::end(kLibrarySections),
+                       [&](std::string_view label) {
+                           return mark.name.substr(0, label.size()) == label;
+                       });
+}
 
 void addLayers(const std::vector<QueuedLayer>& layers, TimelineBuilder& builder,
                std::vector<TraceWarning>* warnings) {
@@ -61,8 +74,11 @@ VsyncSource addVsyncs(const Compositor& compositor, TimelineBuilder& builder) {
 Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOptions& options,
                    TraceForm* form) {
     TraceMarks marks;
-    for (TraceMark mark; reader.next(&mark);)
+    bool hasLibraryMarks = false;
+    for (TraceMark mark; reader.next(&mark);) {
         marks.add(mark);
+        hasLibraryMarks |= isLibraryMark(mark);
+    }
 
     Timeline timeline;
     timeline.startNs = reader.startNs();
@@ -89,6 +105,20 @@ Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOp
         *form = reader.form();
         form->compositorPid = compositor.pid();
         form->compositorTid = compositor.tid();
+        form->hasLibraryMarks = hasLibraryMarks;
+    }
+    return timeline;
+}
+
+Timeline readPerfetto(ByteSource& trace, const std::string& path, const TimelineOptions& options,
+                      TraceForm* form) {
+    PerfettoReader reader(trace, path);
+    Timeline timeline = readMarks(reader, path, options, form);
+    for (TraceWarning& warning : timeline.warnings)
+        warning.lines.firstLine = 0;
+    if (reader.frameTimeline().hasEvents()) {
+        timeline.judgedFrames =
+                reader.frameTimeline().framesOf(timeline.layers[timeline.focusedLayer].name);
     }
     return timeline;
 }
@@ -99,6 +129,9 @@ Timeline readTimeline(TraceInput& input, const TimelineOptions& options, TraceFo
     ByteSource& text = input.open();
     if (input.kind() == TraceInput::Kind::LatencyDump) {
         return readLatencyDump(text, input.name(), options);
+    }
+    if (input.kind() == TraceInput::Kind::Perfetto) {
+        return readPerfetto(text, input.name(), options, form);
     }
     TextMarkReader reader(text, input.name());
     return readMarks(reader, input.name(), options, form);

@@ -7,7 +7,7 @@
 
 namespace brevold::trace {
 
-/** The bytes of a string, for tests. Each read gives at most `maxRead` bytes. */
+/** The bytes of a string. Each read gives at most `maxRead` bytes. */
 class StringSource : public ByteSource {
   public:
     explicit StringSource(std::string bytes, size_t maxRead = std::string::npos)

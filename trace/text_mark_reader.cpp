@@ -75,7 +75,8 @@ bool TextMarkReader::parseMark(std::string_view payload, TraceMark* mark) const 
 void TextMarkReader::noteThread(const EventLine& line) {
     mForm.style.decimals = std::max(mForm.style.decimals, line.decimals);
     std::string& name = mForm.threads[line.tid];
-    if (name.empty() && line.task != kUnknownTask) name = line.task;
+    // A process that starts is renamed more than once; viewers show the last name.
+    if (line.task != kUnknownTask && line.task != name) name = line.task;
 }
 
 void TextMarkReader::noteStyle(const EventLine& line, std::string_view event,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,6 +28,7 @@ struct TimelineEvent {
     Kind kind;
     int32_t layer;     // Frame, Depth: index into Timeline::layers
     int32_t depth;     // Frame, Depth: the queue depth after the event, at least 0; initially 0
+    int32_t tid;       // the thread of the event; 0 if unknown
     int64_t periodNs;  // Period: the refresh period after the event
 };
 
@@ -59,6 +61,16 @@ enum class VsyncSource : uint8_t {
     PresentTimes,  // of a latency dump
 };
 
+/** The platform's own verdict on a frame. */
+enum class FrameVerdict : uint8_t { Unknown, OnTime, Late, Early, Dropped };
+
+/** A frame that the platform judged, from the frame timeline of a Perfetto trace. */
+struct JudgedFrame {
+    int64_t beginNs;
+    int64_t endNs;
+    FrameVerdict verdict;
+};
+
 /** The compositor's activity in a trace. Times are the trace's own, in nanoseconds. */
 struct Timeline {
     /** Layers whose depth changes, in the order of their first mention. Not empty. */
@@ -75,6 +87,8 @@ struct Timeline {
     std::string periodCounter;
     CompositionSource compositionSource = CompositionSource::Latches;
     VsyncSource vsyncSource = VsyncSource::None;
+    /** Frames of the focused layer, in the order of their ends, if the trace has verdicts. */
+    std::optional<std::vector<JudgedFrame>> judgedFrames;
     std::vector<TraceWarning> warnings;
 };
 

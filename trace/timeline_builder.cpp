@@ -64,7 +64,7 @@ void TimelineBuilder::finish() {
 }
 
 void TimelineBuilder::add(TracePoint at, Order order, Kind kind) {
-    mEvents.push_back({at.line, order, {at.timeNs, kind, 0, 0, 0}});
+    mEvents.push_back({at.line, order, {at.timeNs, kind, 0, 0, at.tid, 0}});
 }
 
 void TimelineBuilder::addDepth(TracePoint at, Kind kind, int32_t layer, int32_t depth) {

@@ -15,13 +15,18 @@ struct MarkStyle {
     int32_t decimals = 0;       // the maximum number of decimals in an event's time
 };
 
-/** What a writer needs to add marks to a trace in the trace's own notation. */
+/** The notation and the threads of a trace, for a writer that adds marks to it. */
 struct TraceForm {
+    /** Of a text. */
     MarkStyle style;
+    /** The largest id of a packet sequence in a Perfetto trace. */
+    uint32_t lastSequenceId = 0;
     /** Thread and process ids in the trace, with the thread's name where known. */
     std::unordered_map<int32_t, std::string> threads;
     int32_t compositorPid = 0;
     int32_t compositorTid = 0;
+    /** The trace has sections of the library, recorded on a device or added by a replay. */
+    bool hasLibraryMarks = false;
 };
 
 }  // namespace brevold::trace

@@ -7,6 +7,7 @@
 #include "trace/head_source.h"
 #include "trace/latency_dump.h"
 #include "trace/page_source.h"
+#include "trace/perfetto_packets.h"
 
 namespace brevold::trace {
 namespace {
@@ -30,7 +31,9 @@ TraceInput::TraceInput(std::unique_ptr<ByteSource> bytes, std::string name)
         source = std::make_unique<HeadSource>(std::move(plain), kHeadBytes);
     }
     const std::string& head = source->head();
-    mKind = isLatencyDump(head) ? Kind::LatencyDump : Kind::FtraceText;
+    mKind = beginsAsPerfetto(head) ? Kind::Perfetto
+            : isLatencyDump(head)  ? Kind::LatencyDump
+                                   : Kind::FtraceText;
     if (isPage(head)) {
         mText = std::make_unique<PageSource>(std::move(source), mName);
     } else {

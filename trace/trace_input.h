@@ -10,12 +10,12 @@
 namespace brevold::trace {
 
 /**
- * A recorded trace, plain or gzip-compressed: ftrace text, a systrace page with that text, or a
- * latency dump of the compositor. The first bytes decide which. One thread.
+ * A recorded trace, plain or gzip-compressed: ftrace text, a systrace page with that text, a
+ * Perfetto trace, or a latency dump of the compositor. The first bytes decide which. One thread.
  */
 class TraceInput {
   public:
-    enum class Kind : uint8_t { FtraceText, LatencyDump };
+    enum class Kind : uint8_t { FtraceText, LatencyDump, Perfetto };
 
     /**
      * Opens a file or a pipe, or standard input for "-". Pass Reading::Repeated to call open() more
@@ -30,7 +30,7 @@ class TraceInput {
     Kind kind() const { return mKind; }
 
     /**
-     * Returns the text from its first byte on: decompressed, and of a page only the trace in it.
+     * Returns the trace from its first byte on: decompressed, and of a page only the trace in it.
      * Valid as long as this object; a further call rewinds it. Throws InputError.
      */
     ByteSource& open();

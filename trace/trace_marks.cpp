@@ -44,7 +44,7 @@ void TraceMarks::add(const TraceMark& mark) {
             const size_t track = trackOf(mark.pid, mark.name);
             if (mTracks[track].role == CounterRole::Unrelated) break;
             mCounters.push_back(
-                    {{mark.timeNs, mark.line}, mark.value, static_cast<int32_t>(track), mark.tid});
+                    {{mark.timeNs, mark.line, mark.tid}, mark.value, static_cast<int32_t>(track)});
             break;
         }
     }
@@ -71,7 +71,7 @@ void TraceMarks::begin(const TraceMark& mark) {
                                               [](const auto& inner) { return inner.has_value(); }),
                    open.end());
         nesting.erase(lost, nesting.end());
-        open.push_back({*kind, mark.pid, mark.tid, {mark.timeNs, mark.line}, {}});
+        open.push_back({*kind, mark.pid, {mark.timeNs, mark.line, mark.tid}, {}});
     }
     nesting.push_back(kind);
 }
@@ -89,7 +89,7 @@ void TraceMarks::end(const TraceMark& mark) {
         return outer.isCommit() == section.isCommit();
     });
     if (isInner) return;
-    section.end = {mark.timeNs, mark.line};
+    section.end = {mark.timeNs, mark.line, mark.tid};
     mSections.push_back(section);
 }
 

@@ -26,14 +26,12 @@ struct CounterValue {
     TracePoint at;
     int64_t value;
     int32_t track;  // index of its CounterTrack
-    int32_t tid;
 };
 
 /** A section in which the compositor composes or commits. */
 struct Section {
     CompositionSource kind;
     int32_t pid;
-    int32_t tid;
     TracePoint begin;
     TracePoint end;
 

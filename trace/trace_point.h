@@ -8,6 +8,7 @@ namespace brevold::trace {
 struct TracePoint {
     int64_t timeNs;
     int64_t line;
+    int32_t tid = 0;  // the thread; 0 if unknown
 };
 
 }  // namespace brevold::trace

@@ -7,15 +7,25 @@
 
 namespace brevold::trace {
 
-/** An oddity in a trace that leaves its timeline usable, with the lines that have it. */
+/**
+ * An oddity in a trace that leaves its timeline usable, with the lines that have it. In a Perfetto
+ * trace, which has no lines, the count is that of the things named below and the first line is 0.
+ */
 struct TraceWarning {
     enum class Kind : uint8_t {
-        StrayLine,       // not an event, a comment or blank; skipped
-        OutOfOrderLine,  // more than 1 ms earlier than a line above; skipped
-        StrayRow,        // not a row of a latency dump; skipped
-        OutOfOrderRow,   // its frame was ready before that of an earlier row; skipped
-        NegativeDepth,   // a queue depth below 0; taken as 0
-        DepthJump,       // a queue depth that changes by more than one
+        StrayLine,         // not an event, a comment or blank; skipped
+        OutOfOrderLine,    // more than 1 ms earlier than a line above; skipped
+        StrayRow,          // not a row of a latency dump; skipped
+        OutOfOrderRow,     // its frame was ready before that of an earlier row; skipped
+        IncompletePacket,  // the last one of a Perfetto trace; skipped from there on
+        DamagedPacket,     // skipped from the damage on
+        LossyBundle,       // the recorder lost events before those of an ftrace bundle
+        LossyProcessor,    // its ftrace buffer overran
+        UnknownClock,      // an ftrace bundle whose clock is not related to boot time; taken as is
+        OutOfOrderEvent,   // more than 1 ms earlier than one above in its bundle; skipped
+        BadCounterValue,   // a counter's value is not a number; skipped
+        NegativeDepth,     // a queue depth below 0; taken as 0
+        DepthJump,         // a queue depth that changes by more than one
     };
 
     Kind kind;
