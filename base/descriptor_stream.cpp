@@ -17,10 +17,11 @@ DescriptorStream::DescriptorStream(Descriptor file)
     setp(mBuffer.data(), mBuffer.data() + mBuffer.size());
 }
 
-DescriptorStream::int_type DescriptorStream::overflow(int_type c) {
-    if (sync() != 0) return traits_type::eof();
-    if (!traits_type::eq_int_type(c, traits_type::eof())) sputc(traits_type::to_char_type(c));
-    return traits_type::not_eof(c);
+std::streambuf::int_type DescriptorStream::overflow(std::streambuf::int_type c) {
+    using Traits = std::streambuf::traits_type;
+    if (sync() != 0) return Traits::eof();
+    if (!Traits::eq_int_type(c, Traits::eof())) sputc(Traits::to_char_type(c));
+    return Traits::not_eof(c);
 }
 
 int DescriptorStream::sync() {

@@ -16,7 +16,7 @@ class DescriptorStream : private std::streambuf, public std::ostream {
     const Descriptor& file() const { return mFile; }
 
   private:
-    int_type overflow(int_type c) override;
+    std::streambuf::int_type overflow(std::streambuf::int_type c) override;
     int sync() override;
 
     Descriptor mFile;

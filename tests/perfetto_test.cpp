@@ -311,15 +311,15 @@ TEST(PerfettoTest, ReportsTracesThatItCannotUse) {
             "\"linux.ftrace\" on?";
     EXPECT_EQ(errorOf(filler), noEvents);
     EXPECT_EQ(errorOf(packet(ftraceBundle({}))), noEvents);
-    EXPECT_EQ(
-            errorOf(filler + bytes + "x" + bytes),
-            fmt::format("trace: is damaged at byte {}, where no packet of a Perfetto trace begins",
-                        filler.size() + bytes.size()));
-    std::string endless(11, '\xff');
-    EXPECT_EQ(
-            errorOf(filler + "\n" + endless),
-            fmt::format("trace: is damaged at byte {}, where no packet of a Perfetto trace begins",
-                        filler.size()));
+    const auto damageAt = [](size_t byte) {
+        return fmt::format(
+                "trace: expected a packet of a Perfetto trace at byte {}, got other data; copy the "
+                "file again",
+                byte);
+    };
+    EXPECT_EQ(errorOf(filler + bytes + "x" + bytes), damageAt(filler.size() + bytes.size()));
+    const std::string endlessLength(11, '\xff');
+    EXPECT_EQ(errorOf(filler + "\n" + endlessLength), damageAt(filler.size()));
 }
 
 TEST(PerfettoTest, RefusesPacketsThatExpandTooFar) {

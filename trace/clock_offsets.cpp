@@ -36,7 +36,7 @@ void ClockOffsets::add(std::string_view snapshot) {
         mOffsetsNs[id] = static_cast<int64_t>(boot->second - timeNs);
 }
 
-std::optional<int64_t> ClockOffsets::toBootNs(uint32_t clockId) const {
+std::optional<int64_t> ClockOffsets::offsetToBootNs(uint32_t clockId) const {
     const auto offset = mOffsetsNs.find(clockId);
     if (offset == mOffsetsNs.end()) return std::nullopt;
     return offset->second;

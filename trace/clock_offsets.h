@@ -10,11 +10,14 @@ namespace brevold::trace {
 /** Relates the clocks of a Perfetto trace to boot time. */
 class ClockOffsets {
   public:
-    /** Takes the message ClockSnapshot; a later one replaces the offsets that it has. */
+    /** Takes the message ClockSnapshot. A later one replaces the offsets of its clocks. */
     void add(std::string_view snapshot);
 
-    /** Adds to a clock's time in ns to get boot time; nullopt if no snapshot has both clocks. */
-    std::optional<int64_t> toBootNs(uint32_t clockId) const;
+    /**
+     * Returns the time in ns to add to a time of the clock to get boot time, or nullopt if no
+     * snapshot has both clocks.
+     */
+    std::optional<int64_t> offsetToBootNs(uint32_t clockId) const;
 
   private:
     std::map<uint32_t, int64_t> mOffsetsNs;

@@ -63,7 +63,7 @@ uint64_t FtraceBundles::offsetOf(const Header& header, const ClockOffsets& clock
     if (header.clock == perfetto::kFtraceClockBoot) return 0;
     if (header.clockNs && header.bootNs) return *header.bootNs - *header.clockNs;
     if (header.clock == perfetto::kFtraceClockMonotonicRaw) {
-        const std::optional<int64_t> offsetNs = clocks.toBootNs(perfetto::kMonotonicRawClock);
+        const std::optional<int64_t> offsetNs = clocks.offsetToBootNs(perfetto::kMonotonicRawClock);
         if (offsetNs) return static_cast<uint64_t>(*offsetNs);
     }
     ++mUnknownClocks;

@@ -1,5 +1,7 @@
 #include "trace/perfetto_packets.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <protozero/pbf_message.hpp>
 
@@ -102,8 +104,10 @@ bool PacketReader::next(std::string_view* packet) {
         uint64_t length;
         const Header header = takeHeader(&rest, &length);
         if (header == Header::Wrong) {
-            throw InputError(mPath + ": is damaged at byte " + std::to_string(mBytesTaken) +
-                             ", where no packet of a Perfetto trace begins");
+            throw InputError(
+                    fmt::format("{}: expected a packet of a Perfetto trace at byte {}, got other "
+                                "data; copy the file again",
+                                mPath, mBytesTaken));
         }
         if (header == Header::Whole && length <= rest.size()) {
             *packet = rest.substr(0, length);
@@ -123,9 +127,10 @@ bool PacketReader::fill() {
     mBegin = 0;
     if (mEnd == mBuffer.size()) {
         if (mEnd >= kMaxPacketBytes) {
-            throw InputError(mPath + ": is damaged at byte " + std::to_string(mBytesTaken) +
-                             ", where a packet has more than " + std::to_string(kMaxPacketBytes) +
-                             " bytes");
+            throw InputError(
+                    fmt::format("{}: expected a packet of at most {} bytes at byte {}, got a "
+                                "longer one; copy the file again",
+                                mPath, kMaxPacketBytes, mBytesTaken));
         }
         mBuffer.resize(2 * mBuffer.size());
     }

@@ -15,22 +15,22 @@ namespace brevold::trace {
  */
 bool beginsAsPerfetto(std::string_view head);
 
-/** Splits a Perfetto trace into its packets. Reads from the source's position to its end. */
+/** Splits a Perfetto trace into its packets. */
 class PacketReader {
   public:
-    /** Messages name the input by its path. */
+    /** `source` has to outlive the reader. Error messages begin with `path`. */
     PacketReader(ByteSource& source, std::string path);
 
     /**
      * Reads the next packet, which is valid until the next call. Returns false after the last whole
-     * packet. Throws InputError if the input cannot be read or is no sequence of packets.
+     * packet. Throws InputError if the input cannot be read or is not a sequence of packets.
      */
     bool next(std::string_view* packet);
 
     /** The bytes of the packet that next() returned, with its tag and length. */
     std::string_view bytes() const { return mBytes; }
 
-    /** At the end: the input ends inside a packet. */
+    /** Call it after the last packet. Returns true if the input ends inside a packet. */
     bool isCutShort() const { return mBegin != mEnd; }
 
   private:

@@ -88,7 +88,7 @@ void PerfettoReader::readFields(std::string_view packet) {
         }
     }
     if (frame.empty()) return;
-    const auto offsetNs = static_cast<uint64_t>(mClocks.toBootNs(clockId).value_or(0));
+    const auto offsetNs = static_cast<uint64_t>(mClocks.offsetToBootNs(clockId).value_or(0));
     mFrames.add(static_cast<int64_t>(timeNs + offsetNs), frame);
 }
 
