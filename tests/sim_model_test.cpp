@@ -60,7 +60,9 @@ TEST(Work, IsTheSameWhicheverFramesAreAskedFor) {
     int equal = 0;
     for (int64_t i = 0; i < 2000; ++i) {
         const FrameWork work = all.frame(i);
-        if (i % 7 == 3) EXPECT_EQ(some.frame(i).workNs, work.workNs);
+        if (i % 7 == 3) {
+            EXPECT_EQ(some.frame(i).workNs, work.workNs);
+        }
         equal += otherSeed.frame(i).workNs == work.workNs ? 1 : 0;
     }
     EXPECT_EQ(equal, 0);
