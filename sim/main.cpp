@@ -1,15 +1,13 @@
 #include <fmt/format.h>
 
-#include <CLI/CLI.hpp>
 #include <iostream>
 #include <sstream>
 #include <thread>
 
 #include "base/output_file.h"
-#include "host/device_profile.h"
 #include "replay/gnuplot.h"
 #include "replay/plot.h"
-#include "sim/experiment.h"
+#include "sim/options.h"
 #include "sim/processes.h"
 #include "sim/result_json.h"
 #include "sim/result_text.h"
@@ -22,100 +20,6 @@ namespace {
 
 using namespace brevold;
 using namespace brevold::sim;
-
-struct Options {
-    std::string device;
-    std::vector<std::string> deviceSettings;
-    std::string profile;
-    std::vector<std::string> settings;
-    std::string workload;
-    std::string boostDepth = "left";
-    std::string sweep;
-    double seconds = 60.0;
-    bool json = false;
-    std::string plot;
-    std::string traceOut;
-    ExperimentOptions experiment;
-};
-
-template <typename T>
-std::vector<std::string> namesOf(const Words<T>& words) {
-    std::vector<std::string> names;
-    for (const auto& [name, value] : words)
-        names.emplace_back(name);
-    return names;
-}
-
-template <typename T>
-std::string joinWords(const Words<T>& words) {
-    return CLI::detail::join(namesOf(words), "|");
-}
-
-void addEntries(CLI::App& app, const char* name, std::vector<std::string>& entries,
-                const char* description) {
-    app.add_option(name, entries, description)->type_name("KEY=VALUE")->expected(1)->take_all();
-}
-
-void addOptions(CLI::App& app, Options& options) {
-    app.add_option("--device", options.device, "the simulated device: a file of key=value lines")
-            ->type_name("FILE")
-            ->required();
-    addEntries(app, "--device-set", options.deviceSettings,
-               "one entry of the device file, overrides the file; repeatable");
-    app.add_option("--profile", options.profile,
-                   "the library's settings on the device: a file of key=value lines")
-            ->type_name("FILE");
-    addEntries(app, "--set", options.settings,
-               "one entry of the profile, overrides the file; repeatable");
-    addEntries(app, "--vs", options.experiment.vsSettings,
-               "simulate a second variant with this entry changed; all --vs are one variant");
-    app.add_option("--workload", options.workload,
-                   "a built-in workload or a file of key=value lines; built in are " +
-                           CLI::detail::join(builtInWorkloads(), ", "))
-            ->type_name("NAME|FILE")
-            ->required();
-    app.add_option("--seeds", options.experiment.seeds, "runs per variant, each with other work")
-            ->type_name("N")
-            ->check(CLI::Range(1, 1000))
-            ->capture_default_str();
-    app.add_option("--seconds", options.seconds, "simulated time of each run, after 3 s of warm-up")
-            ->type_name("S")
-            ->check(CLI::Range(1.0, 1e6))
-            ->capture_default_str();
-    app.add_option("--boost-depth", options.boostDepth,
-                   "queue depth that the compositor hands over: left at the end of a composition, "
-                   "or the largest found since the one before")
-            ->type_name(joinWords(kBoostDepthWords))
-            ->check(CLI::IsMember(namesOf(kBoostDepthWords)))
-            ->capture_default_str();
-    app.add_option("--sweep", options.sweep,
-                   "one table over all readings of the service, governors, numbers of buffers, or "
-                   "boost depths")
-            ->type_name(joinWords(kSweepWords))
-            ->check(CLI::IsMember(namesOf(kSweepWords)));
-    app.add_flag("--json", options.json, "print the result as one JSON object");
-    app.add_option(
-               "--plot", options.plot,
-               "draw the runs of the first seed, or a sweep's energy against missed vsyncs, with "
-               "gnuplot")
-            ->type_name("FILE.svg|.png");
-    app.add_option("--trace-out", options.traceOut,
-                   "write the run of the first seed, as given, as a trace for viewers and "
-                   "brevold-replay")
-            ->type_name("FILE")
-            ->excludes("--sweep");
-    app.add_option("--jobs", options.experiment.jobs, "runs at the same time")
-            ->type_name("N")
-            ->check(CLI::Range(1, 1024))
-            ->default_str("number of processors");
-    app.set_version_flag("--version", BREVOLD_VERSION);
-}
-
-void applyProfile(const Options& options) {
-    if (!options.profile.empty()) host::loadProfile(options.profile);
-    for (const std::string& setting : options.settings)
-        host::setProfileEntry(setting);
-}
 
 /** Simulates the first seed once more, in a process of its own, and writes its trace. */
 void writeTrace(const std::string& path, const Setup& setup, int64_t measuredNs) {
@@ -144,10 +48,10 @@ std::string runPlotScript(const std::string& terminal, const Setup& setup,
         jobs.push_back([&, i] {
             const Scenario scenario =
                     scenarioOf(setup, setup.readings.front(), options.measuredNs, kFirstSeed);
-            RunPlot plot(scenario);
+            RunCurvesObserver observer(scenario, kRunPlotColumns);
             std::optional<Library> library = loadLibrary(variants[i].second);
-            Simulation(scenario, library ? &*library : nullptr, plot).run();
-            return plot.script(i, variants.size(), variants[i].first);
+            Simulation(scenario, library ? &*library : nullptr, observer).run();
+            return runPanels(scenario, observer.curves(), i, variants.size(), variants[i].first);
         });
     }
     const std::string heading =

@@ -25,7 +25,7 @@ constexpr MetricLabel kMetricLabels[] = {
         {Metric::IntervalMedianMs, "interval_median_ms", "frame interval, median, ms", 1, 2},
         {Metric::IntervalP99Ms, "interval_p99_ms", "frame interval, 99th percentile, ms", 1, 2},
         {Metric::QueueLatencyMs, "queue_latency_ms", "latency, queue to latch, ms", 1, 2},
-        {Metric::ShowLatencyMs, "show_latency_ms", "latency, begin to display, ms", 1, 2},
+        {Metric::ShowLatencyMs, "show_latency_ms", "latency, start to display, ms", 1, 2},
         {Metric::FrameTimeMs, "frame_time_ms", "frame time, mean, ms", 1, 2},
         {Metric::FrameTimeSdMs, "frame_time_sd_ms", "frame time, standard deviation, ms", 1, 2},
         {Metric::FrameTimeCorrelation, "frame_time_correlation", "frame time, lag-one correlation",

@@ -17,7 +17,7 @@ namespace {
 
 constexpr int kPageWidthPx = 1600;
 constexpr int kLeftPx = 110;
-constexpr int kColumns = 1240;
+constexpr int kColumns = static_cast<int>(kRunPlotColumns);
 constexpr int kHeadingPx = 50;
 constexpr int kFootPx = 60;
 constexpr int kTitlePx = 26;
@@ -34,20 +34,18 @@ constexpr char kPurple[] = "#CC79A7";
 constexpr char kPaleGrey[] = "#DDDDDD";
 
 enum PanelHeight { FrameTime = 110, Depth = 50, Frequency = 110, Power = 70, Hints = 90 };
-constexpr int kPanelHeightsPx[] = {FrameTime, Depth, Frequency, Frequency, Power, Hints};
-
-double toS(int64_t timeNs) {
-    return static_cast<double>(timeNs - kStartNs) / 1e9;
-}
+constexpr int kPanelCount = 6;
+constexpr int kRunHeightPx =
+        kTitlePx + FrameTime + Depth + 2 * Frequency + Power + Hints + (kPanelCount + 1) * kGapPx;
 
 /** Writes panels from top to bottom. */
 class Panels {
   public:
     Panels(size_t index, size_t count, double endS)
           : mIndex(index),
-            mPageHeightPx(kHeadingPx + static_cast<int>(count) * RunPlot::heightPx() + kFootPx),
+            mPageHeightPx(kHeadingPx + static_cast<int>(count) * kRunHeightPx + kFootPx),
             mEndS(endS),
-            mTopPx(kHeadingPx + static_cast<int>(index) * RunPlot::heightPx()) {}
+            mTopPx(kHeadingPx + static_cast<int>(index) * kRunHeightPx) {}
 
     void addTitle(const std::string& title) {
         mTopPx += kTitlePx;
@@ -117,96 +115,11 @@ class Panels {
 
 }  // namespace
 
-RunPlot::RunPlot(const Scenario& scenario)
-      : mScenario(scenario),
-        mEndNs(kStartNs + scenario.warmUpNs + scenario.measuredNs),
-        mLoads(scenario.device.clusters.size()),
-        mEnergy(kColumns),
-        mFrequencies(scenario.device.clusters.size()) {
-    for (Load& load : mLoads)
-        load.sinceNs = kStartNs;
-}
-
-int RunPlot::heightPx() {
-    int height = kTitlePx + kGapPx;
-    for (const int panel : kPanelHeightsPx)
-        height += panel + kGapPx;
-    return height;
-}
-
-void RunPlot::onTask(int64_t nowNs, Task /*task*/, size_t cluster, bool isBusy) {
-    addEnergy(nowNs, cluster);
-    mLoads[cluster].busyCores += isBusy ? 1 : -1;
-}
-
-void RunPlot::onFrequency(int64_t nowNs, size_t cluster, const OperatingPoint& point) {
-    addEnergy(nowNs, cluster);
-    mLoads[cluster].mw = point.mw;
-    mFrequencies[cluster].push_back({toS(nowNs), point.mhz});
-}
-
-void RunPlot::onQueue(int64_t nowNs, const Frame& frame, int32_t depth) {
-    const double frameMs = static_cast<double>(nowNs - frame.beginNs) / kNsPerMs;
-    mFrameTimesMs.push_back({toS(nowNs), frameMs});
-    mDepths.push_back({toS(nowNs), static_cast<double>(depth)});
-}
-
-void RunPlot::onLatch(int64_t nowNs, const Frame& /*frame*/, int32_t depth) {
-    mDepths.push_back({toS(nowNs), static_cast<double>(depth)});
-}
-
-void RunPlot::onHint(const host::Hint& hint) {
-    if (hint.kind == host::HintKind::Up) mUps.push_back({toS(hint.timeNs), hint.scale});
-}
-
-void RunPlot::onService(int64_t nowNs, const Service& service) {
-    const double nowS = toS(nowNs);
-    mDownScales.push_back({nowS, service.downScale().value_or(std::nan(""))});
-    if (service.isBoosted() && !mBoostBeginS) mBoostBeginS = nowS;
-    if (!service.isBoosted() && mBoostBeginS) {
-        mBoosts.push_back({*mBoostBeginS, nowS});
-        mBoostBeginS.reset();
-    }
-}
-
-void RunPlot::onEnd(int64_t nowNs) {
-    for (size_t cluster = 0; cluster < mLoads.size(); ++cluster) {
-        addEnergy(nowNs, cluster);
-        if (mFrequencies[cluster].empty()) continue;
-        mFrequencies[cluster].push_back({toS(nowNs), mFrequencies[cluster].back().value});
-    }
-    if (mBoostBeginS) mBoosts.push_back({*mBoostBeginS, toS(nowNs)});
-}
-
-void RunPlot::addEnergy(int64_t nowNs, size_t cluster) {
-    Load& load = mLoads[cluster];
-    const double mw = load.mw * load.busyCores + mScenario.device.clusters[cluster].staticMw;
-    const double columnNs = static_cast<double>(mEndNs - kStartNs) / kColumns;
-    auto fromNs = static_cast<double>(load.sinceNs - kStartNs);
-    const auto toNs = static_cast<double>(nowNs - kStartNs);
-    load.sinceNs = nowNs;
-    while (fromNs < toNs) {
-        const auto column = std::min(static_cast<size_t>(fromNs / columnNs), mEnergy.size() - 1);
-        const double columnEndNs =
-                column + 1 < mEnergy.size() ? static_cast<double>(column + 1) * columnNs : toNs;
-        const double untilNs = std::max(std::min(toNs, columnEndNs), fromNs + 1.0);
-        mEnergy[column] += mw * (untilNs - fromNs);
-        fromNs = untilNs;
-    }
-}
-
-PlotPoints RunPlot::powerMw() const {
-    const double columnNs = static_cast<double>(mEndNs - kStartNs) / kColumns;
-    PlotPoints points;
-    for (size_t i = 0; i < mEnergy.size(); ++i)
-        points.push_back({static_cast<double>(i) * columnNs / 1e9, mEnergy[i] / columnNs});
-    return points;
-}
-
-std::string RunPlot::script(size_t index, size_t count, const std::string& title) const {
-    const Device& device = mScenario.device;
-    const double endS = toS(mEndNs);
-    const double periodMs = static_cast<double>(mScenario.workload.periodNs()) / kNsPerMs;
+std::string runPanels(const Scenario& scenario, const RunCurves& curves, size_t index, size_t count,
+                      const std::string& title) {
+    const Device& device = scenario.device;
+    const double endS = curves.endS;
+    const double periodMs = static_cast<double>(scenario.workload.periodNs()) / kNsPerMs;
     const double limitMs = kMaxPeriods * periodMs;
     const auto line = [](const char* style, const char* colour) {
         return fmt::format("{} lc rgb '{}'", style, colour);
@@ -216,13 +129,13 @@ std::string RunPlot::script(size_t index, size_t count, const std::string& title
 
     PlotPoints shorter;
     PlotPoints longer;
-    for (const replay::PlotPoint& point : mFrameTimesMs) {
+    for (const replay::PlotPoint& point : curves.frameTimesMs) {
         (point.value > limitMs ? longer : shorter)
                 .push_back({point.timeS, std::min(point.value, limitMs)});
     }
     panels.begin("frame time, ms", FrameTime,
                  fmt::format("set yrange [0:{:.6g}]\n", limitMs * 1.05));
-    panels.addCurve(shorter, line("points pt 7 ps 0.3", kBlue), "begin to queue");
+    panels.addCurve(shorter, line("points pt 7 ps 0.3", kBlue), "start to queue");
     panels.addCurve(longer, line("points pt 8 ps 0.6", kVermillion),
                     fmt::format("longer than {:.0f} ms", limitMs));
     panels.addCurve({{0.0, periodMs}, {endS, periodMs}}, line("lines lw 1.5", kOrange),
@@ -230,7 +143,7 @@ std::string RunPlot::script(size_t index, size_t count, const std::string& title
     panels.end();
 
     panels.begin("queue depth, frames", Depth, "set yrange [0:*]\nset ytics 1\n");
-    panels.addCurve(mDepths, line("steps", kBlue), "queued");
+    panels.addCurve(curves.depths, line("steps", kBlue), "queued");
     panels.end();
 
     for (const Task task : {Task::App, Task::Compositor}) {
@@ -245,15 +158,15 @@ std::string RunPlot::script(size_t index, size_t count, const std::string& title
         if (target == BoostTarget::All ||
             (target == BoostTarget::Compositor && cluster == device.compositorCluster)) {
             std::string rows;
-            for (const Span& span : mBoosts) {
+            for (const RunCurves::Span& span : curves.boosts) {
                 rows += fmt::format("{0:.9g} {2:.6g} {0:.9g} {1:.9g} 0 {2:.6g}\n", span.beginS,
                                     span.endS, maxMhz);
             }
             panels.addRows(rows, line("boxxyerror", kPaleGrey), "boost");
         }
-        panels.addCurve(mFrequencies[cluster], line("steps", kBlue), "frequency");
+        panels.addCurve(curves.frequenciesMhz[cluster], line("steps", kBlue), "frequency");
         if (isApp && device.service.down == DownReading::Cap) {
-            PlotPoints caps = mDownScales;
+            PlotPoints caps = curves.downScales;
             for (replay::PlotPoint& cap : caps)
                 cap.value *= maxMhz;
             panels.addCurve(caps, line("steps", kVermillion), "cap");
@@ -263,22 +176,21 @@ std::string RunPlot::script(size_t index, size_t count, const std::string& title
 
     panels.begin("power of both clusters, mW, mean of each pixel column", Power,
                  "set yrange [0:*]\nset ytics 500\n");
-    panels.addCurve(powerMw(), line("steps", kPurple), "power");
+    panels.addCurve(curves.powerMw, line("steps", kPurple), "power");
     panels.end();
 
     panels.begin("scale of the hints (logarithmic)", Hints,
                  "set logscale y\nset yrange [0.1:10]\nset ytics (0.1, 0.3, 1, 3, 10)\n"
                  "set format x '%g'\n");
-    panels.addCurve(mDownScales, line("steps", kGreen), "DOWN in effect");
-    panels.addCurve(mUps, line("points pt 9 ps 0.6", kVermillion), "UP");
+    panels.addCurve(curves.downScales, line("steps", kGreen), "DOWN in effect");
+    panels.addCurve(curves.ups, line("points pt 9 ps 0.6", kVermillion), "UP");
     panels.end();
     return panels.script() + "set format x ''\n";
 }
 
 std::string runPlotPage(const std::string& terminal, const std::string& heading,
                         const std::vector<std::string>& panels) {
-    const int heightPx =
-            kHeadingPx + static_cast<int>(panels.size()) * RunPlot::heightPx() + kFootPx;
+    const int heightPx = kHeadingPx + static_cast<int>(panels.size()) * kRunHeightPx + kFootPx;
     return fmt::format(
             "set terminal {} size {},{} background 'white' noenhanced\nset multiplot\n"
             "set tics nomirror font ',10'\nset grid back lc rgb '{}' lt 1\nset border 3\n"
