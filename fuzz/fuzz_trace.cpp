@@ -1,9 +1,12 @@
-// Traces: any bytes, plain or compressed and read in blocks of any size, give an ordered timeline
-// or an InputError, and the same text twice.
+// Traces: any bytes, plain or packed and read in blocks of any size, give an ordered timeline or an
+// InputError, and the same text each time.
 
 #include "base/error.h"
 #include "fuzz/fuzz.h"
 #include "tests/gzip.h"
+#include "tests/proto_writer.h"
+#include "tests/rest.h"
+#include "tests/zip.h"
 #include "trace/read_timeline.h"
 #include "trace/string_source.h"
 
@@ -14,6 +17,8 @@ using brevold::fuzz::require;
 namespace {
 
 const std::string kName = "input";
+const std::string kMember = "b";
+constexpr ExpansionLimits kLimits = {1 << 20, 1000, 1 << 16};
 
 void checkTimeline(const Timeline& timeline) {
     require(timeline.focusedLayer < timeline.layers.size(), "a layer has the focus");
@@ -30,27 +35,37 @@ void checkTimeline(const Timeline& timeline) {
     }
 }
 
-std::string textOf(TraceInput& input) {
-    ByteSource& source = input.open();
-    std::string text;
-    char block[4096];
-    while (const size_t count = source.read(block, sizeof(block)))
-        text.append(block, count);
-    return text;
+/** The input itself, or the input in one of the packings. */
+std::string packed(const std::string& bytes) {
+    switch (bytes.size() % 8) {
+        case 2:
+            return gzip(bytes);
+        case 3:
+            return "TRACE:\n" + test::zlib(bytes);
+        case 4:
+            return zipOf({{"a", bytes}});
+        case 5:
+            return zipOf({{"a", bytes}, {kMember, gzip(bytes)}});
+        default:
+            return bytes;
+    }
 }
 
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    std::string bytes(reinterpret_cast<const char*>(data), size);
-    if (size % 4 == 2) bytes = gzip(bytes);
+    const std::string bytes = packed({reinterpret_cast<const char*>(data), size});
     const size_t maxRead = size % 3 == 0 ? std::string::npos : size % 64 + 1;
     TimelineOptions options;
     if (size % 4 == 1) options.layer = "com.example.a/Main";
     try {
-        TraceInput input(std::make_unique<StringSource>(bytes, maxRead), kName);
-        const std::string text = textOf(input);
-        require(textOf(input) == text, "the second reading gives the same text");
+        TraceInput input(std::make_unique<StringSource>(bytes, maxRead), kName,
+                         size % 16 == 5 ? kMember : "", kLimits);
+        const std::string text = rest(input.open());
+        require(rest(input.open()) == text, "the second reading gives the same text");
+        TraceInput whole(std::make_unique<StringSource>(bytes), kName,
+                         size % 16 == 5 ? kMember : "", kLimits);
+        require(rest(whole.open()) == text, "blocks of any size give the same text");
         checkTimeline(readTimeline(input, options));
     } catch (const InputError& error) {
         require(std::string(error.what()).rfind(kName + ":", 0) == 0, "an error names the input");

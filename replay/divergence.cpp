@@ -28,14 +28,14 @@ void addMoments(const Recording& recording, Moment Divergence::*side, Moments* m
 }  // namespace
 
 std::vector<Divergence> firstDivergences(const Recording& first, const Recording& second,
-                                         size_t maxCount) {
+                                         const TimeWindow& window, size_t maxCount) {
     Moments moments;
     addMoments(first, &Divergence::first, &moments);
     addMoments(second, &Divergence::second, &moments);
     std::vector<Divergence> divergences;
     for (auto& [timeNs, moment] : moments) {
         if (divergences.size() == maxCount) break;
-        if (isSameMoment(moment.first, moment.second)) continue;
+        if (!window.contains(timeNs) || isSameMoment(moment.first, moment.second)) continue;
         moment.timeNs = timeNs;
         divergences.push_back(std::move(moment));
     }

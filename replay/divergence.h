@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "replay/recording.h"
+#include "replay/time_window.h"
 
 namespace brevold::replay {
 
@@ -22,8 +23,8 @@ struct Divergence {
     Moment second;
 };
 
-/** Returns the first divergences in time order, at most `maxCount` of them. */
+/** Returns the first divergences in a window in time order, at most `maxCount` of them. */
 std::vector<Divergence> firstDivergences(const Recording& first, const Recording& second,
-                                         size_t maxCount);
+                                         const TimeWindow& window, size_t maxCount);
 
 }  // namespace brevold::replay

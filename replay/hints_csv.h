@@ -4,13 +4,15 @@
 #include <vector>
 
 #include "host/hint.h"
+#include "replay/time_window.h"
 
 namespace brevold::replay {
 
 /**
- * Writes hints as CSV with a header line. Times are seconds of the trace's own clock. Scale,
- * direction and boost level are empty for kinds that carry none.
+ * Writes the hints in a window as CSV with a header line. Times are seconds of the trace's own
+ * clock. Scale, direction and boost level are empty for kinds that carry none.
  */
-void writeHintsCsv(const std::vector<host::Hint>& hints, std::ostream& out);
+void writeHintsCsv(const std::vector<host::Hint>& hints, const TimeWindow& window,
+                   std::ostream& out);
 
 }  // namespace brevold::replay

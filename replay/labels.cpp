@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include "base/text.h"
+
 namespace brevold::replay {
 
 namespace {
@@ -17,12 +19,16 @@ Label labelOf(trace::PeriodSource source) {
             return {"--refresh-rate", "option"};
         case trace::PeriodSource::SetPeriod:
             return {"VSR-setPeriod", "set-period"};
+        case trace::PeriodSource::DisplayMode:
+            return {"values", "display-mode"};
+        case trace::PeriodSource::PredictedPeriod:
+            return {"values", "predicted-period"};
         case trace::PeriodSource::VsyncToggles:
             return {"toggles", "vsync-toggles"};
         case trace::PeriodSource::FrameIntervals:
-            return {"frame intervals, as the trace has no vsyncs", "frame-intervals"};
+            return {"frame intervals, as no counter shows the display's vsyncs", "frame-intervals"};
         case trace::PeriodSource::Default:
-            return {"the default, as the trace has neither vsyncs nor steady frames", "default"};
+            return {"the default, as neither a counter nor steady frames show the rate", "default"};
         case trace::PeriodSource::LatencyDump:
             return {"the dump's first line", "latency-dump"};
     }
@@ -70,6 +76,8 @@ Label labelOf(trace::TraceWarning::Kind kind) {
             return {"lines that are not trace events", "stray-line"};
         case Kind::OutOfOrderLine:
             return {"lines skipped because they go back in time", "out-of-order-line"};
+        case Kind::UnfinishedLine:
+            return {"lines skipped because the text ends inside them", "unfinished-line"};
         case Kind::StrayRow:
             return {"lines that are not rows of a latency dump", "stray-row"};
         case Kind::OutOfOrderRow:
@@ -88,6 +96,10 @@ Label labelOf(trace::TraceWarning::Kind kind) {
             return {"events skipped because they go back in time", "out-of-order-event"};
         case Kind::BadCounterValue:
             return {"counters skipped because their value is not a number", "bad-counter-value"};
+        case Kind::RingOverrun:
+            return {"the recorder's buffer was full and lost its oldest events", "ring-overrun"};
+        case Kind::OtherCompositor:
+            return {"another process has marks of a compositor too", "other-compositor"};
         case Kind::NegativeDepth:
             return {"queue depths below 0, taken as 0", "negative-depth"};
         case Kind::DepthJump:
@@ -111,9 +123,18 @@ const char* vsyncSourceText(trace::VsyncSource source) {
 }
 
 std::string warningText(const trace::TraceWarning& warning) {
-    std::string text = fmt::format("{}: {}", labelOf(warning.kind).text, warning.lines.lines);
+    using Kind = trace::TraceWarning::Kind;
+    const std::string text = fmt::format("{}: {}", labelOf(warning.kind).text, warning.lines.lines);
+    if (warning.kind == Kind::RingOverrun) {
+        return fmt::format("{}; the trace is whole from {:.2f} s on", text,
+                           toSeconds(warning.wholeFromNs));
+    }
+    if (warning.kind == Kind::OtherCompositor) {
+        return fmt::format("{} of process {}; process {} was taken as the compositor", text,
+                           warning.otherPid, warning.pid);
+    }
     if (warning.lines.firstLine == 0) return text;
-    return text + fmt::format(", the first in line {}", warning.lines.firstLine);
+    return fmt::format("{}, the first in line {}", text, warning.lines.firstLine);
 }
 
 const char* periodSourceWord(trace::PeriodSource source) {

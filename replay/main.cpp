@@ -6,6 +6,7 @@
 #include "replay/divergence.h"
 #include "replay/hints_csv.h"
 #include "replay/isolated_play.h"
+#include "replay/layer_list.h"
 #include "replay/marked_perfetto.h"
 #include "replay/marked_trace.h"
 #include "replay/options.h"
@@ -22,9 +23,9 @@ using namespace brevold::replay;
 
 constexpr size_t kShownDivergences = 5;
 
-void writeHints(const std::string& path, const Recording& recording) {
+void writeHints(const std::string& path, const Recording& recording, const TimeWindow& window) {
     OutputFile file(path);
-    writeHintsCsv(recording.hints, file.stream());
+    writeHintsCsv(recording.hints, window, file.stream());
     file.commit();
 }
 
@@ -38,9 +39,9 @@ void writeTrace(const std::string& path, trace::TraceInput& input, const trace::
 }
 
 void writePlot(const std::string& path, const std::string& trace, const trace::Timeline& timeline,
-               const Recording& recording) {
+               const Recording& recording, const TimeWindow& window) {
     OutputFile file(path);
-    plot(trace, timeline, recording, plotTerminal(path), file.stream());
+    plot(trace, timeline, recording, window, plotTerminal(path), file.stream());
     file.commit();
 }
 
@@ -55,17 +56,19 @@ TraceResult replayTrace(const std::string& path, const Options& options) {
     trace::TraceForm form;
     const trace::Timeline timeline = trace::readTimeline(input, options.timeline, &form);
 
+    const TimeWindow window = windowOf(timeline, options.window, trace);
+
     const Recording recording = playIsolated(timeline, {});
-    TraceResult result = {summarise(trace, timeline, recording), {}};
+    TraceResult result = {summarise(trace, timeline, recording, window), {}};
     std::vector<Divergence> divergences;
     if (!options.vsSettings.empty()) {
         const Recording other = playIsolated(timeline, options.vsSettings);
-        result.vs = summarise(trace, timeline, other);
-        divergences = firstDivergences(recording, other, kShownDivergences);
+        result.vs = summarise(trace, timeline, other, window);
+        divergences = firstDivergences(recording, other, window, kShownDivergences);
     }
-    if (!options.hints.empty()) writeHints(options.hints, recording);
+    if (!options.hints.empty()) writeHints(options.hints, recording, window);
     if (!options.traceOut.empty()) writeTrace(options.traceOut, input, timeline, form, recording);
-    if (!options.plot.empty()) writePlot(options.plot, trace, timeline, recording);
+    if (!options.plot.empty()) writePlot(options.plot, trace, timeline, recording, window);
     if (!options.json && options.traces.size() == 1) {
         print(result.summary, std::cout);
         if (result.vs) {
@@ -73,6 +76,11 @@ TraceResult replayTrace(const std::string& path, const Options& options) {
         }
     }
     return result;
+}
+
+void listLayers(const std::string& path, const Options& options) {
+    trace::TraceInput input(path);
+    printLayerList(input.name(), trace::readTimeline(input, options.timeline), std::cout);
 }
 
 void printError(const std::exception& error) {
@@ -84,22 +92,27 @@ bool run(const Options& options) {
     checkOptions(options);
     applyProfile(options);
     std::vector<TraceResult> results;
+    size_t listed = 0;
     for (const std::string& trace : options.traces) {
         try {
-            results.push_back(replayTrace(trace, options));
+            if (options.layers) {
+                listLayers(trace, options);
+                ++listed;
+            } else {
+                results.push_back(replayTrace(trace, options));
+            }
         } catch (const std::exception& error) {
             printError(error);
         }
     }
-    if (results.empty()) return false;
-    if (options.json) {
+    if (options.json && !results.empty()) {
         printJson(results, std::cout);
-    } else if (options.traces.size() > 1) {
+    } else if (options.traces.size() > 1 && !results.empty()) {
         printRows(results, std::cout);
     }
     std::cout.flush();
     if (!std::cout) throw OutputError("the summary cannot be written to standard output");
-    return results.size() == options.traces.size();
+    return listed + results.size() == options.traces.size();
 }
 
 }  // namespace

@@ -14,7 +14,7 @@ namespace {
 
 constexpr int64_t kNsPerSecond = 1000000000;
 constexpr size_t kTaskWidth = 16;
-constexpr const char* kUnknownTask = "<...>";
+const std::string kUnknownTask = "<...>";
 
 /** Pads to a width in bytes, as the kernel does. */
 std::string padded(const std::string& task) {
@@ -33,18 +33,30 @@ std::string payloadOf(const AddedMark& mark, const trace::TraceForm& form) {
     return "";
 }
 
-std::string lineOf(const AddedMark& mark, const AddedThread& thread, const trace::TraceForm& form) {
-    const trace::MarkStyle& style = form.style;
+/** `event` is the name of the event and its payload. */
+std::string lineOf(const AddedThread& thread, int32_t pid, int64_t timeNs, const std::string& event,
+                   const trace::MarkStyle& style) {
     // A hint may end between two times that the trace's decimals can express.
     int64_t unitNs = kNsPerSecond;
     for (int32_t i = 0; i < style.decimals; ++i)
         unitNs /= 10;
-    const std::string process = style.hasProcess ? fmt::format("({:5}) ", form.compositorPid) : "";
-    return fmt::format("{}-{:<5} {}[000] {}{:5}.{:0{}}: {}: {}\n",
+    const std::string process = style.hasProcess ? fmt::format("({:5}) ", pid) : "";
+    return fmt::format("{}-{:<5} {}[000] {}{:5}.{:0{}}: {}\n",
                        padded(thread.name.empty() ? kUnknownTask : thread.name), thread.tid,
-                       process, style.hasFlags ? ".... " : "", mark.timeNs / kNsPerSecond,
-                       mark.timeNs % kNsPerSecond / unitNs, style.decimals, style.event,
-                       payloadOf(mark, form));
+                       process, style.hasFlags ? ".... " : "", timeNs / kNsPerSecond,
+                       timeNs % kNsPerSecond / unitNs, style.decimals, event);
+}
+
+/** Names the processes of a page, because viewers know no name of a process in a text. */
+void writeProcessNames(const trace::TraceForm& form, int64_t timeNs, std::ostream& out) {
+    for (const auto& [pid, name] : form.processes) {
+        const auto thread = form.threads.find(pid);
+        if (thread == form.threads.end()) continue;
+        const std::string& task = thread->second.empty() ? kUnknownTask : thread->second;
+        const std::string event = fmt::format(
+                "task_rename: pid={} oldcomm={} newcomm={} oom_score_adj=0", pid, task, name);
+        out << lineOf({pid, task}, pid, timeNs, event, form.style);
+    }
 }
 
 }  // namespace
@@ -54,23 +66,30 @@ void writeTrace(trace::ByteSource& text, const std::string& path, const trace::T
     const AddedMarks added = addedMarks(recording, form, timeline.endNs);
     auto next = added.marks.begin();
     const auto writeNext = [&] {
-        out << lineOf(*next, added.threads[next->thread], form);
+        out << lineOf(added.threads[next->thread], form.compositorPid, next->timeNs,
+                      form.style.event + ": " + payloadOf(*next, form), form.style);
         ++next;
     };
     int64_t timeNs = timeline.startNs;
     trace::LineReader lines(text, path);
     std::string_view line;
+    bool isBeforeEvents = true;
     while (lines.next(&line)) {
         trace::EventLine event;
-        if (trace::parseEventLine(line, &event) && event.timeNs > timeNs) {
+        const bool isEvent = trace::parseEventLine(line, &event);
+        if (isEvent && isBeforeEvents) writeProcessNames(form, timeline.startNs, out);
+        isBeforeEvents &= !isEvent;
+        if (isEvent && event.timeNs > timeNs) {
             timeNs = event.timeNs;
             while (next != added.marks.end() && next->timeNs < timeNs)
                 writeNext();
         }
+        if (lines.isUnfinished()) break;
         out << line << '\n';
     }
     while (next != added.marks.end())
         writeNext();
+    if (lines.isUnfinished()) out << line;
 }
 
 }  // namespace brevold::replay

@@ -13,6 +13,7 @@ namespace brevold::replay {
 /**
  * Writes a text trace with the marks of a replay; see AddedMarks. The trace's own lines are
  * unchanged. A mark follows the lines of its time and has the notation of the trace's own marks.
+ * The text of a page gets a task_rename event for each of its processes that the page names.
  *
  * `text` is the text from which the timeline was read. Error messages begin with `path`.
  */

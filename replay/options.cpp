@@ -3,6 +3,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/file_identity.h"
 #include "host/device_profile.h"
 #include "replay/plot.h"
 
@@ -27,13 +28,28 @@ void addOptions(CLI::App& app, Options& options) {
             ->type_name("KEY=VALUE")
             ->expected(1)
             ->take_all();
-    app.add_option("--layer", options.timeline.layer,
-                   "focused layer, instead of the one with the most frames")
-            ->type_name("NAME");
+    const auto layer =
+            app.add_option("--layer", options.timeline.layer,
+                           "focused layer: its name, or a part that no other layer's name has; "
+                           "without it, the application's layer with the most frames; for a "
+                           "latency dump, the name of its layer")
+                    ->type_name("NAME");
+    app.add_flag("--follow-focus", options.timeline.followsFocus,
+                 "move the focus each second to the application's layer with the most frames in "
+                 "that second")
+            ->excludes(layer);
+    const auto layers = app.add_flag("--layers", options.layers,
+                                     "list the layers that have frames instead of replaying");
     app.add_option("--refresh-rate", options.timeline.refreshRateHz,
                    "display refresh rate in Hz, instead of the trace's own")
             ->type_name("HZ")
             ->check(CLI::Range(1.0, 1000.0));
+    app.add_option("--from", options.window.fromS,
+                   "report only from this time on, in seconds since the first event; the library "
+                   "sees the whole trace")
+            ->type_name("S");
+    app.add_option("--to", options.window.toS, "report only up to this time, in seconds")
+            ->type_name("S");
     app.add_option("--hints", options.hints, "write the hints that were sent, as CSV")
             ->type_name("FILE");
     app.add_option("--trace-out", options.traceOut,
@@ -42,18 +58,25 @@ void addOptions(CLI::App& app, Options& options) {
     app.add_option("--plot", options.plot, "draw the replay (needs gnuplot)")
             ->type_name("FILE.svg|.png");
     app.add_flag("--json", options.json, "print the summary as one JSON object");
+    for (const char* output :
+         {"--vs", "--from", "--to", "--hints", "--trace-out", "--plot", "--json"})
+        layers->excludes(app.get_option(output));
     app.set_version_flag("--version", BREVOLD_VERSION);
 }
 
 void checkOptions(const Options& options) {
     if (!options.plot.empty()) plotTerminal(options.plot);
-    if (options.traces.size() == 1) return;
-    const std::pair<const char*, const std::string&> outputs[] = {{"--hints", options.hints},
-                                                                  {"--trace-out", options.traceOut},
-                                                                  {"--plot", options.plot}};
-    for (const auto& [name, path] : outputs) {
-        if (!path.empty()) throw std::runtime_error(std::string(name) + " takes one trace");
+    checkWindow(options.window);
+    std::vector<NamedFile> outputs;
+    for (const NamedFile& output :
+         {NamedFile{"--hints", options.hints}, NamedFile{"--trace-out", options.traceOut},
+          NamedFile{"--plot", options.plot}}) {
+        if (!output.path.empty()) outputs.push_back(output);
     }
+    if (options.traces.size() > 1 && !outputs.empty()) {
+        throw std::runtime_error(outputs.front().option + " takes one trace");
+    }
+    requireSeparateFiles(options.traces, outputs);
 }
 
 void applyProfile(const Options& options) {

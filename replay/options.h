@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "replay/time_window.h"
 #include "trace/read_timeline.h"
 
 namespace brevold::replay {
@@ -18,6 +19,8 @@ struct Options {
     std::string traceOut;
     std::string plot;
     bool json = false;
+    bool layers = false;
+    WindowOptions window;
     trace::TimelineOptions timeline;
 };
 

@@ -24,17 +24,15 @@ constexpr int64_t kNoFrameYet = -1;
 class Player {
   public:
     Player(const Timeline& timeline, host::Driver& driver) : mTimeline(timeline), mDriver(driver) {
-        const std::string& focusedName = timeline.layers[timeline.focusedLayer].name;
         mDepths.resize(timeline.layers.size());
         for (size_t i = 0; i < timeline.layers.size(); ++i) {
             LayerFrameInfo info = {};
-            info.skipLayerCheck = i == timeline.focusedLayer ? 0 : 1;
             info.layerKeyA = info.layerKeyB = static_cast<int32_t>(i + 1);
             info.layerName = timeline.layers[i].name;
-            info.peerLayerName = focusedName;
             info.lastQbTime = kNoFrameYet;
             mFrames.push_back(info);
         }
+        setFocus(timeline.focusedLayer);
     }
 
     Recording play() {
@@ -74,12 +72,24 @@ class Player {
             case TimelineEvent::Kind::CompositionEnd:
                 endComposition(event.timeNs);
                 break;
+            case TimelineEvent::Kind::Focus:
+                setFocus(static_cast<size_t>(event.layer));
+                break;
             case TimelineEvent::Kind::Vsync:
                 if (mDriver.vsync(event.timeNs, focusedDepth(), mPeriodNs)) {
                     mRecording.verdictTimesNs.push_back(event.timeNs);
                 }
                 break;
         }
+    }
+
+    void setFocus(size_t layer) {
+        mFocus = layer;
+        for (size_t i = 0; i < mFrames.size(); ++i) {
+            mFrames[i].skipLayerCheck = i == layer ? 0 : 1;
+            mFrames[i].peerLayerName = mTimeline.layers[layer].name;
+        }
+        mPeakDepth = focusedDepth();
     }
 
     void changeDepth(const TimelineEvent& event) {
@@ -119,7 +129,7 @@ class Player {
         mPeakDepth = focusedDepth();
     }
 
-    int32_t focusedDepth() const { return mDepths[mTimeline.focusedLayer]; }
+    int32_t focusedDepth() const { return mDepths[mFocus]; }
 
     void setMode(int64_t timeNs, int32_t mode) {
         std::vector<ModeChange>& modes = mRecording.modes;
@@ -149,6 +159,7 @@ class Player {
     Recording mRecording;
     std::vector<int32_t> mDepths;
     std::vector<LayerFrameInfo> mFrames;
+    size_t mFocus = 0;
     android::LayerIdentity mCurrentLayer = {};
     int32_t mPeakDepth = 0;
     int64_t mPeriodNs = 0;

@@ -1,10 +1,11 @@
 #include "replay/plot.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 #include <filesystem>
 
 #include "base/error.h"
-#include "base/text.h"
 #include "replay/gnuplot.h"
 #include "replay/plot_data.h"
 #include "replay/plot_page.h"
@@ -20,13 +21,14 @@ std::string plotTerminal(const std::string& path) {
 }
 
 void plot(const std::string& trace, const trace::Timeline& timeline, const Recording& recording,
-          const std::string& terminal, std::ostream& out) {
+          const TimeWindow& window, const std::string& terminal, std::ostream& out) {
     // gnuplot refuses an empty time axis.
     constexpr double kMinDurationS = 1e-6;
-    PlotPage page(std::max(toSeconds(timeline.endNs - timeline.startNs), kMinDurationS));
-    addPanels(plotData(timeline, recording), &page);
-    const trace::Layer& layer = timeline.layers[timeline.focusedLayer];
-    out << runGnuplot(page.script({trace, layer.name, layer.frames}, terminal));
+    const PlotData data = plotData(timeline, recording, window);
+    PlotPage page(data.fromS, std::max(data.toS, data.fromS + kMinDurationS));
+    addPanels(data, &page);
+    const std::string layers = fmt::format("{}", fmt::join(data.layers, ", "));
+    out << runGnuplot(page.script({trace, layers, data.frames}, terminal));
 }
 
 }  // namespace brevold::replay

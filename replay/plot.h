@@ -4,6 +4,7 @@
 #include <string>
 
 #include "replay/recording.h"
+#include "replay/time_window.h"
 #include "trace/timeline.h"
 
 namespace brevold::replay {
@@ -11,8 +12,9 @@ namespace brevold::replay {
 /** Returns gnuplot's terminal for a ".svg" or ".png" file. Throws OutputError for other names. */
 std::string plotTerminal(const std::string& path);
 
-/** Draws a replay on one page. Throws std::runtime_error if gnuplot is missing or fails. */
+/** Draws a window of a replay on one page. Throws std::runtime_error if gnuplot is missing or
+ * fails. */
 void plot(const std::string& trace, const trace::Timeline& timeline, const Recording& recording,
-          const std::string& terminal, std::ostream& out);
+          const TimeWindow& window, const std::string& terminal, std::ostream& out);
 
 }  // namespace brevold::replay

@@ -1,5 +1,6 @@
 #include "replay/plot_data.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -14,28 +15,22 @@ constexpr double kBreak = std::numeric_limits<double>::quiet_NaN();
 
 class DataBuilder {
   public:
-    explicit DataBuilder(const trace::Timeline& timeline) : mTimeline(timeline) {}
+    DataBuilder(const trace::Timeline& timeline, const TimeWindow& window)
+          : mTimeline(timeline), mWindow(window), mDepths(timeline.layers.size()) {}
 
     PlotData build(const Recording& recording) {
-        mData.depths.push_back({0, 0});
+        mData.fromS = sinceStart(mWindow.beginNs);
+        mData.toS = sinceStart(mWindow.endNs);
+        setFocus(mTimeline.startNs, mTimeline.focusedLayer);
         for (const trace::TimelineEvent& event : mTimeline.events) {
-            if (event.kind == trace::TimelineEvent::Kind::Frame ||
-                event.kind == trace::TimelineEvent::Kind::Depth) {
-                addDepth(event);
-            } else if (event.kind == trace::TimelineEvent::Kind::Period) {
-                const double timeS = sinceStart(event.timeNs);
-                const auto periodNs = static_cast<double>(event.periodNs);
-                mData.periodsMs.push_back({timeS, periodNs / 1e6});
-                mData.ratesHz.push_back({timeS, 1e9 / periodNs});
-            }
+            if (event.timeNs > mWindow.endNs) break;
+            add(event);
         }
         for (const ModeChange& change : recording.modes) {
-            mData.modes.push_back({sinceStart(change.timeNs), static_cast<double>(change.mode)});
+            if (change.timeNs <= mWindow.endNs) addStep(change.timeNs, change.mode, mData.modes);
         }
         for (PlotPoints* steps : {&mData.depths, &mData.periodsMs, &mData.ratesHz, &mData.modes}) {
-            if (!steps->empty()) {
-                steps->push_back({sinceStart(mTimeline.endNs), steps->back().value});
-            }
+            if (!steps->empty()) steps->push_back({mData.toS, steps->back().value});
         }
         addHints(recording.hints);
         return std::move(mData);
@@ -44,38 +39,81 @@ class DataBuilder {
   private:
     double sinceStart(int64_t timeNs) const { return toSeconds(timeNs - mTimeline.startNs); }
 
-    void addDepth(const trace::TimelineEvent& event) {
-        if (static_cast<size_t>(event.layer) != mTimeline.focusedLayer) return;
-        mData.depths.push_back({sinceStart(event.timeNs), static_cast<double>(event.depth)});
-        if (event.kind != trace::TimelineEvent::Kind::Frame) return;
-        if (mHasFrame) {
-            mData.frameIntervalsMs.push_back(
-                    {sinceStart(event.timeNs), toSeconds(event.timeNs - mLastFrameNs) * 1e3});
+    void add(const trace::TimelineEvent& event) {
+        using Kind = trace::TimelineEvent::Kind;
+        const auto layer = static_cast<size_t>(event.layer);
+        if (event.kind == Kind::Period) {
+            const auto periodNs = static_cast<double>(event.periodNs);
+            addStep(event.timeNs, periodNs / 1e6, mData.periodsMs);
+            addStep(event.timeNs, 1e9 / periodNs, mData.ratesHz);
+        } else if (event.kind == Kind::Focus) {
+            setFocus(event.timeNs, layer);
+        } else if (event.kind == Kind::Frame || event.kind == Kind::Depth) {
+            mDepths[layer] = event.depth;
+            if (layer != mFocus) return;
+            addStep(event.timeNs, event.depth, mData.depths);
+            if (event.kind == Kind::Frame) addFrame(event.timeNs);
+        }
+    }
+
+    void setFocus(int64_t timeNs, size_t layer) {
+        mFocus = layer;
+        mHasFrame = false;
+        addStep(timeNs, mDepths[layer], mData.depths);
+        std::vector<std::string>& names = mData.layers;
+        if (timeNs <= mWindow.beginNs) names.clear();
+        const std::string& name = mTimeline.layers[layer].name;
+        if (std::count(names.begin(), names.end(), name) == 0) names.push_back(name);
+    }
+
+    /** Adds a value from a time on. The value at the start of the window is the first one kept. */
+    void addStep(int64_t timeNs, double value, PlotPoints& steps) {
+        if (timeNs <= mWindow.beginNs) steps.clear();
+        steps.push_back({sinceStart(mWindow.clamp(timeNs)), value});
+    }
+
+    void addFrame(int64_t timeNs) {
+        if (mWindow.contains(timeNs)) {
+            ++mData.frames;
+            if (mHasFrame) {
+                mData.frameIntervalsMs.push_back(
+                        {sinceStart(timeNs), toSeconds(timeNs - mLastFrameNs) * 1e3});
+            }
         }
         mHasFrame = true;
-        mLastFrameNs = event.timeNs;
+        mLastFrameNs = timeNs;
     }
 
     void addHints(const std::vector<host::Hint>& hints) {
         for (const HintSpan& span : hintSpans(hints, mTimeline.endNs)) {
-            const double timeS = sinceStart(span.hint.timeNs);
-            switch (span.hint.kind) {
-                case host::HintKind::Down:
-                    ++mData.downs;
-                    addDown(timeS, sinceStart(span.endNs), span.hint.scale);
-                    break;
-                case host::HintKind::Up:
-                    mData.upScales.push_back({timeS, span.hint.scale});
-                    break;
-                case host::HintKind::JankBoost:
-                    mData.boosts.push_back({timeS, span.hint.scale});
-                    break;
-                case host::HintKind::RefreshRate:
-                    mData.rateHintsHz.push_back({timeS, static_cast<double>(span.hint.type)});
-                    break;
-                case host::HintKind::Release:
-                    break;
+            const bool isSentInWindow = mWindow.contains(span.hint.timeNs);
+            if (span.hint.kind == host::HintKind::Down) {
+                mData.downs += isSentInWindow ? 1 : 0;
+                if (span.hint.timeNs <= mWindow.endNs && span.endNs >= mWindow.beginNs) {
+                    addDown(sinceStart(mWindow.clamp(span.hint.timeNs)),
+                            sinceStart(mWindow.clamp(span.endNs)), span.hint.scale);
+                }
+            } else if (isSentInWindow) {
+                addPoint(span.hint);
             }
+        }
+    }
+
+    void addPoint(const host::Hint& hint) {
+        const double timeS = sinceStart(hint.timeNs);
+        switch (hint.kind) {
+            case host::HintKind::Up:
+                mData.upScales.push_back({timeS, hint.scale});
+                break;
+            case host::HintKind::JankBoost:
+                mData.boosts.push_back({timeS, hint.scale});
+                break;
+            case host::HintKind::RefreshRate:
+                mData.rateHintsHz.push_back({timeS, static_cast<double>(hint.type)});
+                break;
+            case host::HintKind::Down:
+            case host::HintKind::Release:
+                break;
         }
     }
 
@@ -87,15 +125,19 @@ class DataBuilder {
     }
 
     const trace::Timeline& mTimeline;
-    PlotData mData;
+    const TimeWindow& mWindow;
+    PlotData mData = {};
+    std::vector<int32_t> mDepths;  // of each layer
+    size_t mFocus = 0;
     bool mHasFrame = false;
     int64_t mLastFrameNs = 0;
 };
 
 }  // namespace
 
-PlotData plotData(const trace::Timeline& timeline, const Recording& recording) {
-    return DataBuilder(timeline).build(recording);
+PlotData plotData(const trace::Timeline& timeline, const Recording& recording,
+                  const TimeWindow& window) {
+    return DataBuilder(timeline, window).build(recording);
 }
 
 }  // namespace brevold::replay

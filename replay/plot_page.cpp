@@ -64,7 +64,7 @@ void PlotPage::endPanel() {
 
 void PlotPage::addCurve(const PlotPoints& points, const std::string& style,
                         const std::string& title) {
-    const PlotPoints thinned = thin(points, mEndS, kPlotWidthPx);
+    const PlotPoints thinned = thin(points, mBeginS, mEndS, kPlotWidthPx);
     mIsThinned |= thinned.size() < points.size();
     std::string rows;
     for (const PlotPoint& point : thinned) {
@@ -95,20 +95,21 @@ std::string PlotPage::script(const PlotHeading& heading, const std::string& term
                    "set terminal {} size {},{} background 'white' noenhanced\nset multiplot\n"
                    "set tics nomirror font ',11'\nset grid back lc rgb '#DDDDDD' lt 1\n"
                    "set border 3\nset style fill solid noborder\n"
-                   "set format x ''\nset xrange [0:{:.9g}]\n",
-                   terminal, kPageWidthPx, kPageHeightPx, mEndS) +
+                   "set format x ''\nset xrange [{:.9g}:{:.9g}]\n",
+                   terminal, kPageWidthPx, kPageHeightPx, mBeginS, mEndS) +
            headingScript(heading) + mPanels + "unset multiplot\n";
 }
 
 std::string PlotPage::headingScript(const PlotHeading& heading) const {
-    std::string text = fmt::format("{} frames in {:.2f} s; one pixel is {:.3g} ms wide",
-                                   heading.frames, mEndS, mEndS * 1e3 / kPlotWidthPx);
+    std::string text =
+            fmt::format("{} frames in {:.2f} s; one pixel is {:.3g} ms wide", heading.frames,
+                        mEndS - mBeginS, (mEndS - mBeginS) * 1e3 / kPlotWidthPx);
     if (mIsThinned) {
         text += "; where a curve has more than four points in a pixel column, the first, last, "
                 "minimum and maximum are drawn";
     }
     const std::string trace = std::filesystem::path(heading.trace).filename().string();
-    return label(1, shortened(trace), 24, 15) + label(2, shortened(heading.layer), 44, 13) +
+    return label(1, shortened(trace), 24, 15) + label(2, shortened(heading.layers), 44, 13) +
            label(3, text, 62, 11);
 }
 

@@ -9,7 +9,7 @@ namespace brevold::replay {
 
 struct PlotHeading {
     std::string trace;
-    std::string layer;
+    std::string layers;
     int32_t frames;
 };
 
@@ -19,8 +19,8 @@ struct PlotHeading {
  */
 class PlotPage {
   public:
-    /** The time axis ends at `endS` seconds. */
-    explicit PlotPage(double endS) : mEndS(endS) {}
+    /** The time axis is from `beginS` to `endS` seconds. */
+    PlotPage(double beginS, double endS) : mBeginS(beginS), mEndS(endS) {}
 
     /** `settings` are lines of gnuplot for this panel. */
     void beginPanel(const char* title, int heightPx, const std::string& settings);
@@ -43,6 +43,7 @@ class PlotPage {
 
     std::string headingScript(const PlotHeading& heading) const;
 
+    const double mBeginS;
     const double mEndS;
     std::string mPanels;
     std::string mCurves;

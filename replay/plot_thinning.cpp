@@ -21,9 +21,11 @@ void keepExtremes(const PlotPoint* first, const PlotPoint* end, PlotPoints* kept
 
 }  // namespace
 
-PlotPoints thin(const PlotPoints& points, double endS, int32_t columns) {
-    const double columnS = std::max(endS / columns, std::numeric_limits<double>::min());
-    const auto columnOf = [&](const PlotPoint& point) { return std::floor(point.timeS / columnS); };
+PlotPoints thin(const PlotPoints& points, double beginS, double endS, int32_t columns) {
+    const double columnS = std::max((endS - beginS) / columns, std::numeric_limits<double>::min());
+    const auto columnOf = [&](const PlotPoint& point) {
+        return std::floor((point.timeS - beginS) / columnS);
+    };
     PlotPoints joined;
     for (size_t i = 0; i < points.size(); ++i) {
         const bool isBreak = std::isnan(points[i].value);

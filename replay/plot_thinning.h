@@ -7,10 +7,10 @@
 namespace brevold::replay {
 
 /**
- * Thins a curve over `columns` pixel columns from 0 to `endS` seconds. Keeps the first, last,
- * minimum and maximum point of each column, and drops breaks narrower than a column. Drawn as
+ * Thins a curve over `columns` pixel columns from `beginS` to `endS` seconds. Keeps the first,
+ * last, minimum and maximum point of each column, and drops breaks narrower than a column. Drawn as
  * steps, the result covers the same pixels as all points.
  */
-PlotPoints thin(const PlotPoints& points, double endS, int32_t columns);
+PlotPoints thin(const PlotPoints& points, double beginS, double endS, int32_t columns);
 
 }  // namespace brevold::replay

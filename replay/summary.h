@@ -11,6 +11,7 @@
 #include "brevold/protocol.h"
 #include "host/hint.h"
 #include "replay/recording.h"
+#include "replay/time_window.h"
 #include "trace/timeline.h"
 
 namespace brevold::replay {
@@ -24,19 +25,38 @@ struct RequestSummary {
     double maxScale = 0.0;
 };
 
-/** The figures of one replay. */
+/** The figures of one replay in a window of its trace. */
 struct Summary {
     /** The trace's name, as messages show it. */
     std::string trace;
+    /** Of the whole trace. */
     int64_t durationNs;
-    /** The focused layer and its frames. */
-    std::string layer;
+    // The window. Times in a summary are since the start of the trace.
+    int64_t fromNs;
+    int64_t toNs;
+    /** A layer in focus, and its frames meanwhile. */
+    struct Focus {
+        int64_t fromNs;
+        std::string layer;
+        int32_t frames;
+    };
+    /** In time order; at least one. */
+    std::vector<Focus> focuses;
+    /** Frames of layers in focus. */
     int32_t frames;
-    /** The number of other layers with frames, and of their frames. */
-    int32_t otherLayers;
+    /** Frames of layers without the focus, and the number of those layers. */
     int32_t otherFrames;
+    int32_t otherLayers;
+    struct LayerFrames {
+        std::string layer;
+        int32_t frames;
+    };
+    /** The layers with the most frames, in descending order of frames; at most five. */
+    std::vector<LayerFrames> topLayers;
+    /** The layer with the most frames in the trace, if an application's layer was preferred. */
+    std::optional<std::string> passedOverLayer;
     struct Rate {
-        int64_t fromNs;  // since the start of the trace
+        int64_t fromNs;
         double hz;
     };
     /** The display's refresh rates in time order; at least one. */
@@ -48,7 +68,7 @@ struct Summary {
     trace::CompositionSource compositionSource;
     int32_t vsyncs;
     trace::VsyncSource vsyncSource;
-    /** The platform's verdicts on the focused layer's frames, if the trace has any. */
+    /** The platform's verdicts on frames of layers in focus, if the trace has any. */
     struct FrameVerdicts {
         int32_t frames;
         int32_t late;
@@ -75,13 +95,15 @@ struct Summary {
     std::map<std::string, int32_t> errors;
     std::vector<trace::TraceWarning> warnings;
 
+    int64_t windowNs() const { return toNs - fromNs; }
+    bool isWholeTrace() const { return windowNs() == durationNs; }
     const RequestSummary& of(host::HintKind kind) const {
         return requests[static_cast<size_t>(kind)];
     }
 };
 
 Summary summarise(const std::string& trace, const trace::Timeline& timeline,
-                  const Recording& recording);
+                  const Recording& recording, const TimeWindow& window);
 
 /** The replay of one trace. */
 struct TraceResult {

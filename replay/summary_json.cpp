@@ -31,8 +31,19 @@ Json objectOf(const Summary& summary) {
     Json object;
     object["trace"] = summary.trace;
     object["duration_s"] = toSeconds(summary.durationNs);
-    object["layer"] = summary.layer;
+    object["from_s"] = toSeconds(summary.fromNs);
+    object["to_s"] = toSeconds(summary.toNs);
+    object["layer"] = summary.focuses.front().layer;
     object["frames"] = summary.frames;
+    for (const Summary::Focus& focus : summary.focuses) {
+        object["focus"].push_back({{"from_s", toSeconds(focus.fromNs)},
+                                   {"layer", focus.layer},
+                                   {"frames", focus.frames}});
+    }
+    object["passed_over_layer"] = summary.passedOverLayer ? Json(*summary.passedOverLayer) : Json();
+    object["top_layers"] = Json::array();
+    for (const Summary::LayerFrames& layer : summary.topLayers)
+        object["top_layers"].push_back({{"layer", layer.layer}, {"frames", layer.frames}});
     object["other_layers"] = summary.otherLayers;
     object["other_frames"] = summary.otherFrames;
     for (const Summary::Rate& rate : summary.rates) {

@@ -2,6 +2,8 @@
 
 #include <fmt/ostream.h>
 
+#include <algorithm>
+
 #include "base/text.h"
 #include "brevold/protocol.h"
 #include "replay/labels.h"
@@ -14,13 +16,42 @@ double percent(int64_t partNs, int64_t wholeNs) {
     return wholeNs == 0 ? 0.0 : 100.0 * static_cast<double>(partNs) / static_cast<double>(wholeNs);
 }
 
+/** "1 frame", "2 frames" */
+std::string counted(int32_t count, const char* noun) {
+    return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
+}
+
+void printLayers(const Summary& summary, std::ostream& out) {
+    for (const Summary::Focus& focus : summary.focuses) {
+        const bool isFirst = &focus == summary.focuses.data();
+        const std::string lead =
+                isFirst ? "layer         "
+                        : fmt::format("{:14}then from {:.2f} s ", "", toSeconds(focus.fromNs));
+        fmt::print(out, "{}{}, {}\n", lead, focus.layer, counted(focus.frames, "frame"));
+    }
+    if (summary.otherLayers != 0) {
+        fmt::print(out, "{:14}others: {} of {}\n", "", counted(summary.otherFrames, "frame"),
+                   counted(summary.otherLayers, "layer"));
+    }
+    if (summary.passedOverLayer) {
+        fmt::print(out,
+                   "{:14}passed over {}: it has more frames, but is not an application's layer\n",
+                   "", *summary.passedOverLayer);
+    }
+    if (summary.topLayers.size() < 2) return;
+    for (const Summary::LayerFrames& layer : summary.topLayers) {
+        const bool isFirst = &layer == summary.topLayers.data();
+        fmt::print(out, "{:12}{:6}  {}\n", isFirst ? "most frames" : "", layer.frames, layer.layer);
+    }
+}
+
 void printTrace(const Summary& summary, std::ostream& out) {
     fmt::print(out, "trace         {}, {:.2f} s\n", summary.trace, toSeconds(summary.durationNs));
-    fmt::print(out, "layer         {}, {} frames\n", summary.layer, summary.frames);
-    if (summary.otherLayers != 0) {
-        fmt::print(out, "              others: {} frames of {} {}\n", summary.otherFrames,
-                   summary.otherLayers, summary.otherLayers == 1 ? "layer" : "layers");
+    if (!summary.isWholeTrace()) {
+        fmt::print(out, "window        {:.2f} s to {:.2f} s\n", toSeconds(summary.fromNs),
+                   toSeconds(summary.toNs));
     }
+    printLayers(summary, out);
     out << "refresh rate  ";
     for (const Summary::Rate& rate : summary.rates) {
         if (&rate != summary.rates.data()) {
@@ -53,7 +84,7 @@ void printModes(const Summary& summary, std::ostream& out) {
     for (size_t mode = 0; mode < summary.modeNs.size(); ++mode) {
         fmt::print(out, "  {}  {:<23} {:6.2f} s {:6.1f} %\n", mode, android::kModeLabels[mode],
                    toSeconds(summary.modeNs[mode]),
-                   percent(summary.modeNs[mode], summary.durationNs));
+                   percent(summary.modeNs[mode], summary.windowNs()));
     }
 }
 
@@ -69,7 +100,7 @@ void printRequests(const Summary& summary, std::ostream& out) {
         out << '\n';
     }
     fmt::print(out, "  under a DOWN hint {:.2f} s, {:.1f} % of the time", toSeconds(summary.downNs),
-               percent(summary.downNs, summary.durationNs));
+               percent(summary.downNs, summary.windowNs()));
     if (summary.downNs != 0) fmt::print(out, ", at a mean scale of {:.3f}", summary.meanDownScale);
     out << '\n';
 }
@@ -81,13 +112,22 @@ void printLog(const Summary& summary, std::ostream& out) {
         fmt::print(out, "  {} x {}\n", count, text);
 }
 
-void printRow(const Summary& summary, const char* suffix, std::ostream& out) {
-    fmt::print(out, "{:7.2f} {:6}  {:5.4g}", toSeconds(summary.durationNs), summary.frames,
+/** Names the layer that has the focus first, and the number of changes. */
+std::string focusText(const Summary& summary) {
+    const std::string& first = summary.focuses.front().layer;
+    const size_t changes = summary.focuses.size() - 1;
+    if (changes == 0) return first;
+    return fmt::format("{} ({} {})", first, changes, changes == 1 ? "change" : "changes");
+}
+
+void printRow(const Summary& summary, const char* suffix, size_t layerWidth, std::ostream& out) {
+    fmt::print(out, "{:7.2f} {:6}  {:5.4g}", toSeconds(summary.windowNs()), summary.frames,
                summary.rates.back().hz);
     for (const host::HintKind kind : host::kHintKinds)
         fmt::print(out, " {:12}", summary.of(kind).count);
-    fmt::print(out, " {:7.1f} {:7.3f} {:8}  {}{}\n", percent(summary.downNs, summary.durationNs),
-               summary.meanDownScale, summary.boostVerdicts, summary.trace, suffix);
+    fmt::print(out, " {:7.1f} {:7.3f} {:8}  {:<{}}  {}{}\n",
+               percent(summary.downNs, summary.windowNs()), summary.meanDownScale,
+               summary.boostVerdicts, focusText(summary), layerWidth, summary.trace, suffix);
 }
 
 }  // namespace
@@ -103,13 +143,18 @@ void print(const Summary& summary, std::ostream& out) {
 }
 
 void printRows(const std::vector<TraceResult>& results, std::ostream& out) {
+    constexpr std::string_view kLayerTitle = "layer";
+    size_t layerWidth = kLayerTitle.size();
+    for (const TraceResult& result : results)
+        layerWidth = std::max(layerWidth, focusText(result.summary).size());
     fmt::print(out, "{:>7} {:>6}  {:>5}", "time/s", "frames", "Hz");
     for (const host::HintKind kind : host::kHintKinds)
         fmt::print(out, " {:>12}", host::nameOf(kind));
-    fmt::print(out, " {:>7} {:>7} {:>8}  {}\n", "down/%", "scale", "verdicts", "trace");
+    fmt::print(out, " {:>7} {:>7} {:>8}  {:<{}}  {}\n", "down/%", "scale", "verdicts", kLayerTitle,
+               layerWidth, "trace");
     for (const TraceResult& result : results) {
-        printRow(result.summary, "", out);
-        if (result.vs) printRow(*result.vs, " (--vs)", out);
+        printRow(result.summary, "", layerWidth, out);
+        if (result.vs) printRow(*result.vs, " (--vs)", layerWidth, out);
     }
     for (const TraceResult& result : results) {
         for (const trace::TraceWarning& warning : result.summary.warnings)

@@ -16,12 +16,15 @@ Recording recordingOf(std::vector<host::Hint> hints, std::vector<int64_t> verdic
     return recording;
 }
 
+constexpr TimeWindow kAll = {0, 100};
+
 TEST(DivergenceTest, FindsTheFirstTimesThatDiffer) {
     const struct {
         const char* name;
         Recording first;
         Recording second;
         std::vector<int64_t> timesNs;
+        TimeWindow window = kAll;
     } cases[] = {
             {"nothing", {}, {}, {}},
             {"the same", recordingOf({down(1, 5)}, {2}), recordingOf({down(1, 5)}, {2}), {}},
@@ -36,11 +39,12 @@ TEST(DivergenceTest, FindsTheFirstTimesThatDiffer) {
              recordingOf({down(1, 5)}, {7}),
              recordingOf({down(3, 5)}, {2, 7}),
              {1, 2, 3}},
+            {"in a window", recordingOf({down(9, 5)}, {1, 2, 3, 4}), {}, {2, 3}, {2, 3}},
             {"at most three", recordingOf({down(9, 5)}, {1, 2, 3}), {}, {1, 2, 3}},
     };
     for (const auto& c : cases) {
         std::vector<int64_t> timesNs;
-        for (const Divergence& divergence : firstDivergences(c.first, c.second, 3))
+        for (const Divergence& divergence : firstDivergences(c.first, c.second, c.window, 3))
             timesNs.push_back(divergence.timeNs);
         EXPECT_EQ(timesNs, c.timesNs) << c.name;
     }
@@ -48,7 +52,7 @@ TEST(DivergenceTest, FindsTheFirstTimesThatDiffer) {
 
 TEST(DivergenceTest, HoldsBothSides) {
     const std::vector<Divergence> divergences = firstDivergences(
-            recordingOf({down(1, 5), down(1, 6)}, {}), recordingOf({down(1, 7)}, {1}), 1);
+            recordingOf({down(1, 5), down(1, 6)}, {}), recordingOf({down(1, 7)}, {1}), kAll, 1);
     ASSERT_EQ(divergences.size(), 1u);
     const Divergence& divergence = divergences[0];
     ASSERT_EQ(divergence.first.hints.size(), 2u);

@@ -172,5 +172,44 @@ TEST(MarkedTraceTest, UsesTheNotationOfTheTrace) {
     }
 }
 
+TEST(MarkedTraceTest, NamesTheProcessesOfAPage) {
+    const std::string text =
+            "# tracer: nop\n"
+            "          <...>-90    (   90) [000] .... 1.0000: print: B|90|commit\n"
+            "           old-95    (   91) [000] .... 1.0000: print: C|90|BufferTX - a#1|1\n"
+            "           new-95    (   91) [000] .... 1.0010: print: B|91|draw\n"
+            "          main-91    (   91) [000] .... 1.0020: print: C|90|BufferTX - a#1|0\n";
+    const std::string oldDump =
+            "USER     PID   PPID  VSIZE  RSS   WCHAN    PC         NAME\n"
+            "system    90    1     92344  7404  ffffffff 00000000 S /system/bin/surfaceflinger\n"
+            "u0_a8     91    1     92344  7404  ffffffff 00000000 S com.example.app\n"
+            "u0_a9     92    1     92344  7404  ffffffff 00000000 S com.example.idle\n";
+    const std::string newDump =
+            "USER  PID PPID  VSZ  RSS WCHAN ADDR S NAME            COMM\n"
+            "system 90    1 9234 7404 0        0 S surfaceflinger  surfaceflinger\n"
+            "u0_a8  91    1 9234 7404 0        0 S com.example.app com.example.app\n"
+            "USER  PID TID CMD\nu0_a8  91  91 com.example.app\nu0_a8  91  95 RenderThread\n";
+    for (const std::string& dump : {oldDump, newDump}) {
+        const std::string element = "<script class=\"trace-data\" type=\"application/text\">\n";
+        const std::string page = "<!DOCTYPE html>\n" + element + "PROCESS DUMP\n" + dump +
+                                 "  </script>\n" + element + text + "  </script>\n</html>\n";
+        trace::TraceInput input(std::make_unique<trace::StringSource>(page), "page");
+        trace::TraceForm form;
+        const trace::Timeline timeline = trace::readTimeline(input, {}, &form);
+        Recording recording;
+        recording.marks = {{{1'000'000'000, -1, true, "x"}, 95}};
+        std::ostringstream output;
+        writeTrace(input.open(), input.name(), timeline, form, recording, output);
+        EXPECT_EQ(addedTo(text, output.str()),
+                  "           <...>-90    (   90) [000] ....     1.0000: task_rename: pid=90 "
+                  "oldcomm=<...> newcomm=surfaceflinger oom_score_adj=0\n"
+                  "            main-91    (   91) [000] ....     1.0000: task_rename: pid=91 "
+                  "oldcomm=main newcomm=com.example.app oom_score_adj=0\n"
+                  // The thread has the name that it had last.
+                  "             new-95    (   90) [000] ....     1.0000: print: B|90|x\n");
+        EXPECT_EQ(output.str().substr(0, 14), "# tracer: nop\n");
+    }
+}
+
 }  // namespace
 }  // namespace brevold::replay

@@ -349,12 +349,11 @@ TEST(PerfettoTest, LimitsTheExpansion) {
     };
     for (const auto& one : cases) {
         ExpansionLimit limit("trace");
-        limit.addCompressed(one.compressed);
-        limit.addExpanded(one.expanded - 1);
+        limit.add(one.expanded - 1, one.compressed);
         if (one.isRefused) {
-            EXPECT_THROW(limit.addExpanded(1), InputError) << one.expanded;
+            EXPECT_THROW(limit.add(1, one.compressed), InputError) << one.expanded;
         } else {
-            EXPECT_NO_THROW(limit.addExpanded(1)) << one.expanded;
+            EXPECT_NO_THROW(limit.add(1, one.compressed)) << one.expanded;
         }
     }
 }
@@ -440,7 +439,8 @@ TEST(PerfettoTest, SummaryCountsLateAndDroppedFrames) {
                                   Verdict::Late, Verdict::Unknown}) {
         timeline.judgedFrames->push_back({10, 20, verdict});
     }
-    const replay::Summary summary = replay::summarise("trace", timeline, {});
+    const replay::Summary summary =
+            replay::summarise("trace", timeline, {}, {timeline.startNs, timeline.endNs});
     std::ostringstream text;
     replay::print(summary, text);
     EXPECT_NE(text.str().find("\ndeadlines     6 frames, 2 late, 1 dropped (from the frame "

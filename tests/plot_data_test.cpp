@@ -42,7 +42,9 @@ TEST(PlotDataTest, HasACurveForEachQuantity) {
                        hintAt(1900, host::HintKind::JankBoost, 0, 10),
                        hintAt(1950, host::HintKind::Release, 1, 0),
                        hintAt(2000, host::HintKind::RefreshRate, 60, 0)};
-    const PlotData data = plotData(timeline, recording);
+    const PlotData data = plotData(timeline, recording, {timeline.startNs, timeline.endNs});
+    EXPECT_EQ(data.layers, std::vector<std::string>{"focused#2"});
+    EXPECT_EQ(data.frames, 2);
     EXPECT_EQ(textOf(data.frameIntervalsMs), "0.3:200");
     EXPECT_EQ(textOf(data.depths), "0:0 0.1:1 0.2:0 0.3:1 2:1");
     EXPECT_EQ(textOf(data.periodsMs), "0:10 1:20 2:20");
@@ -54,6 +56,27 @@ TEST(PlotDataTest, HasACurveForEachQuantity) {
     EXPECT_EQ(textOf(data.upScales), "0.8:1.5");
     EXPECT_EQ(textOf(data.boosts), "0.9:10");
     EXPECT_EQ(textOf(data.rateHintsHz), "1:60");
+
+    // The values at the start of a window are those before it; the other layer gets the focus.
+    timeline.events.insert(timeline.events.end() - 1, {1500 * kMs, Kind::Focus, 0, 0, 0, 0});
+    const PlotData part = plotData(timeline, recording, {1250 * kMs, 1825 * kMs});
+    EXPECT_EQ(part.fromS, 0.25);
+    EXPECT_EQ(part.toS, 0.825);
+    EXPECT_EQ(part.layers, (std::vector<std::string>{"focused#2", "other#1"}));
+    EXPECT_EQ(part.frames, 1);
+    EXPECT_EQ(textOf(part.frameIntervalsMs), "0.3:200");
+    EXPECT_EQ(textOf(part.depths), "0.25:0 0.3:1 0.5:7 0.825:7");
+    EXPECT_EQ(textOf(part.periodsMs), "0.25:10 0.825:10");
+    EXPECT_EQ(textOf(part.modes), "0.25:5 0.825:5");
+    EXPECT_EQ(part.downs, 3);
+    EXPECT_EQ(textOf(part.upScales), "0.8:1.5");
+    EXPECT_EQ(textOf(part.boosts), "");
+
+    const PlotData end = plotData(timeline, recording, {1425 * kMs, 1750 * kMs});
+    EXPECT_EQ(textOf(end.downScales),
+              "0.425:0.5 0.45:0.5 0.45:0.25 0.55:0.25 0.7:nan 0.7:0.75 0.75:0.75");
+    EXPECT_EQ(end.downs, 2);
+    EXPECT_EQ(textOf(end.frameIntervalsMs), "");
 }
 
 }  // namespace

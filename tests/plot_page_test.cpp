@@ -15,7 +15,7 @@ std::vector<double> numbersAfter(const std::string& word, const std::string& scr
 }
 
 TEST(PlotPageTest, DrawsEachCurveOfAPanelFromItsOwnData) {
-    PlotPage page(2);
+    PlotPage page(0.25, 2);
     page.beginPanel("first", 100, "");
     page.addCurve({{0, 1}, {0.5, 2}}, "lines", "a");
     page.addCurve({}, "points", "it's empty");
@@ -33,6 +33,9 @@ TEST(PlotPageTest, DrawsEachCurveOfAPanelFromItsOwnData) {
     EXPECT_NE(script.find("$data3 << END\n0 4\nEND\nplot $data3 with lines title 'c'\n"),
               std::string::npos)
             << script;
+
+    EXPECT_NE(script.find("set xrange [0.25:2]\n"), std::string::npos);
+    EXPECT_NE(script.find("1 frames in 1.75 s"), std::string::npos) << script;
 
     const std::vector<double> tops = numbersAfter("set tmargin at screen ", script);
     const std::vector<double> bottoms = numbersAfter("set bmargin at screen ", script);

@@ -28,7 +28,7 @@ TEST(PlotThinningTest, KeepsFirstLastMinAndMaxOfEachColumn) {
              {{0.5, 1}, {2.5, kBreak}, {2.5, 2}}},
     };
     for (const auto& c : cases) {
-        const PlotPoints kept = thin(c.points, 10, 10);
+        const PlotPoints kept = thin(c.points, 0, 10, 10);
         ASSERT_EQ(kept.size(), c.kept.size()) << c.name;
         for (size_t i = 0; i < kept.size(); ++i) {
             EXPECT_EQ(kept[i].timeS, c.kept[i].timeS) << c.name << ", point " << i;

@@ -9,6 +9,7 @@ namespace {
 
 constexpr int64_t k60Ns = kPeriod60Ns;
 constexpr int64_t k90Ns = kPeriod90Ns;
+constexpr int64_t k120Ns = kPeriod120Ns;
 
 struct Ticks {
     int count;
@@ -34,40 +35,53 @@ TEST(RefreshPeriodTest, SnapsAndRounds) {
     EXPECT_EQ(snapPeriod(17'166'665), k60Ns);
     EXPECT_EQ(snapPeriod(17'166'667), 17'166'667);
     EXPECT_EQ(snapPeriod(10'777'778), k90Ns);
-    EXPECT_EQ(snapPeriod(8'100'000), kPeriod120Ns);
+    EXPECT_EQ(snapPeriod(8'100'000), k120Ns);
     EXPECT_EQ(periodOfRate(60), k60Ns);
     EXPECT_EQ(periodOfRate(59.94), 16'683'350);
 }
 
 TEST(RefreshPeriodTest, FollowsThePeriod) {
-    constexpr auto kKeep = UnknownRate::Keep;
-    constexpr auto kIgnore = UnknownRate::Ignore;
-    const std::tuple<const char*, std::vector<Ticks>, UnknownRate, std::vector<int64_t>> cases[] = {
-            {"one interval is not enough", {{1, 16'600}}, kKeep, {}},
-            {"two are enough", {{2, 16'600}}, kKeep, {k60Ns}},
-            {"jitter", {{300, 11'200, 3'000}}, kIgnore, {k90Ns}},
-            {"half of 60 Hz", {{40, 33'300}}, kIgnore, {k60Ns}},
-            {"third of 60 Hz", {{40, 50'000}}, kIgnore, {k60Ns}},
-            {"half of 90 Hz", {{40, 22'200}}, kIgnore, {k90Ns}},
-            {"third of 120 Hz", {{40, 25'000}}, kIgnore, {kPeriod120Ns}},
-            {"third of the current 90 Hz", {{40, 11'100}, {40, 33'300}}, kIgnore, {k90Ns}},
-            {"144 Hz vsyncs", {{99, 6'950, 40}}, kKeep, {6'950'000}},
-            {"144 Hz frames", {{99, 6'950, 40}}, kIgnore, {}},
-            {"no steady rate", {{99, 20'000, 9'000}}, kKeep, {}},
-            {"50 Hz after 60 Hz", {{40, 16'700}, {40, 20'000}}, kKeep, {k60Ns, 20'000'000}},
+    using Kind = IntervalKind;
+    constexpr auto kAsked = Kind::RequestedTick;
+    constexpr auto kFrame = Kind::Frame;
+    constexpr auto kTick = Kind::DisplayTick;
+    const std::tuple<const char*, std::vector<Ticks>, Kind, std::vector<int64_t>> cases[] = {
+            {"one interval is not enough", {{1, 16'600}}, kAsked, {}},
+            {"two are enough", {{2, 16'600}}, kAsked, {k60Ns}},
+            {"jitter", {{300, 11'200, 3'000}}, kFrame, {k90Ns}},
+            {"half of 60 Hz", {{40, 33'300}}, kFrame, {k60Ns}},
+            {"third of 60 Hz", {{40, 50'000}}, kFrame, {k60Ns}},
+            {"half of 90 Hz", {{40, 22'200}}, kFrame, {k90Ns}},
+            {"third of 120 Hz", {{40, 25'000}}, kFrame, {k120Ns}},
+            {"third of the current 90 Hz", {{40, 11'100}, {40, 33'300}}, kFrame, {k90Ns}},
+            {"144 Hz vsyncs", {{99, 6'950, 40}}, kAsked, {6'950'000}},
+            {"144 Hz frames", {{99, 6'950, 40}}, kFrame, {}},
+            {"no steady rate", {{99, 20'000, 9'000}}, kAsked, {}},
+            {"50 Hz after 60 Hz", {{40, 16'700}, {40, 20'000}}, kAsked, {k60Ns, 20'000'000}},
             {"pauses and outliers",
              {{40, 16'700}, {30, 600'000}, {10, 8'300}, {40, 16'700}},
-             kKeep,
+             kAsked,
              {k60Ns}},
             {"a change during a pause",
              {{40, 16'700}, {1, 600'000}, {40, 8'300}},
-             kKeep,
-             {k60Ns, kPeriod120Ns}},
-            {"the edge of a snap", {{60, 17'100}, {60, 17'250}, {60, 17'100}}, kKeep, {k60Ns}},
+             kAsked,
+             {k60Ns, k120Ns}},
+            {"half of 144 Hz", {{40, 6'950}, {40, 13'900}}, kAsked, {6'950'000}},
+            {"144 to 72 Hz", {{40, 6'950}, {5, 13'900}}, kTick, {6'950'000, 13'900'000}},
+            {"60 to 30 Hz", {{40, 16'700}, {5, 33'300}}, kTick, {k60Ns, 33'300'000}},
+            {"120 to 60 Hz", {{40, 8'300}, {5, 16'700}}, kTick, {k120Ns, k60Ns}},
+            {"60 to 120 Hz", {{40, 16'700}, {5, 8'300}}, kTick, {k60Ns, k120Ns}},
+            {"two late ticks", {{40, 8'300}, {2, 16'700}, {40, 8'300}}, kTick, {k120Ns}},
+            {"jitter of ticks", {{300, 11'200, 3'000}}, kTick, {k90Ns}},
+            {"unsteady ticks", {{99, 20'000, 9'000}}, kTick, {}},
+            {"requested ticks, 120 to 60 Hz", {{40, 8'300}, {19, 16'700}}, kAsked, {k120Ns, k60Ns}},
+            {"requested ticks, 60 to 120 Hz", {{40, 16'700}, {19, 8'300}}, kAsked, {k60Ns, k120Ns}},
+            {"too few of them", {{40, 8'300}, {11, 16'700}, {40, 8'300}}, kAsked, {k120Ns}},
+            {"the edge of a snap", {{60, 17'100}, {60, 17'250}, {60, 17'100}}, kAsked, {k60Ns}},
     };
-    for (const auto& [what, ticks, unknown, expectedNs] : cases) {
+    for (const auto& [what, ticks, kind, expectedNs] : cases) {
         std::vector<int64_t> periodsNs;
-        for (const PeriodChange& change : followPeriod(intervalsOf(ticks), unknown))
+        for (const PeriodChange& change : followPeriod(intervalsOf(ticks), kind))
             periodsNs.push_back(change.periodNs);
         EXPECT_EQ(periodsNs, expectedNs) << what;
     }
@@ -76,7 +90,7 @@ TEST(RefreshPeriodTest, FollowsThePeriod) {
 TEST(RefreshPeriodTest, DatesAChangeBack) {
     const auto changes = followPeriod(
             intervalsOf({{100, 16'667, 1'000}, {100, 11'111, 1'000}, {25, 16'667, 1'000}}),
-            UnknownRate::Keep);
+            IntervalKind::RequestedTick);
     ASSERT_EQ(changes.size(), 3u);
     EXPECT_NEAR(static_cast<double>(changes[1].timeNs), 1'667'700'000, k60Ns);
     EXPECT_NEAR(static_cast<double>(changes[2].timeNs), 2'779'800'000, k60Ns);

@@ -1,16 +1,17 @@
-// From an input's bytes to a timeline: the kinds of input, the lines of a trace, the activity of
-// the compositor, errors and warnings.
+// From an input's bytes to a timeline: the lines of a trace, the activity of the compositor,
+// errors and warnings.
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include <regex>
 #include <sstream>
 #include <tuple>
 
 #include "base/error.h"
 #include "replay/labels.h"
 #include "tests/gzip.h"
+#include "tests/pages.h"
+#include "tests/rest.h"
 #include "trace/read_timeline.h"
 #include "trace/refresh_period.h"
 #include "trace/string_source.h"
@@ -29,14 +30,6 @@ constexpr size_t kWhole = std::string::npos;
 
 TraceInput inputOf(const std::string& bytes, size_t maxRead = kWhole) {
     return {std::make_unique<StringSource>(bytes, maxRead), kName};
-}
-
-std::string rest(ByteSource& source) {
-    std::string text;
-    char block[1000];
-    while (const size_t count = source.read(block, sizeof(block)))
-        text.append(block, count);
-    return text;
 }
 
 Timeline read(const std::string& bytes, const TimelineOptions& options = {},
@@ -108,80 +101,42 @@ std::string describe(const Timeline& timeline) {
            vsyncSourceText(timeline.vsyncSource);
 }
 
-const std::string kElement = "<script class=\"trace-data\" type=\"application/text\">\n";
-
-std::string pageOf(const std::string& content, size_t viewerBytes = 30) {
-    return "<!DOCTYPE html>\n<script>" + std::string(viewerBytes, 'x') + "</script>\n" + kElement +
-           "PROCESS DUMP\n  </script>\n" + kElement + content + "  </script>\n</html>\n";
-}
-
-std::string oldPageOf(const std::string& content) {
-    std::string escaped = std::regex_replace(content, std::regex("[\"\\\\]"), "\\$&");
-    escaped.pop_back();  // The string may end without a newline.
-    escaped = std::regex_replace(escaped, std::regex("\n"), "\\n\\\n");
-    return "<html><script>\n  var linuxPerfData = \"\\\n" + escaped + "\";\n</script></html>";
-}
-
-TEST(TimelineTest, FindsTheTextInEveryKindOfInput) {
-    const std::string text = "# tracer: nop\n" + trace("0 91 +a;20 90 B|90|composite \"1\\2\";");
-    std::string longText = text;
-    for (int i = 1; i <= 20'000; ++i)
-        longText += fmt::format("a-{} [000] 2.0: 0: C|90|a|{}\n", 90 + i % 2, i % 2);
-    const std::vector<size_t> small = {1, 2, 3, 7, 64, kWhole};
-    const std::vector<size_t> large = {4096, kWhole};
-    const struct {
-        const char* what;
-        std::string bytes;
-        std::string text;
-        std::vector<size_t> maxReads;
-    } cases[] = {
-            {"text", text, text, small},
-            {"old page", oldPageOf(text), text, small},
-            {"two pages", pageOf(text) + pageOf(text), text + text, small},
-            {"long page", pageOf(longText, 300'000), longText, large},
-            {"gzip", gzip(text), text, small},
-            {"gzip of two members and padding", gzip(text) + gzip(text) + "0", text + text, small},
-            {"gzip of an old page", gzip(oldPageOf(text)), text, small},
-            {"gzip of a long page", gzip(pageOf(longText, 300'000)), longText, large},
-    };
-    for (const auto& [what, bytes, expected, maxReads] : cases) {
-        for (const size_t maxRead : maxReads) {
-            TraceInput input = inputOf(bytes, maxRead);
-            EXPECT_EQ(rest(input.open()), expected) << what << " in reads of " << maxRead;
-            char some[10];
-            input.open().read(some, sizeof(some));
-            EXPECT_EQ(rest(input.open()), expected) << what << " again, in reads of " << maxRead;
-        }
-    }
-    EXPECT_EQ(layersOf(read(longText)), "a#0*10001 ");
-}
-
 TEST(TimelineTest, ReportsErrorsAndWarnings) {
     const std::string event = "a-7 [001] 1.0: sched_wakeup: comm=b\n";
     const std::string start = trace("40 9 C|9|BufferTX - a|3;50 9 C|9|BufferTX - a|2;");
     const std::string early = trace("0 9 E;");
-    const auto cutShort = [](int line) {
-        return fmt::format(
-                ":{}: expected a whole line, got the end of the text; was the recording "
-                "cut short?",
-                line);
-    };
     const std::string whole = gzip(start);
     const std::string page = pageOf(start);
+    const char* const kNoCompositor =
+            ": no process has compositions, vsync counters or buffer counters; record the trace "
+            "with graphics events (gfx)";
     const char* const pageCutShort =
             ": expected the end of a script element, got the end of the page; was the file cut "
             "short?";
     const std::pair<std::string, Texts> cases[] = {
             {"", {": expected ftrace text, got no bytes; was anything recorded?"}},
             {"# tracer\nhello [1] x\n", {": expected ftrace text, got no line with an event"}},
-            {event, {": no layer has frames; record the trace with graphics events"}},
+            {event, {kNoCompositor}},
+            {trace("0 90 C|90|VSYNC|1;"),
+             {": no layer has frames; record the trace with graphics events"}},
             {event + std::string(1, '\0') + "\n",
-             {": expected text, got binary data at byte 36; record the trace as text"}},
-            {event + "a-7 [001] 1.0: 0: C|9|a|1", {cutShort(2)}},
-            {event + "a-7 [001] 1.0: 0: C|9|a\n",
-             {":2: expected a counter with a whole number, got 'C|9|a'"}},
-            {event + "a-7 [001] 1.0: 0: C|9|a|9223372036854775808\n",
-             {":2: expected a counter with a whole number, got 'C|9|a|9223372036854775808'"}},
+             {": expected text, got binary data at byte 36; copy the file again"}},
+            {start + "a-7 [001] 1.0: 0: C|9|a",
+             {"lines skipped because the text ends inside them: 1, the first in line 3"}},
+            {trace("0 91 +crosses threads;100 91 +crosses threads;"), {kNoCompositor}},
+            {start + trace("60 7 C|7|a;61 7 C|7|a|9223372036854775808;"),
+             {"counters skipped because their value is not a number: 2, the first in line 3"}},
+            {"# entries-in-buffer/entries-written: 30624/87143   #P:4\n" + start +
+                     "a-7 [000] 0.005: x: y\na-7 [002] 0.3: x: y\na-7 [001] 0.4: x: y\n",
+             {"the recorder's buffer was full and lost its oldest events: 56519; the trace is "
+              "whole "
+              "from 0.40 s on"}},
+            {"# entries-in-buffer/entries-written: 4/4   #P:4\n" + start + "a-7 [1] 0.4: x: y\n",
+             {}},
+            {start + trace("60 19 C|19|BufferTX - a|1;61 19 C|19|BufferTX - a|2;"),
+             {"another process has marks of a compositor too: 2 of process 19; process 9 was taken "
+              "as the compositor"}},
+            {start + trace("60 19 C|19|BufferTX - a|1;61 8 C|8|many|1;62 8 C|8|others|2;"), {}},
             {event + std::string(300'000, 'x') + "\n",
              {":2: expected a line of at most 262144 bytes, got a longer one"}},
             {start + early + early + early,
@@ -213,7 +168,8 @@ TEST(TimelineTest, ReportsErrorsAndWarnings) {
              {":1: expected a refresh period of 1000000 to 1000000000 ns, got '999999'"}},
             {"16666666\n0\t0\t0\n5\t9223372036854775807\t6\n",
              {": expected rows of presented frames, got none; was the layer drawing?"}},
-            {"16666666\n5000\t6000\t50", {cutShort(2)}},
+            {"16666666\n500\t600\t500\n5000\t6000\t50",
+             {"lines skipped because the text ends inside them: 1, the first in line 3"}},
             {"16666666\n5\t6000\t5\nx\n5\t7000\t4\n5\t8000\t9000000000000000001\n",
              {"lines that are not rows of a latency dump: 2, the first in line 3",
               "rows skipped because they go back in time: 1, the first in line 4"}},
@@ -250,13 +206,46 @@ TEST(TimelineTest, ReadsTheEvents) {
                    "40 90 B|90|composite 2;41 90 E;50 90 B|90|composite;51 90 E;"
                    "52 90 B|90|commit 2;53 90 B|90|composite;54 90 E;55 90 E;60 90 B|90|composite "
                    "3;"),
-             "0 16666666 1a#0=1 11a#0=0 23< 27> 40< 41> 50< 51> 53< 54> to 60; a#0*1 ; "
+             "0 16666666 1a#0=1 11a#0=0 23< 27> 30< 40> 40< 41> 50< 51> 53< 54> to 60; a#0*1 ; "
              "composite sections, none in the trace"},
+            // A composition whose end was lost ends where its thread composes or commits again.
+            {trace("0 91 +BufferTX - a#19;20 90 B|90|composite 1;21 90 B|90|inner;"
+                   "22 90 B|90|composite 1;23 90 B|90|postFramebuffer;30 90 B|90|commit 2;31 90 E;"
+                   "32 91 B|90|composite 2;33 90 B|90|composite 3;34 90 E;35 90 E;"
+                   "40 90 B|90|onMessageRefresh;41 90 B|90|postFramebuffer;"
+                   "42 90 B|90|postFramebuffer;43 90 E;44 90 E;"),
+             "0 16666666 0a#19=1 10a#19=0 20< 22> 22< 30> 33< 34> 40< 44> to 44; a#19*1 ; "
+             "composite sections, none in the trace"},
+            // Lines that are up to a millisecond late.
+            {trace("100 91 C|90|BufferTX - a#1|1;130 90 B|90|commit;132 90 C|90|BufferTX - a#1|0;"
+                   "140 90 E;132 91 C|90|BufferTX - a#1|1;132 91 C|90|BufferTX - a#1|2;"
+                   "132 91 C|90|BufferTX - a#1|3;130 92 C|90|VSYNC-sf|1;"
+                   "131 92 C|90|VSYNC-sf|0;129 92 C|90|VSYNC-sf|1;150 90 B|90|commit;"
+                   "141 90 C|90|BufferTX - a#1|2;151 90 E;"),
+             "100 16666666 100a#1=1 130< 130| 131| 132a#1=0 132a#1=1 132a#1=2 132a#1=3 140> "
+             "141a#1=2 150< 151> to 151; a#1*4 ; commit sections, VSYNC-sf"},
+            {"a-91 [0] 2.0005: 0: C|90|BufferTX - a#1|1\na-91 [1] 2.0: x: y\n",
+             "20000 16666666 20005a#1=1 to 20005; a#1*1 ; latches, none in the trace"},
+            // A rise on the compositor's thread is not a frame, unless every rise is on it.
+            {trace("0 91 C|90|BufferTX - a#1|1;9 90 C|90|BufferTX - a#1|2;10 90 B|90|commit;"
+                   "10 90 C|90|BufferTX - a#1|0;11 90 E;12 90 C|90|BufferTX - own#2|1;"),
+             "0 16666666 0a#1=1 9a#1=2 10< 10a#1=0 11> 12own#2=1 to 12; a#1*1 own#2*0 ; "
+             "commit sections, none in the trace"},
+            {trace("0 90 C|90|BufferTX - a#1|1;10 90 B|90|commit;10 90 C|90|BufferTX - a#1|0;"
+                   "11 90 E;"),
+             "0 16666666 0a#1=1 10< 10a#1=0 11> to 11; a#1*1 ; commit sections, none in the trace"},
             // Without compositions, latches replace them.
             {trace("0 91 +BufferTX - a#1;41 91 +BufferTX - b#2;60 91 C|90|BufferTX - a#1|1;"
                    "90 90 C|90|BufferTX - a#1|0;100 91 +BufferTX - b#2;"),
              "0 16666666 0a#1=1 10< 10a#1=0 10> 41b#2=1 51< 51b#2=0 60a#1=1 90a#1=0 90> 100b#2=1 "
              "110< 110b#2=0 110> to 110; a#1*2 b#2*2 ; latches, none in the trace"},
+            // Ready after the present: queued at the desired present, not before the frame above.
+            {"16666666\n30000000\t50000000\t20000000\n40000000\t66700000\t90000000\n"
+             "10000000\t84000000\t99000000\n0\t100700000\t110000000\n",
+             "200 16666666 200layer#0=1 333< 333layer#0=0 333> 400layer#0=1 400layer#0=2 500| 500< "
+             "500layer#0=1 500> 667| 673< 673layer#0=0 673> 840| 1007layer#0=1 1007< 1007layer#0=0 "
+             "1007> 1007| to 1007; layer#0*4 ; present times minus a refresh period, present "
+             "times"},
             // The fourth frame is ready late; the first row is unused, the last two are pending.
             {"WARNING: something\n16700000\n0\t0\t0\n5\t50000000\t10000000\n5\t67000000\t20000000\n"
              "5\t84000000\t75000000\n90000000\t9223372036854775807\t80000000\n0\t0\t90000000\n\n",
@@ -272,51 +261,117 @@ TEST(TimelineTest, ReadsTheEvents) {
 
 TEST(TimelineTest, RecognisesLayers) {
     const std::string marks =
-            "0 90 B|90|postFramebuffer;1 90 E;2 91 B|90|Slotted: 3;3 91 E;"
-            "4 91 B|90|FramebufferSurface: 1;5 91 E;120 91 +Crossing;140 91 +aq:x;160 91 +oq:x;"
-            "180 91 +wq:x;200 91 +iq;220 91 +x fps;240 91 +x duration;260 91 +FrameMissed;"
+            "0 90 B|90|postFramebuffer;1 90 E;4 91 B|90|FramebufferSurface: 1;5 91 E;"
+            "6 91 B|90|NoCounter: 1;7 91 E;120 91 +Crossing;140 91 +aq:x;160 91 +oq:x;180 91 +wq:x;"
+            "200 91 +iq;220 91 +x fps;240 91 +x duration;260 91 +FrameMissed;"
             "280 91 +PrevFrameMissed;300 91 +FramebufferSurface;320 91 +VSP-mode;"
             "340 91 +VirtualDisplaySurface-1;360 91 +HW_VSYNC_ON_0;380 91 +VSYNC-app;"
+            "400 91 +LumaSamplingStep;420 91 +60fps;440 91 +120fps;460 91 +60fps#9;480 91 +Xfps;"
             "500 90 C|90|OnMain|1;501 90 C|90|OnMain|0;502 91 C|90|OnBinder|1;"
-            "503 91 C|90|OnBinder|0;504 7 C|77|Elsewhere|1;505 90 C|77|Elsewhere|0;"
-            "900 90 C|90|Slotted|1;";
-    EXPECT_EQ(layersOf(read(trace(marks))), "Slotted#0*1 Crossing#0*1 ");
-    EXPECT_EQ(layersOf(read(trace(marks + "950 91 +BufferTX - Newer#12;"))), "Newer#12*1 ");
+            "503 91 C|90|OnBinder|0;504 7 C|77|Elsewhere|1;505 90 C|77|Elsewhere|0;";
+    EXPECT_EQ(layersOf(read(trace(marks))), "Crossing#0*1 60fps#9*1 Xfps#0*1 ");
+    const std::string slotted = marks + "802 91 B|90|Slotted: 3;803 91 E;900 91 C|90|Slotted|1;";
+    EXPECT_EQ(layersOf(read(trace(slotted))), "Slotted#0*1 ");
+    EXPECT_EQ(layersOf(read(trace(slotted + "950 91 +BufferTX - Newer#12;"))), "Newer#12*1 ");
+}
+
+TEST(TimelineTest, ChoosesTheCompositor) {
+    const auto commits = [](int pid, int tid, int count) {
+        std::string marks;
+        for (int i = 0; i < count; ++i)
+            marks += fmt::format("{0} {1} B|{2}|commit {0};{0} {1} E;", i * 10, tid, pid);
+        return marks;
+    };
+    const auto frame = [](int pid, int tid, int compositorTid) {
+        return fmt::format("7000 {1} C|{0}|of {0}|1;7001 {2} C|{0}|of {0}|0;", pid, tid,
+                           compositorTid);
+    };
+    const std::string frames = frame(80, 81, 80) + frame(90, 91, 93);
+    // Each has to choose the thread 93 of process 90.
+    const std::pair<const char*, std::string> cases[] = {
+            {"most commits", commits(80, 80, 5) + commits(90, 93, 15)},
+            {"a section that composes, whatever the commits",
+             commits(80, 80, 15) + "5000 93 B|90|composite;5001 93 E;"},
+            {"a vsync counter, whatever the commits",
+             commits(80, 80, 15) + "5000 94 C|90|VSYNC-sf|1;"},
+            {"slots, whatever the other counters",
+             "1 81 C|80|x|1;2 81 C|80|x|2;3 81 C|80|x|3;5000 91 B|90|of 90: 1;5001 91 E;"},
+            {"the thread that composes, whatever thread commits",
+             commits(90, 92, 15) + "5000 93 B|90|composite;5001 93 E;"},
+            {"the thread that composes most",
+             "4000 92 B|90|composite;4001 92 E;5000 93 B|90|composite;5001 93 E;"
+             "6000 93 B|90|composite;6001 93 E;"},
+    };
+    for (const auto& [what, marks] : cases) {
+        TraceInput input = inputOf(trace(marks + frames));
+        TraceForm form;
+        EXPECT_EQ(layersOf(readTimeline(input, {}, &form)), "of 90#0*1 ") << what;
+        EXPECT_EQ(form.compositorPid, 90) << what;
+        EXPECT_EQ(form.compositorTid, 93) << what;
+    }
 }
 
 TEST(TimelineTest, ChoosesTheSourceOfThePeriod) {
     std::string marks;
     for (int i = 0; i < 20; ++i)
         marks += std::to_string(i * 167) + " 91 +BufferTX - a#0;";
-    const std::tuple<const char*, int, int, const char*, int64_t> steps[] = {
-            {"HW_VSYNC_ON_0", 100, 0, "frame intervals, as the trace has no vsyncs", kPeriod60Ns},
-            {"VSYNC-sf", 222, 0, "frame intervals, as the trace has no vsyncs", kPeriod60Ns},
-            {"HW_VSYNC_0", 111, 0, "HW_VSYNC_0 toggles", kPeriod90Ns},
-            {"VSYNC", 83, 0, "VSYNC toggles", kPeriod120Ns},
-            {"VSYNC-app", 200, 0, "VSYNC-app toggles", 20'000'000},
-            {"VSR-setPeriod", 100, 11'000'000, "VSR-setPeriod", kPeriod90Ns},
+    constexpr const char* kFrames = "frame intervals, as no counter shows the display's vsyncs";
+    // Each step adds a counter: `count` values in turn, at intervals in tenths of a millisecond.
+    const struct {
+        const char* counter;
+        int interval, count, value, otherValue;
+        const char* source;
+        int64_t periodNs;
+    } steps[] = {
+            {"HW_VSYNC_ON_0", 100, 6, 0, 1, kFrames, kPeriod60Ns},
+            {"VSYNC-sf", 222, 6, 0, 1, kFrames, kPeriod60Ns},
+            {"VSYNC-app", 200, 6, 0, 1, "VSYNC-app toggles", 20'000'000},
+            {"VSYNC", 83, 6, 0, 1, "VSYNC toggles", kPeriod120Ns},
+            {"HW_VSYNC_123", 111, 6, 0, 1, "HW_VSYNC_123 toggles", kPeriod90Ns},
+            {"HW_VSYNC_456", 167, 9, 0, 1, "HW_VSYNC_456 toggles", kPeriod60Ns},
+            {"VSP-period", 167, 6, 10'900'000, 11'300'000, "VSP-period values", kPeriod90Ns},
+            {"VSP-period 7", 83, 7, 8'100'000, 8'500'000, "VSP-period 7 values", kPeriod120Ns},
+            {"VSR-setDisplayMode 123", 1, 1, 8'333'333, 0, "VSR-setDisplayMode 123 values",
+             kPeriod120Ns},
+            {"VSR-setDisplayMode 456", 1, 1, 11'111'111, 0, "VSR-setDisplayMode 456 values",
+             kPeriod90Ns},
+            {"VSR-setPeriod", 100, 6, 16'600'000, 16'600'001, "VSR-setPeriod", kPeriod60Ns},
     };
     int time = 10'000;
-    for (const auto& [counter, interval, value, source, periodNs] : steps) {
-        for (int i = 0; i < 6; ++i)
-            marks += fmt::format("{} 92 C|90|{}|{};", time += interval, counter, value + i % 2);
+    for (const auto& step : steps) {
+        for (int i = 0; i < step.count; ++i)
+            marks += fmt::format("{} 92 C|90|{}|{};", time += step.interval, step.counter,
+                                 i % 2 ? step.otherValue : step.value);
         const Timeline timeline = read(trace(marks));
-        EXPECT_EQ(periodSourceText(timeline.periodSource, timeline.periodCounter), source);
-        EXPECT_EQ(timeline.events[0].periodNs, periodNs) << source;
+        EXPECT_EQ(periodSourceText(timeline.periodSource, timeline.periodCounter), step.source);
+        EXPECT_EQ(timeline.events[0].periodNs, step.periodNs) << step.source;
     }
     EXPECT_EQ(read(trace(marks), {{}, 59.94}).events[0].periodNs, 16'683'350);
 }
 
-TEST(TimelineTest, FindsTheRequestedLayer) {
-    const std::string text =
-            trace("0 91 +BufferTX - StatusBar;100 91 +BufferTX - com.a/com.a.Main#7;"
-                  "200 91 +BufferTX - com.a/com.a.Main#7;300 91 +BufferTX - Wall#1;"
-                  "400 91 +BufferTX - Wall#1;500 91 +BufferTX - Other;");
-    EXPECT_EQ(read(text).focusedLayer, 1u);
-    EXPECT_EQ(read(text, {"Other", {}}).focusedLayer, 3u);
-    EXPECT_EQ(warningsOf(text, {"com.a.Main", {}}),
-              Texts{": no layer 'com.a.Main' has frames; the closest names are "
-                    "'com.a/com.a.Main#7', 'StatusBar#0', 'Wall#1'"});
+TEST(TimelineTest, FollowsTheDisplayFrom120To60Hz) {
+    std::string toggles;
+    for (int i = 0, time = 0; i <= 35; time += ++i <= 30 ? 83 : 167)
+        toggles += fmt::format("{} 92 C|90|HW_VSYNC_0|{};", time, i % 2);
+    const std::pair<const char*, std::string> cases[] = {
+            {"stated", "0 92 C|90|VSR-setPeriod|8333333;2490 92 C|90|VSR-setPeriod|16666666;"},
+            {"predicted",
+             "0 92 C|90|VSP-period 7|8333333;400 92 C|90|VSP-period 7|8300000;"
+             "483 92 C|90|VSP-period 7|9500000;566 92 C|90|VSP-period 7|8400000;"
+             "2490 92 C|90|VSP-period 7|16666666;"},
+            {"ticks", toggles},
+    };
+    for (const auto& [what, marks] : cases) {
+        std::string periods;
+        for (const TimelineEvent& event : read(trace("0 91 +BufferTX - a#0;" + marks)).events) {
+            if (event.kind != TimelineEvent::Kind::Period) continue;
+            periods += fmt::format("{} {} ", event.timeNs / 100'000, event.periodNs);
+        }
+        EXPECT_EQ(periods, "0 8333333 2490 16666666 ") << what;
+    }
+}
+
+TEST(TimelineTest, NamesTheLayerOfALatencyDump) {
     EXPECT_EQ(layersOf(read("16666666\n5\t60000\t5\n", {"com.a#7", {}})), "com.a#7*1 ");
 }
 

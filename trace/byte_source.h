@@ -1,6 +1,9 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+
+#include "base/descriptor.h"
 
 namespace brevold::trace {
 
@@ -17,6 +20,12 @@ class ByteSource {
 
     /** Continues at the first byte. Throws InputError. */
     virtual void rewind() = 0;
+
+    /** How many bytes of the input were read so far, counted before any decompression. */
+    virtual uint64_t inputBytes() const = 0;
+
+    /** The regular file that consists of these bytes, or null. Its offset may be anywhere. */
+    virtual const Descriptor* file() const { return nullptr; }
 };
 
 }  // namespace brevold::trace

@@ -71,7 +71,9 @@ bool parseEventLine(std::string_view text, EventLine* line) {
          open = text.find('[', open + 1)) {
         const size_t close = text.find_first_not_of(kDigits, open + 1);
         if (close == std::string_view::npos) return false;
-        if (text[close] == ']' && close > open + 1 && parseThread(text.substr(0, open), line)) {
+        if (text[close] == ']' &&
+            parseWhole(text.substr(open + 1, close - open - 1), &line->processor) &&
+            parseThread(text.substr(0, open), line)) {
             return parseTimeAndEvent(text.substr(close + 1), line);
         }
     }

@@ -11,6 +11,7 @@ struct EventLine {
     int32_t decimals;       // of the time as written
     std::string_view task;  // name of the thread
     int32_t tid;
+    int32_t processor;
     bool hasProcess;         // there is a column such as "(  712)"
     bool hasFlags;           // there is a column such as "d..3"
     std::string_view event;  // "name: payload"

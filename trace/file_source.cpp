@@ -8,12 +8,10 @@
 #include <cerrno>
 
 #include "base/error.h"
-#include "base/temporary_file.h"
+#include "trace/temporary_copy.h"
 
 namespace brevold::trace {
 namespace {
-
-constexpr size_t kCopyBytes = 64 * 1024;
 
 [[noreturn]] void failWithErrno(const std::string& name, const char* what) {
     throw InputError(fmt::format("{}: {}: {}", name, what, errnoText(errno)));
@@ -42,18 +40,6 @@ size_t readSome(const Descriptor& file, const std::string& name, char* bytes, si
     return static_cast<size_t>(count);
 }
 
-Descriptor copyToTemporaryFile(const Descriptor& file, const std::string& name) {
-    constexpr const char* kNoCopy = "cannot be copied to a temporary file in $TMPDIR or /tmp";
-    Descriptor copy = createTemporaryFile();
-    if (!copy.isOpen()) failWithErrno(name, kNoCopy);
-    std::string block(kCopyBytes, '\0');
-    while (const size_t count = readSome(file, name, block.data(), block.size())) {
-        if (!writeAll(copy.get(), {block.data(), count})) failWithErrno(name, kNoCopy);
-    }
-    lseek(copy.get(), 0, SEEK_SET);
-    return copy;
-}
-
 /** The current offset of a regular file; -1 for anything else. */
 int64_t offsetOf(const Descriptor& file) {
     struct stat status;
@@ -66,8 +52,9 @@ int64_t offsetOf(const Descriptor& file) {
 FileSource::FileSource(const std::string& path, std::string name, Reading reading)
       : mName(std::move(name)), mFile(openInput(path, mName)), mFirstByte(offsetOf(mFile)) {
     if (mFirstByte < 0 && reading == Reading::Repeated) {
-        mFile = copyToTemporaryFile(mFile, mName);
+        mFile = copyToTemporaryFile(*this, mName);
         mFirstByte = 0;
+        mBytesRead = 0;
     }
     struct stat status;
     mFileBytes = fstat(mFile.get(), &status) == 0 ? status.st_size - mFirstByte : 0;
@@ -76,11 +63,11 @@ FileSource::FileSource(const std::string& path, std::string name, Reading readin
 size_t FileSource::read(char* bytes, size_t size) {
     if (mFirstByte >= 0 && mBytesRead == 0) mProgress.emplace("reading", mFileBytes);
     const size_t count = readSome(mFile, mName, bytes, size);
-    mBytesRead += static_cast<int64_t>(count);
+    mBytesRead += count;
     if (count == 0) {
         mProgress.reset();
     } else if (mProgress) {
-        mProgress->update(mBytesRead);
+        mProgress->update(static_cast<int64_t>(mBytesRead));
     }
     return count;
 }
@@ -91,6 +78,10 @@ void FileSource::rewind() {
         failWithErrno(mName, "cannot be read again");
     }
     mBytesRead = 0;
+}
+
+const Descriptor* FileSource::file() const {
+    return mFirstByte == 0 ? &mFile : nullptr;
 }
 
 }  // namespace brevold::trace

@@ -25,13 +25,15 @@ class FileSource : public ByteSource {
     size_t read(char* bytes, size_t size) override;
     /** Throws InputError for a pipe that was opened with Reading::Once. */
     void rewind() override;
+    uint64_t inputBytes() const override { return mBytesRead; }
+    const Descriptor* file() const override;
 
   private:
     const std::string mName;
     Descriptor mFile;
     int64_t mFirstByte;  // offset of the first byte, or -1 for a pipe
     int64_t mFileBytes;
-    int64_t mBytesRead = 0;
+    uint64_t mBytesRead = 0;
     std::optional<Progress> mProgress;
 };
 

@@ -3,11 +3,18 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <iterator>
 
 #include "base/error.h"
+#include "base/text.h"
 
 namespace brevold::trace {
 namespace {
+
+constexpr int64_t kSecondNs = 1'000'000'000;
+constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
+constexpr std::string_view kPackageBytes =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.";
 
 /** Returns the length of the longest text that both names contain. */
 size_t commonLength(const std::string& a, const std::string& b) {
@@ -22,38 +29,151 @@ size_t commonLength(const std::string& a, const std::string& b) {
     return max;
 }
 
-std::string closestNames(std::vector<Layer> layers, const std::string& name) {
-    constexpr size_t kMaxNames = 3;
-    std::stable_sort(layers.begin(), layers.end(), [&](const Layer& a, const Layer& b) {
-        return commonLength(a.name, name) > commonLength(b.name, name);
-    });
+std::string listNames(const std::vector<Layer>& layers, const std::vector<size_t>& indices) {
     std::string list;
-    for (size_t i = 0; i < std::min(layers.size(), kMaxNames); ++i) {
-        list += (i > 0 ? ", '" : "'") + layers[i].name + "'";
-    }
+    for (const size_t i : indices)
+        list += (list.empty() ? "'" : ", '") + layers[i].name + "'";
     return list;
+}
+
+std::string closestNames(const std::vector<Layer>& layers, std::vector<size_t> indices,
+                         const std::string& name) {
+    constexpr size_t kMaxNames = 3;
+    std::stable_sort(indices.begin(), indices.end(), [&](size_t a, size_t b) {
+        return commonLength(layers[a].name, name) > commonLength(layers[b].name, name);
+    });
+    indices.resize(std::min(indices.size(), kMaxNames));
+    return listNames(layers, indices);
+}
+
+std::vector<size_t> layersWithFrames(const std::vector<Layer>& layers) {
+    std::vector<size_t> indices;
+    for (size_t i = 0; i < layers.size(); ++i) {
+        if (layers[i].frames > 0) indices.push_back(i);
+    }
+    return indices;
+}
+
+/** Returns the applications' layers, or all of them if there are none. */
+std::vector<size_t> preferredLayers(const std::vector<Layer>& layers,
+                                    const std::vector<size_t>& indices) {
+    std::vector<size_t> applications;
+    std::copy_if(indices.begin(), indices.end(), std::back_inserter(applications),
+                 [&](size_t i) { return isApplicationLayer(layers[i].name); });
+    return applications.empty() ? indices : applications;
+}
+
+size_t namedLayer(const std::vector<Layer>& layers, const std::vector<size_t>& indices,
+                  const std::string& name, const std::string& path) {
+    enum class Match : uint8_t { Whole, WithoutNumber, Part };
+    for (const Match match : {Match::Whole, Match::WithoutNumber, Match::Part}) {
+        std::vector<size_t> matches;
+        std::copy_if(indices.begin(), indices.end(), std::back_inserter(matches), [&](size_t i) {
+            const std::string& layer = layers[i].name;
+            switch (match) {
+                case Match::Whole:
+                    return layer == name;
+                case Match::WithoutNumber:
+                    return layer.compare(0, layer.rfind('#'), name) == 0;
+                case Match::Part:
+                    return layer.find(name) != std::string::npos;
+            }
+            return false;
+        });
+        if (matches.size() == 1) return matches.front();
+        if (matches.size() > 1) {
+            throw InputError(fmt::format("{}: several layers match '{}': {}", path, name,
+                                         listNames(layers, matches)));
+        }
+    }
+    throw InputError(fmt::format("{}: no layer '{}' has frames; the closest names are {}", path,
+                                 name, closestNames(layers, indices, name)));
+}
+
+/** "com.example": at least two parts that begin with a letter. */
+bool isPackage(std::string_view text) {
+    int32_t parts = 0;
+    while (!text.empty()) {
+        const std::string_view part = takeUntil('.', &text);
+        if (part.empty() || kLetters.find(part.front()) == std::string_view::npos) return false;
+        ++parts;
+    }
+    return parts >= 2;
+}
+
+/** "com.example.Main", ".Main" or "_Main". */
+bool beginsAsClass(std::string_view text) {
+    return !text.empty() && (kLetters.find(text.front()) != std::string_view::npos ||
+                             text.front() == '.' || text.front() == '_');
 }
 
 }  // namespace
 
-size_t findFocusedLayer(const std::vector<Layer>& layers, const std::optional<std::string>& name,
-                        const std::string& path) {
-    if (layers.empty()) {
+bool isApplicationLayer(std::string_view name) {
+    for (size_t slash = name.find('/'); slash != std::string_view::npos;
+         slash = name.find('/', slash + 1)) {
+        const std::string_view before = name.substr(0, slash);
+        const size_t begin = before.find_last_not_of(kPackageBytes) + 1;
+        if (isPackage(before.substr(begin)) && beginsAsClass(name.substr(slash + 1))) return true;
+    }
+    return false;
+}
+
+FocusedLayer findFocusedLayer(const std::vector<Layer>& layers,
+                              const std::optional<std::string>& name, const std::string& path) {
+    const std::vector<size_t> indices = layersWithFrames(layers);
+    if (indices.empty()) {
         throw InputError(path + ": no layer has frames; record the trace with graphics events");
     }
-    auto focused =
-            std::max_element(layers.begin(), layers.end(),
-                             [](const Layer& a, const Layer& b) { return a.frames < b.frames; });
-    if (name) {
-        focused = std::find_if(layers.begin(), layers.end(), [&](const Layer& layer) {
-            return layer.name == *name || layer.name == *name + "#0";
-        });
+    if (name) return {namedLayer(layers, indices, *name, path), {}};
+    const auto hasFewerFrames = [&](size_t a, size_t b) {
+        return layers[a].frames < layers[b].frames;
+    };
+    const std::vector<size_t> preferred = preferredLayers(layers, indices);
+    const size_t focused = *std::max_element(preferred.begin(), preferred.end(), hasFewerFrames);
+    const size_t max = *std::max_element(indices.begin(), indices.end(), hasFewerFrames);
+    if (!hasFewerFrames(focused, max)) return {focused, {}};
+    return {focused, max};
+}
+
+void followFocus(Timeline& timeline) {
+    using Kind = TimelineEvent::Kind;
+    const std::vector<size_t> layers =
+            preferredLayers(timeline.layers, layersWithFrames(timeline.layers));
+    std::vector<int32_t> frames(timeline.layers.size());
+    std::vector<TimelineEvent> changes;
+    std::optional<size_t> focus;
+    int64_t second = 0;
+    const auto endSecond = [&] {
+        size_t max = focus.value_or(layers.front());
+        for (const size_t layer : layers) {
+            if (frames[layer] > frames[max]) max = layer;
+        }
+        if (frames[max] > 0 && max != focus) {
+            if (focus) {
+                changes.push_back({timeline.startNs + second * kSecondNs, Kind::Focus,
+                                   static_cast<int32_t>(max), 0, 0, 0});
+            } else {
+                timeline.focusedLayer = max;
+            }
+            focus = max;
+        }
+        std::fill(frames.begin(), frames.end(), 0);
+    };
+    for (const TimelineEvent& event : timeline.events) {
+        const int64_t current = (event.timeNs - timeline.startNs) / kSecondNs;
+        if (current != second) endSecond();
+        second = current;
+        if (event.kind == Kind::Frame) ++frames[static_cast<size_t>(event.layer)];
     }
-    if (focused == layers.end()) {
-        throw InputError(fmt::format("{}: no layer '{}' has frames; the closest names are {}", path,
-                                     *name, closestNames(layers, *name)));
-    }
-    return static_cast<size_t>(focused - layers.begin());
+    endSecond();
+
+    std::deque<TimelineEvent> events;
+    // Of events of the same time, the change of the focus is the first.
+    std::merge(changes.begin(), changes.end(), timeline.events.begin(), timeline.events.end(),
+               std::back_inserter(events),
+               [](const TimelineEvent& a, const TimelineEvent& b) { return a.timeNs < b.timeNs; });
+    timeline.events = std::move(events);
 }
 
 }  // namespace brevold::trace

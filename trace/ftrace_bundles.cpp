@@ -6,6 +6,7 @@
 
 #include "base/text.h"
 #include "trace/mark_payload.h"
+#include "trace/mark_reader.h"
 #include "trace/perfetto_fields.h"
 
 namespace brevold::trace {
@@ -15,7 +16,6 @@ using perfetto::FtraceEvent;
 using perfetto::FtraceEventBundle;
 using protozero::pbf_message;
 
-constexpr int64_t kMaxDisorderNs = 1'000'000;
 constexpr uint64_t kMaxTimeNs = 9'000'000'000'000'000'000;
 
 }  // namespace

@@ -31,13 +31,14 @@ void GzipSource::StreamDeleter::operator()(z_stream_s* stream) const {
     delete stream;
 }
 
-GzipSource::GzipSource(std::unique_ptr<ByteSource> compressed, std::string name, Format format)
+GzipSource::GzipSource(std::unique_ptr<ByteSource> compressed, std::string name, Format format,
+                       ExpansionLimits limits)
       : mCompressed(std::move(compressed)),
         mName(std::move(name)),
         mFormat(format),
         mStream(new z_stream_s()),
         mBlock(kBlockBytes, '\0'),
-        mExpansion(mName) {
+        mExpansion(mName, limits) {
     const int windowBits = MAX_WBITS + (format == Format::Gzip ? kGzipFormat : 0);
     if (inflateInit2(mStream.get(), windowBits) != Z_OK) throw std::bad_alloc();
 }
@@ -64,14 +65,13 @@ size_t GzipSource::read(char* bytes, size_t size) {
         mIsInMember = result == Z_OK;
     }
     const size_t count = wanted - mStream->avail_out;
-    mExpansion.addExpanded(count);
+    mExpansion.add(count, inputBytes());
     return count;
 }
 
 bool GzipSource::fill() {
     mStream->next_in = reinterpret_cast<Bytef*>(mBlock.data());
     mStream->avail_in = static_cast<uInt>(mCompressed->read(mBlock.data(), mBlock.size()));
-    mExpansion.addCompressed(mStream->avail_in);
     return mStream->avail_in > 0;
 }
 
@@ -90,7 +90,7 @@ void GzipSource::rewind() {
     mStream->avail_in = 0;
     mIsInMember = false;
     mHasMember = false;
-    mExpansion = ExpansionLimit(mName);
+    mExpansion.reset();
 }
 
 }  // namespace brevold::trace

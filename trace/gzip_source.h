@@ -22,11 +22,15 @@ class GzipSource : public ByteSource {
 
     /** Error messages begin with `name`. */
     GzipSource(std::unique_ptr<ByteSource> compressed, std::string name,
-               Format format = Format::Gzip);
+               Format format = Format::Gzip, ExpansionLimits limits = {});
 
-    /** Throws InputError also if the data is incomplete. Bytes after the data are ignored. */
+    /**
+     * Throws InputError also if the data is incomplete or expands beyond the limits. Bytes after
+     * the data are ignored.
+     */
     size_t read(char* bytes, size_t size) override;
     void rewind() override;
+    uint64_t inputBytes() const override { return mCompressed->inputBytes(); }
 
   private:
     struct StreamDeleter {

@@ -19,6 +19,8 @@ class HeadSource : public ByteSource {
     size_t read(char* bytes, size_t size) override;
     /** Rewinds the other source only if bytes after the head have been read. */
     void rewind() override;
+    uint64_t inputBytes() const override { return mSource->inputBytes(); }
+    const Descriptor* file() const override { return mSource->file(); }
 
   private:
     const std::unique_ptr<ByteSource> mSource;

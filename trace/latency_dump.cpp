@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <limits>
-#include <vector>
+#include <utility>
 
 #include "base/error.h"
 #include "base/text.h"
@@ -25,6 +25,7 @@ struct Row {
     int64_t desiredNs;
     int64_t presentNs;
     int64_t readyNs;
+    bool isCut;  // the last number may lack digits
 };
 
 // The refresh period, then the desired present, the actual present and the end of rendering of each
@@ -34,9 +35,12 @@ struct Row {
 //   48173259011541	48173275678208	48173268244750
 //   48173275678208	9223372036854775807	48173284903499
 bool parseRow(std::string_view line, Row* row) {
+    size_t firstLength = 0;
     for (int64_t* timeNs : {&row->desiredNs, &row->presentNs, &row->readyNs}) {
         line = trimStart(line);
         const std::string_view word = line.substr(0, line.find_first_of(kBlanks));
+        if (timeNs == &row->desiredNs) firstLength = word.size();
+        row->isCut = word.size() < firstLength;
         if (!parseWhole(word, timeNs) || *timeNs < 0) return false;
         if (*timeNs > kMaxTimeNs && *timeNs != kPending) return false;
         line.remove_prefix(word.size());
@@ -44,49 +48,49 @@ bool parseRow(std::string_view line, Row* row) {
     return line.empty();
 }
 
-bool isPresented(const Row& row) {
-    const auto isTime = [](int64_t timeNs) { return timeNs != 0 && timeNs != kPending; };
-    return isTime(row.presentNs) && isTime(row.readyNs);
+bool isKnown(int64_t timeNs) {
+    return timeNs != 0 && timeNs != kPending;
+}
+
+/** Frames are queued in order: not before `lastQueuedNs`. */
+int64_t queueTimeNs(const Row& row, int64_t lastQueuedNs) {
+    if (row.readyNs <= row.presentNs) return row.readyNs;
+    // The end of rendering was reported after the present.
+    const int64_t desiredNs = isKnown(row.desiredNs) ? row.desiredNs : row.presentNs;
+    return std::min(std::max(desiredNs, lastQueuedNs), row.presentNs);
 }
 
 class DumpReader {
   public:
-    DumpReader(ByteSource& text, const std::string& path) : mLines(text, path), mPath(path) {}
+    DumpReader(ByteSource& text, const std::string& path)
+          : mLines(text, path), mPath(path), mBuilder(mTimeline) {}
 
     Timeline read(const TimelineOptions& options) {
+        const bool hasRate = options.refreshRateHz.has_value();
         const int64_t periodNs = readPeriodNs();
+        mBuilder.addLayer(numberedName(options.layer.value_or("layer")));
         readRows(periodNs);
-        if (mSteps.empty()) {
+        if (mRows == 0) {
             throw InputError(mPath +
                              ": expected rows of presented frames, got none; "
                              "was the layer drawing?");
         }
-        std::stable_sort(mSteps.begin(), mSteps.end(),
-                         [](const Step& a, const Step& b) { return a.timeNs < b.timeNs; });
-        Timeline timeline;
-        timeline.startNs = mSteps.front().timeNs;
-        timeline.endNs = mSteps.back().timeNs;
-        addWarning(TraceWarning::Kind::StrayRow, mStrayRows, &timeline.warnings);
-        addWarning(TraceWarning::Kind::OutOfOrderRow, mOutOfOrderRows, &timeline.warnings);
+        addWarning(TraceWarning::Kind::StrayRow, mStrayRows, &mTimeline.warnings);
+        addWarning(TraceWarning::Kind::UnfinishedLine, mUnfinishedRows, &mTimeline.warnings);
+        addWarning(TraceWarning::Kind::OutOfOrderRow, mOutOfOrderRows, &mTimeline.warnings);
 
-        TimelineBuilder builder(timeline);
-        const bool hasRate = options.refreshRateHz.has_value();
-        timeline.periodSource = hasRate ? PeriodSource::Option : PeriodSource::LatencyDump;
-        builder.addPeriod(timeline.startNs,
-                          hasRate ? periodOfRate(*options.refreshRateHz) : snapPeriod(periodNs));
-        addSteps(builder, builder.addLayer(numberedName(options.layer.value_or("layer"))));
-        timeline.compositionSource = CompositionSource::PresentTimes;
-        timeline.vsyncSource = VsyncSource::PresentTimes;
-        builder.finish();
-        return timeline;
+        mTimeline.periodSource = hasRate ? PeriodSource::Option : PeriodSource::LatencyDump;
+        mBuilder.addPeriod(mTimeline.startNs,
+                           hasRate ? periodOfRate(*options.refreshRateHz) : snapPeriod(periodNs));
+        mTimeline.compositionSource = CompositionSource::PresentTimes;
+        mTimeline.vsyncSource = VsyncSource::PresentTimes;
+        mBuilder.addCompositionsFromLatches();
+        mBuilder.finish();
+        setDepths();
+        return std::move(mTimeline);
     }
 
   private:
-    struct Step {
-        int64_t timeNs;
-        enum { Ready, Latch, Present } kind;
-    };
-
     int64_t readPeriodNs() {
         int64_t periodNs = 0;
         for (std::string_view line; periodNs == 0 && mLines.next(&line);) {
@@ -101,53 +105,55 @@ class DumpReader {
     }
 
     void readRows(int64_t periodNs) {
-        int64_t lastReadyNs = 0;
         for (std::string_view line; mLines.next(&line);) {
             line = trimEnd(line);
             if (line.empty()) continue;
             Row row;
-            if (!parseRow(line, &row)) {
+            const bool isRow = parseRow(line, &row);
+            if (mLines.isUnfinished() && (!isRow || row.isCut)) {
+                mUnfinishedRows.add(mLines.lineNumber());
+            } else if (!isRow) {
                 mStrayRows.add(mLines.lineNumber());
-                continue;
+            } else if (isKnown(row.presentNs) && isKnown(row.readyNs)) {
+                addRow(row, periodNs);
             }
-            if (!isPresented(row)) continue;
-            if (row.readyNs < lastReadyNs) {
-                mOutOfOrderRows.add(mLines.lineNumber());
-                continue;
-            }
-            lastReadyNs = row.readyNs;
-            mSteps.push_back({row.readyNs, Step::Ready});
-            // The end of rendering may be reported after the latch, and even after the present.
-            mSteps.push_back({std::max(row.readyNs, row.presentNs - periodNs), Step::Latch});
-            mSteps.push_back({std::max(row.readyNs, row.presentNs), Step::Present});
         }
-        mLines.requireWholeLines();
     }
 
-    void addSteps(TimelineBuilder& builder, int32_t layer) {
-        int32_t depth = 0;
-        TracePoint at = {0, 0};
-        for (const Step& step : mSteps) {
-            at = {step.timeNs, at.line + 1};
-            switch (step.kind) {
-                case Step::Ready:
-                    builder.addFrame(at, layer, ++depth);
-                    break;
-                case Step::Latch:
-                    builder.addLatch(at, layer, --depth);
-                    break;
-                case Step::Present:
-                    builder.addVsync(at);
-                    break;
-            }
+    void addRow(const Row& row, int64_t periodNs) {
+        const int64_t queuedNs = queueTimeNs(row, mQueuedNs);
+        if (queuedNs < mQueuedNs) {
+            mOutOfOrderRows.add(mLines.lineNumber());
+            return;
         }
-        builder.addCompositionsFromLatches();
+        mQueuedNs = queuedNs;
+        // The end of rendering may also be reported after the latch.
+        const int64_t latchNs = std::max(queuedNs, row.presentNs - periodNs);
+        if (mRows++ == 0) mTimeline.startNs = queuedNs;
+        mTimeline.endNs = std::max(mTimeline.endNs, row.presentNs);
+        mBuilder.addFrame({queuedNs, ++mPosition}, 0, 0);
+        mBuilder.addLatch({latchNs, ++mPosition}, 0, 0);
+        mBuilder.addVsync({row.presentNs, ++mPosition});
+    }
+
+    /** The depths follow from the order of the events. */
+    void setDepths() {
+        int32_t depth = 0;
+        for (TimelineEvent& event : mTimeline.events) {
+            if (event.kind == TimelineEvent::Kind::Frame) event.depth = ++depth;
+            if (event.kind == TimelineEvent::Kind::Depth) event.depth = --depth;
+        }
     }
 
     LineReader mLines;
     const std::string& mPath;
-    std::vector<Step> mSteps;
+    Timeline mTimeline;
+    TimelineBuilder mBuilder;
+    int64_t mRows = 0;
+    int64_t mPosition = 0;  // orders events of the same time
+    int64_t mQueuedNs = 0;  // of the last row
     LineCount mStrayRows;
+    LineCount mUnfinishedRows;
     LineCount mOutOfOrderRows;
 };
 

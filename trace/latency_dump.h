@@ -14,9 +14,10 @@ bool isLatencyDump(std::string_view head);
 
 /**
  * Reads the output of "dumpsys SurfaceFlinger --latency LAYER". A frame is queued when its
- * rendering is done and latched one refresh period before its present, which is a vsync. Frames
- * that were not presented are omitted. The layer is named options.layer, else "layer". Throws
- * InputError, with messages that begin with `path`.
+ * rendering is done, or at its desired present if the rendering was reported done after the
+ * present. It is latched one refresh period before its present, which is a vsync. Frames that were
+ * not presented and an incomplete last row are omitted. The layer is named options.layer, else
+ * "layer". Throws InputError, with messages that begin with `path`.
  */
 Timeline readLatencyDump(ByteSource& text, const std::string& path, const TimelineOptions& options);
 

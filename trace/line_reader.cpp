@@ -30,8 +30,17 @@ bool LineReader::next(std::string_view* line) {
             return true;
         }
         searched = mEnd - mBegin;
-        if (!fill()) return false;
+        if (!fill()) return takeRest(line);
     }
+}
+
+bool LineReader::takeRest(std::string_view* line) {
+    if (mBegin == mEnd) return false;
+    *line = {mBuffer.data() + mBegin, mEnd - mBegin};
+    mBegin = mEnd;
+    ++mLineNumber;
+    mIsUnfinished = true;
+    return true;
 }
 
 bool LineReader::fill() {
@@ -45,21 +54,13 @@ bool LineReader::fill() {
     char* added = mBuffer.data() + mEnd;
     const size_t count = mText.read(added, mBuffer.size() - mEnd);
     if (const void* zero = memchr(added, '\0', count)) {
-        throw InputError(fmt::format(
-                "{}: expected text, got binary data at byte {}; record the trace as text", mPath,
-                mBytesRead + (static_cast<const char*>(zero) - added)));
+        throw InputError(
+                fmt::format("{}: expected text, got binary data at byte {}; copy the file again",
+                            mPath, mBytesRead + (static_cast<const char*>(zero) - added)));
     }
     mEnd += count;
     mBytesRead += static_cast<int64_t>(count);
     return count > 0;
-}
-
-void LineReader::requireWholeLines() const {
-    if (mBegin == mEnd) return;
-    throw InputError(
-            fmt::format("{}:{}: expected a whole line, got the end of the text; "
-                        "was the recording cut short?",
-                        mPath, mLineNumber + 1));
 }
 
 }  // namespace brevold::trace

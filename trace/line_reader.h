@@ -16,7 +16,7 @@ class LineReader {
 
     /**
      * Reads the next line, without its newline. The line is valid until the next call. Returns
-     * false after the last newline. Throws InputError if the bytes cannot be read, are not text, or
+     * false at the end of the text. Throws InputError if the bytes cannot be read, are not text, or
      * have a line of more than 256 KiB.
      */
     bool next(std::string_view* line);
@@ -25,11 +25,12 @@ class LineReader {
     int64_t lineNumber() const { return mLineNumber; }
     /** At the end: returns true if there was no byte. */
     bool isEmpty() const { return mBytesRead == 0; }
-    /** At the end: throws InputError if bytes follow the last newline. */
-    void requireWholeLines() const;
+    /** Returns true if the last line read has no newline. The text may end inside the line. */
+    bool isUnfinished() const { return mIsUnfinished; }
 
   private:
     bool fill();
+    bool takeRest(std::string_view* line);
 
     ByteSource& mText;
     const std::string mPath;
@@ -38,6 +39,7 @@ class LineReader {
     size_t mEnd = 0;
     int64_t mBytesRead = 0;
     int64_t mLineNumber = 0;
+    bool mIsUnfinished = false;
 };
 
 }  // namespace brevold::trace

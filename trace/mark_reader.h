@@ -9,6 +9,9 @@
 
 namespace brevold::trace {
 
+/** Recorders merge the events of all processors, and may leave them out of order by this much. */
+constexpr int64_t kMaxDisorderNs = 1'000'000;
+
 /** Reads the marks of a trace in the order of time. One thread. */
 class MarkReader {
   public:

@@ -30,21 +30,42 @@ constexpr std::string_view kElement = "<script class=\"trace-data\"";
 constexpr std::string_view kElementEnd = "</script>";
 constexpr std::string_view kString = "linuxPerfData = \"";
 
-constexpr size_t kBlockBytes = 32 * 1024;
-/** The beginning of an element that decides if it is a trace. */
+constexpr size_t kBlockBytes = 64 * 1024;
+/** The longest opening tag. */
+constexpr size_t kMaxTagBytes = 1024;
+/** The beginning of an element or a string that decides if it is a trace. */
 constexpr size_t kHeadBytes = 4096;
+constexpr size_t kMaxDumpBytes = 4 * 1024 * 1024;
 /** The end of an element that may be blanks and the closing tag. */
 constexpr size_t kTailBytes = 64;
+/** Each step of the parser sees this much of the page, so that it never has to start again. */
+constexpr size_t kWindowBytes = kMaxTagBytes + kHeadBytes;
+
+/** Appends the characters of a string literal up to its quote. Returns the bytes parsed. */
+size_t unescape(std::string_view literal, std::string* text) {
+    size_t i = 0;
+    for (; i < literal.size() && literal[i] != '"'; ++i) {
+        if (literal[i] != '\\') {
+            *text += literal[i];
+            continue;
+        }
+        if (i + 1 == literal.size()) break;
+        const char escaped = literal[++i];
+        if (escaped == '\n') continue;
+        *text += escaped == 'n' ? '\n' : escaped == 't' ? '\t' : escaped;
+    }
+    return i;
+}
 
 }  // namespace
 
-bool isPage(const std::string& head) {
-    const size_t first = head.find_first_not_of(" \t\r\n");
-    if (first == std::string::npos) return false;
-    const auto startsWith = [&](const char* word, size_t length) {
-        return strncasecmp(head.c_str() + first, word, length) == 0;
+bool isPage(std::string_view head) {
+    head.remove_prefix(std::min(head.find_first_not_of(" \t\r\n"), head.size()));
+    const auto startsWith = [head](std::string_view word) {
+        return head.size() >= word.size() &&
+               strncasecmp(head.data(), word.data(), word.size()) == 0;
     };
-    return startsWith("<!doctype", 9) || startsWith("<html", 5);
+    return startsWith("<!doctype") || startsWith("<html");
 }
 
 PageSource::PageSource(std::unique_ptr<ByteSource> page, std::string name)
@@ -54,15 +75,14 @@ size_t PageSource::read(char* text, size_t size) {
     while (mGiven == mText.size()) {
         mText.clear();
         mGiven = 0;
-        if (advance()) continue;
-        if (mIsAtEnd) {
+        if (rest().size() < kWindowBytes && !mIsAtEnd) {
+            fill();
+        } else if (!rest().empty()) {
+            advance();
+        } else {
             checkEnd();
             return 0;
         }
-        char block[kBlockBytes];
-        const size_t count = mInput->read(block, sizeof(block));
-        mPage.append(block, count);
-        mIsAtEnd = count == 0;
     }
     const size_t count = mText.copy(text, size, mGiven);
     mGiven += count;
@@ -71,98 +91,126 @@ size_t PageSource::read(char* text, size_t size) {
 
 void PageSource::rewind() {
     mInput->rewind();
+    mPage.clear();
+    mBegin = mElement = mString = 0;
+    mIsAtEnd = false;
     mPlace = Place::Outside;
     mHasTrace = false;
-    mIsAtEnd = false;
-    mPage.clear();
     mText.clear();
     mGiven = 0;
+    mDump.clear();
     mLast = '\n';
 }
 
-/** Parses a part of the bytes read. Returns false if more of them are needed. */
-bool PageSource::advance() {
+void PageSource::fill() {
+    mPage.erase(0, mBegin);
+    mBegin = mElement = mString = 0;
+    size_t size = mPage.size();
+    mPage.resize(kBlockBytes);
+    while (size < kBlockBytes && !mIsAtEnd) {
+        const size_t count = mInput->read(mPage.data() + size, kBlockBytes - size);
+        size += count;
+        mIsAtEnd = count == 0;
+    }
+    mPage.resize(size);
+}
+
+/** Parses at least one byte of the page. */
+void PageSource::advance() {
     switch (mPlace) {
         case Place::Outside:
-            return findTrace() || enterElement();
+            findTrace();
+            break;
         case Place::TraceElement:
+        case Place::ProcessDump:
         case Place::OtherElement:
-            return takeElement();
+            takeElement();
+            break;
         case Place::String:
-            return takeString();
+            takeString();
+            break;
     }
-    return false;
 }
 
-/** Drops the bytes before the next element or string. Returns true at a string. */
-bool PageSource::findTrace() {
-    const size_t element = mPage.find(kElement);
-    const size_t string = mPage.find(kString);
-    if (string < element) {
-        mPage.erase(0, string + kString.size());
-        mPlace = Place::String;
-        mHasTrace = true;
-        return true;
+void PageSource::findTrace() {
+    // A position that was found is used again, because a block may have many of the other kind.
+    if (mElement <= mBegin) mElement = std::min(mPage.find(kElement, mBegin), mPage.size());
+    if (mString <= mBegin) mString = std::min(mPage.find(kString, mBegin), mPage.size());
+    const size_t next = std::min(mElement, mString);
+    if (next == mPage.size()) {
+        const size_t kept = mIsAtEnd ? 0 : kElement.size() - 1;
+        mBegin = mPage.size() - kept;
+        return;
     }
-    const size_t kept = std::min(mPage.size(), kElement.size() - 1);
-    mPage.erase(0, std::min(element, mPage.size() - kept));
-    return false;
+    mBegin = next;
+    if (rest().size() < kWindowBytes && !mIsAtEnd) return;
+    if (next == mString) {
+        enterString();
+    } else {
+        enterElement();
+    }
 }
 
-bool PageSource::enterElement() {
-    if (mPage.compare(0, kElement.size(), kElement) != 0) return false;
-    const size_t tagEnd = mPage.find('>');
-    if (tagEnd == std::string::npos) return false;
-    const size_t end = mPage.find(kElementEnd, tagEnd);
-    if (end == std::string::npos && mPage.size() - tagEnd < kHeadBytes && !mIsAtEnd) return false;
-    const size_t first = mPage.find_first_not_of("\r\n", tagEnd + 1);
-    mPage.erase(0, std::min({first, end, mPage.size()}));
-    const std::string_view head = std::string_view(mPage).substr(0, kHeadBytes);
+void PageSource::enterElement() {
+    const size_t tagEnd = rest().substr(0, kMaxTagBytes).find('>');
+    if (tagEnd == std::string_view::npos) {
+        mBegin += kElement.size();
+        return;
+    }
+    mBegin += tagEnd + 1;
+    mBegin = std::min(mPage.find_first_not_of("\r\n", mBegin), mPage.size());
+    const std::string_view head = rest().substr(0, kHeadBytes);
     const bool isTrace = beginsAsFtrace(head.substr(0, head.find(kElementEnd)));
-    mPlace = isTrace ? Place::TraceElement : Place::OtherElement;
+    mPlace = isTrace               ? Place::TraceElement
+             : isProcessDump(head) ? Place::ProcessDump
+                                   : Place::OtherElement;
     mHasTrace |= isTrace;
-    return true;
 }
 
-bool PageSource::takeElement() {
-    const size_t end = mPage.find(kElementEnd);
-    const bool isWhole = end != std::string::npos;
-    const size_t taken = isWhole ? end : mPage.size() - std::min(mPage.size(), kTailBytes);
+/** The viewer's script searches for the string's beginning, so that occurs without a trace too. */
+void PageSource::enterString() {
+    mBegin += kString.size();
+    std::string head;
+    unescape(rest().substr(0, kHeadBytes), &head);
+    if (!beginsAsFtrace(head)) return;
+    mPlace = Place::String;
+    mHasTrace = true;
+}
+
+void PageSource::takeElement() {
+    const size_t end = rest().find(kElementEnd);
+    const bool isWhole = end != std::string_view::npos;
+    const size_t kept = mIsAtEnd ? 0 : kTailBytes;
+    const size_t taken = isWhole ? end : rest().size() - kept;
     if (mPlace == Place::TraceElement) {
-        mText.assign(mPage, 0, taken);
-        if (isWhole) finishLines();
+        mText = rest().substr(0, taken);
+        // A last line of blanks is the indentation of the closing tag.
+        if (isWhole) mText.erase(mText.find_last_not_of(" \t") + 1);
+        finishText(isWhole);
+    } else if (mPlace == Place::ProcessDump) {
+        mDump.append(rest().substr(0, std::min(taken, kMaxDumpBytes - mDump.size())));
+        if (isWhole) addProcesses(mDump, &mProcesses);
+        if (isWhole) mDump.clear();
     }
-    mPage.erase(0, taken + (isWhole ? kElementEnd.size() : 0));
+    mBegin += taken + (isWhole ? kElementEnd.size() : 0);
     if (isWhole) mPlace = Place::Outside;
-    return isWhole || taken > 0;
 }
 
-/** Ends the last line. A last line of blanks is the indentation of the closing tag; drop it. */
-void PageSource::finishLines() {
-    mText.erase(mText.find_last_not_of(" \t") + 1);
-    if (!mText.empty() && mText.back() != '\n') mText += '\n';
+void PageSource::takeString() {
+    const size_t length = unescape(rest(), &mText);
+    const bool isWhole = length < rest().size() && rest()[length] == '"';
+    finishText(isWhole);
+    // At the end of the page, a backslash may be left.
+    mBegin = isWhole ? mBegin + length + 1 : mIsAtEnd ? mPage.size() : mBegin + length;
+    if (isWhole) mPlace = Place::Outside;
 }
 
-bool PageSource::takeString() {
-    size_t i = 0;
-    for (; i < mPage.size() && mPage[i] != '"'; ++i) {
-        if (mPage[i] != '\\') {
-            mText += mPage[i];
-            continue;
-        }
-        if (i + 1 == mPage.size()) break;
-        const char escaped = mPage[++i];
-        if (escaped == '\n') continue;
-        mText += escaped == 'n' ? '\n' : escaped == 't' ? '\t' : escaped;
-    }
-    const bool isWhole = i < mPage.size() && mPage[i] == '"';
+/** Ends the last line if the trace is whole. */
+void PageSource::finishText(bool isWhole) {
     if (!mText.empty()) mLast = mText.back();
-    if (isWhole) {
-        mPlace = Place::Outside;
-        if (mLast != '\n') mText += '\n';
-    }
-    mPage.erase(0, i + (isWhole ? 1 : 0));
-    return isWhole || i > 0;
+    if (!isWhole || mLast == '\n') return;
+    mText += '\n';
+    mLast = '\n';
 }
 
 void PageSource::checkEnd() const {

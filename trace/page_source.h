@@ -1,18 +1,22 @@
 #pragma once
 
+#include <cstdint>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "trace/byte_source.h"
+#include "trace/process_dump.h"
 
 namespace brevold::trace {
 
 /** Returns true if bytes that begin with `head` are a web page. */
-bool isPage(const std::string& head);
+bool isPage(std::string_view head);
 
 /**
  * The ftrace text in a page that systrace wrote: the contents of the script elements of class
- * "trace-data" that begin as ftrace text, or, in older pages, the string "linuxPerfData".
+ * "trace-data", or, in older pages, the string "linuxPerfData". Only those count that begin as
+ * ftrace text.
  */
 class PageSource : public ByteSource {
   public:
@@ -22,27 +26,39 @@ class PageSource : public ByteSource {
     /** Throws InputError also if the page is incomplete or has no ftrace text. */
     size_t read(char* text, size_t size) override;
     void rewind() override;
+    /** The processes that the page lists, in the part read so far. */
+    const ProcessNames& processes() const { return mProcesses; }
+    uint64_t inputBytes() const override { return mInput->inputBytes(); }
 
   private:
-    enum class Place { Outside, TraceElement, OtherElement, String };
+    enum class Place : uint8_t { Outside, TraceElement, ProcessDump, OtherElement, String };
 
-    bool advance();
-    bool findTrace();
-    bool enterElement();
-    bool takeElement();
-    bool takeString();
-    void finishLines();
+    std::string_view rest() const { return std::string_view(mPage).substr(mBegin); }
+    void fill();
+    void advance();
+    void findTrace();
+    void enterElement();
+    void enterString();
+    void takeElement();
+    void takeString();
+    void finishText(bool isWhole);
     void checkEnd() const;
 
     const std::unique_ptr<ByteSource> mInput;
     const std::string mName;
+    std::string mPage;  // the part of the page that is being parsed
+    size_t mBegin = 0;  // of the bytes in mPage that are not yet parsed
+    bool mIsAtEnd = false;
+    // Where the next element and string begin in mPage, at or after mBegin.
+    size_t mElement = 0;
+    size_t mString = 0;
     Place mPlace = Place::Outside;
     bool mHasTrace = false;
-    bool mIsAtEnd = false;
-    std::string mPage;  // read and not yet parsed
     std::string mText;  // parsed; read() has given the first mGiven bytes
     size_t mGiven = 0;
-    char mLast = '\n';  // last byte of the string so far
+    std::string mDump;  // of the processes
+    ProcessNames mProcesses;
+    char mLast = '\n';  // the last byte of the trace so far
 };
 
 }  // namespace brevold::trace

@@ -95,7 +95,6 @@ void PerfettoReader::readFields(std::string_view packet) {
 void PerfettoReader::readCompressed(std::string_view bytes) {
     // Recorders compress once; more would only exhaust the stack.
     if (mIsCompressed) return;
-    mExpansion.addCompressed(bytes.size());
     GzipSource plain(std::make_unique<StringSource>(std::string(bytes)), mPath,
                      GzipSource::Format::Zlib);
     PacketReader packets(plain, mPath);
@@ -110,7 +109,7 @@ void PerfettoReader::readCompressed(std::string_view bytes) {
     };
     mIsCompressed = true;
     for (std::string_view packet; next(&packet);) {
-        mExpansion.addExpanded(packets.bytes().size());
+        mExpansion.add(packets.bytes().size(), mTrace.inputBytes());
         readPacket(packet);
     }
     mIsCompressed = false;

@@ -14,7 +14,7 @@ namespace brevold::trace {
 /** The refresh periods of a trace. */
 struct RefreshPeriods {
     PeriodSource source;
-    std::string counter;                // if the source is PeriodSource::VsyncToggles
+    std::string counter;                // see Timeline::periodCounter
     std::vector<PeriodChange> changes;  // the first is the initial period; ignore its time
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <limits>
 
 #include "trace/compositor.h"
 #include "trace/focused_layer.h"
@@ -34,13 +35,19 @@ void addLayers(const std::vector<QueuedLayer>& layers, TimelineBuilder& builder,
     LineCount jumps;
     for (const QueuedLayer& layer : layers) {
         const int32_t index = builder.addLayer(layer.name);
-        for (const DepthChange& change : layer.depths) {
-            if (change.isFrame) {
-                builder.addFrame(change.at, index, change.depth);
-            } else {
-                builder.addLatch(change.at, index, change.depth);
+        layer.forEachDepth([&](const DepthChange& change) {
+            switch (change.kind) {
+                case DepthChange::Kind::Frame:
+                    builder.addFrame(change.at, index, change.depth);
+                    break;
+                case DepthChange::Kind::Latch:
+                    builder.addLatch(change.at, index, change.depth);
+                    break;
+                case DepthChange::Kind::Other:
+                    builder.addDepth(change.at, index, change.depth);
+                    break;
             }
-        }
+        });
         belowZero.add(layer.belowZero);
         jumps.add(layer.jumps);
     }
@@ -66,8 +73,9 @@ CompositionSource addCompositions(const Compositor& compositor, TimelineBuilder&
 
 VsyncSource addVsyncs(const Compositor& compositor, TimelineBuilder& builder) {
     const Vsyncs vsyncs = findVsyncs(compositor);
-    for (const CounterValue& toggle : vsyncs.toggles)
-        builder.addVsync(toggle.at);
+    if (vsyncs.toggles == nullptr) return vsyncs.source;
+    for (const CounterChange& toggle : *vsyncs.toggles)
+        builder.addVsync(toggle.at());
     return vsyncs.source;
 }
 
@@ -85,21 +93,26 @@ Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOp
     timeline.endNs = reader.endNs();
     timeline.warnings = reader.warnings();
 
-    const Compositor compositor(marks);
+    const Compositor compositor(marks, path);
+    if (compositor.rivalWarning()) timeline.warnings.push_back(*compositor.rivalWarning());
     const std::vector<QueuedLayer> layers = findLayers(compositor);
+    // This takes much memory for a moment, so do it before there are events.
+    RefreshPeriods periods = findRefreshPeriods(compositor, layers, options.refreshRateHz);
     TimelineBuilder builder(timeline);
     addLayers(layers, builder, &timeline.warnings);
-    timeline.focusedLayer = findFocusedLayer(timeline.layers, options.layer, path);
+    const FocusedLayer focused = findFocusedLayer(timeline.layers, options.layer, path);
+    timeline.focusedLayer = focused.layer;
+    timeline.passedOverLayer = focused.passedOver;
     timeline.compositionSource = addCompositions(compositor, builder);
     timeline.vsyncSource = addVsyncs(compositor, builder);
 
-    RefreshPeriods periods = findRefreshPeriods(compositor, layers, options.refreshRateHz);
     timeline.periodSource = periods.source;
     timeline.periodCounter = std::move(periods.counter);
     periods.changes.front().timeNs = timeline.startNs;
     for (const PeriodChange& change : periods.changes)
         builder.addPeriod(change.timeNs, change.periodNs);
     builder.finish();
+    if (options.followsFocus && !options.layer) followFocus(timeline);
 
     if (form != nullptr) {
         *form = reader.form();
@@ -110,6 +123,26 @@ Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOp
     return timeline;
 }
 
+std::vector<JudgedFrame> judgedFramesInFocus(const FrameTimeline& frameTimeline,
+                                             const Timeline& timeline) {
+    std::vector<JudgedFrame> judged;
+    size_t focus = timeline.focusedLayer;
+    int64_t beginNs = std::numeric_limits<int64_t>::min();
+    const auto takeUntil = [&](int64_t endNs) {
+        for (const JudgedFrame& frame : frameTimeline.framesOf(timeline.layers[focus].name)) {
+            if (frame.endNs >= beginNs && frame.endNs < endNs) judged.push_back(frame);
+        }
+        beginNs = endNs;
+    };
+    for (const TimelineEvent& event : timeline.events) {
+        if (event.kind != TimelineEvent::Kind::Focus) continue;
+        takeUntil(event.timeNs);
+        focus = static_cast<size_t>(event.layer);
+    }
+    takeUntil(std::numeric_limits<int64_t>::max());
+    return judged;
+}
+
 Timeline readPerfetto(ByteSource& trace, const std::string& path, const TimelineOptions& options,
                       TraceForm* form) {
     PerfettoReader reader(trace, path);
@@ -117,8 +150,7 @@ Timeline readPerfetto(ByteSource& trace, const std::string& path, const Timeline
     for (TraceWarning& warning : timeline.warnings)
         warning.lines.firstLine = 0;
     if (reader.frameTimeline().hasEvents()) {
-        timeline.judgedFrames =
-                reader.frameTimeline().framesOf(timeline.layers[timeline.focusedLayer].name);
+        timeline.judgedFrames = judgedFramesInFocus(reader.frameTimeline(), timeline);
     }
     return timeline;
 }
@@ -134,7 +166,9 @@ Timeline readTimeline(TraceInput& input, const TimelineOptions& options, TraceFo
         return readPerfetto(text, input.name(), options, form);
     }
     TextMarkReader reader(text, input.name());
-    return readMarks(reader, input.name(), options, form);
+    Timeline timeline = readMarks(reader, input.name(), options, form);
+    if (form != nullptr) form->processes = input.processes();
+    return timeline;
 }
 
 }  // namespace brevold::trace

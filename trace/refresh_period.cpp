@@ -14,8 +14,18 @@ constexpr int64_t kSnapPercent = 3;
 constexpr int64_t kStayPercent = 4;
 constexpr int64_t kMaxTicks = 3;
 constexpr int64_t kMaxIntervalNs = 52'000'000;
-constexpr size_t kWindow = 15;
-constexpr size_t kConfirmations = 12;
+constexpr size_t kMaxWindow = 15;
+
+/** How many intervals decide. */
+struct Caution {
+    size_t window;  // the median of this many gives the period, so most of them have to agree
+    size_t confirmations;
+};
+
+constexpr Caution cautionOf(IntervalKind kind) {
+    return kind == IntervalKind::DisplayTick ? Caution{kDisplayTicksToFollow, 2}
+                                             : Caution{kMaxWindow, 12};
+}
 
 bool isWithin(int64_t percent, int64_t lengthNs, int64_t referenceNs) {
     return std::abs(lengthNs - referenceNs) * 100 <= referenceNs * percent;
@@ -52,20 +62,21 @@ class Window {
     }
 
     /** Returns the period, or 0 if it is unclear. currentNs is the last period read, or 0. */
-    int64_t readPeriodNs(int64_t currentNs, UnknownRate unknown) const {
+    int64_t readPeriodNs(int64_t currentNs, IntervalKind kind) const {
         const int64_t lengthNs = medianNs();
         if (currentNs > 0 && isWithin(kStayPercent, lengthNs, currentNs)) return currentNs;
         const int64_t snappedNs = snapPeriod(lengthNs);
         if (isKnown(snappedNs)) return snappedNs;
+        if (kind == IntervalKind::DisplayTick) return isSteady() ? lengthNs : 0;
         if (currentNs > 0 && isTicksOf(lengthNs, currentNs)) return currentNs;
         for (const int64_t periodNs : kKnownPeriodsNs) {
             if (isTicksOf(lengthNs, periodNs)) return periodNs;
         }
-        return unknown == UnknownRate::Keep && isSteady() ? lengthNs : 0;
+        return kind == IntervalKind::RequestedTick && isSteady() ? lengthNs : 0;
     }
 
   private:
-    int64_t mLengthsNs[kWindow];
+    int64_t mLengthsNs[kMaxWindow];
     size_t mSize = 0;
 };
 
@@ -102,14 +113,16 @@ int64_t periodOfRate(double rateHz) {
     return std::llround(1e9 / rateHz);
 }
 
-std::vector<PeriodChange> followPeriod(const std::vector<Interval>& all, UnknownRate unknown) {
-    std::vector<Interval> intervals;
-    std::copy_if(all.begin(), all.end(), std::back_inserter(intervals),
-                 [](const Interval& i) { return i.lengthNs > 0 && i.lengthNs <= kMaxIntervalNs; });
+std::vector<PeriodChange> followPeriod(std::vector<Interval> intervals, IntervalKind kind) {
+    const auto isPause = [](const Interval& interval) {
+        return interval.lengthNs <= 0 || interval.lengthNs > kMaxIntervalNs;
+    };
+    intervals.erase(std::remove_if(intervals.begin(), intervals.end(), isPause), intervals.end());
     std::vector<PeriodChange> changes;
     if (intervals.size() < 2) return changes;
 
-    const size_t window = std::min(kWindow, intervals.size());
+    const Caution caution = cautionOf(kind);
+    const size_t window = std::min(caution.window, intervals.size());
     int64_t currentNs = 0;
     int64_t pendingNs = 0;
     size_t pendingSince = 0;
@@ -117,7 +130,7 @@ std::vector<PeriodChange> followPeriod(const std::vector<Interval>& all, Unknown
     size_t sinceChange = 0;
     for (size_t last = window - 1; last < intervals.size(); ++last) {
         const Interval* end = intervals.data() + last + 1;
-        const int64_t readNs = Window(end - window, end).readPeriodNs(currentNs, unknown);
+        const int64_t readNs = Window(end - window, end).readPeriodNs(currentNs, kind);
         if (readNs == 0) continue;
         if (readNs == currentNs) {
             confirmations = 0;
@@ -132,7 +145,7 @@ std::vector<PeriodChange> followPeriod(const std::vector<Interval>& all, Unknown
         confirmations = isSame ? confirmations + 1 : 1;
         if (!isSame) pendingSince = last + 1 - window;
         pendingNs = readNs;
-        if (confirmations < kConfirmations) continue;
+        if (confirmations < caution.confirmations) continue;
 
         const size_t first = firstOfNewPeriod(intervals, std::max(pendingSince, sinceChange), last,
                                               currentNs, readNs);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -24,8 +25,15 @@ struct PeriodChange {
     int64_t periodNs;
 };
 
-/** How to treat a steady interval that is not a multiple of the period at 60, 90 or 120 Hz. */
-enum class UnknownRate : uint8_t { Keep, Ignore };
+/** The relation of intervals to the refresh period. */
+enum class IntervalKind : uint8_t {
+    DisplayTick,    // each is one period
+    RequestedTick,  // of vsyncs on request: a steady interval of two or three periods skips ticks
+    Frame,  // like RequestedTick, but a rate unlike 60, 90 and 120 Hz is the application's own
+};
+
+/** A change of the period is followed if it lasts for this many intervals of kind DisplayTick. */
+constexpr size_t kDisplayTicksToFollow = 5;
 
 /** Returns the exact period at 60, 90 or 120 Hz if periodNs is within 3 % of it, else periodNs. */
 int64_t snapPeriod(int64_t periodNs);
@@ -34,14 +42,14 @@ int64_t snapPeriod(int64_t periodNs);
 int64_t periodOfRate(double rateHz);
 
 /**
- * Follows the refresh period along intervals in the order of their ends. A steady interval of two
- * or three periods counts as one period with skipped ticks. If several of 60, 90 and 120 Hz fit,
- * the current period is preferred, then the lowest rate.
+ * Follows the refresh period along intervals in the order of their ends. If several of 60, 90 and
+ * 120 Hz fit an interval that skips ticks, the current period is preferred, then the lowest rate.
  *
- * Ignores intervals too long for a display; they are pauses. A change has to last for about twenty
- * intervals, and is then dated back to the first of them. The first entry is the initial period;
- * ignore its time. Returns no entry if fewer than two intervals are left or none has a period.
+ * Ignores intervals too long for a display; they are pauses. A change has to last for
+ * kDisplayTicksToFollow ticks, or about twenty intervals of the other kinds, and is then dated back
+ * to the first of them. The first entry is the initial period; ignore its time. Returns no entry if
+ * fewer than two intervals are left or none has a period.
  */
-std::vector<PeriodChange> followPeriod(const std::vector<Interval>& intervals, UnknownRate unknown);
+std::vector<PeriodChange> followPeriod(std::vector<Interval> intervals, IntervalKind kind);
 
 }  // namespace brevold::trace

@@ -19,6 +19,7 @@ class StringSource : public ByteSource {
         return count;
     }
     void rewind() override { mPosition = 0; }
+    uint64_t inputBytes() const override { return mPosition; }
 
   private:
     const std::string mBytes;

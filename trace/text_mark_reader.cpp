@@ -12,8 +12,7 @@
 namespace brevold::trace {
 namespace {
 
-// Recorders merge the events of all processors and may swap neighbours.
-constexpr int64_t kMaxDisorderNs = 1'000'000;
+constexpr std::string_view kRingHeader = "# entries-in-buffer/entries-written:";
 constexpr std::string_view kMarkEvents[] = {"tracing_mark_write", "print", "0"};
 constexpr std::string_view kUnknownTask = "<...>";
 
@@ -28,48 +27,82 @@ TextMarkReader::TextMarkReader(ByteSource& text, std::string path)
       : mPath(path), mLines(text, std::move(path)) {}
 
 bool TextMarkReader::next(TraceMark* mark) {
-    std::string_view text;
-    while (mLines.next(&text)) {
-        EventLine line;
-        if (!parseEventLine(text, &line)) {
-            if (!isBlankOrComment(text)) mStray.add(mLines.lineNumber());
-            continue;
-        }
-        mIsLastOutOfOrder = mEvents > 0 && line.timeNs < mEndNs - kMaxDisorderNs;
-        if (mIsLastOutOfOrder) {
-            mOutOfOrder.add(mLines.lineNumber());
-            continue;
-        }
-        if (mEvents++ == 0) mStartNs = line.timeNs;
-        mEndNs = std::max(line.timeNs, mEndNs);
-        noteThread(line);
-
-        const std::string_view event = takeUntil(':', &line.event);
-        if (!isMarkEvent(event)) continue;
-        *mark = {};
-        mark->timeNs = mEndNs;
-        mark->tid = line.tid;
-        mark->line = mLines.lineNumber();
-        if (parseMark(trimStart(line.event), mark)) {
-            noteStyle(line, event, *mark);
-            return true;
-        }
+    while (!mSorter.take(mIsAtEnd ? mEndNs : mEndNs - kMaxDisorderNs, mark)) {
+        if (mIsAtEnd) return false;
+        if (readLine()) continue;
+        checkEnd();
+        mIsAtEnd = true;
     }
-    checkEnd();
-    return false;
+    return true;
 }
 
-bool TextMarkReader::parseMark(std::string_view payload, TraceMark* mark) const {
+bool TextMarkReader::readLine() {
+    std::string_view text;
+    if (!mLines.next(&text)) return false;
+    EventLine line;
+    if (!parseEventLine(text, &line)) {
+        if (!isBlankOrComment(text)) noteSkipped();
+        noteHeader(text);
+        return true;
+    }
+    const int64_t minNs = std::max(mEndNs - kMaxDisorderNs, mSorter.lastTakenNs());
+    mIsLastOutOfOrder = mEvents > 0 && line.timeNs < minNs;
+    if (mIsLastOutOfOrder) {
+        mOutOfOrder.add(mLines.lineNumber());
+        return true;
+    }
+    mStartNs = mEvents++ == 0 ? line.timeNs : std::min(line.timeNs, mStartNs);
+    mEndNs = std::max(line.timeNs, mEndNs);
+    noteThread(line);
+    if (mOverrun.lines > 0 && mProcessors.insert(line.processor).second) mWholeFromNs = mEndNs;
+
+    const std::string_view event = takeUntil(':', &line.event);
+    if (!isMarkEvent(event)) return true;
+    TraceMark mark = {};
+    mark.timeNs = line.timeNs;
+    mark.tid = line.tid;
+    mark.line = mLines.lineNumber();
+    if (parseMark(trimStart(line.event), &mark)) {
+        noteStyle(line, event, mark);
+        mSorter.add(mark);
+    }
+    return true;
+}
+
+// A buffer of the kernel that was full and lost its oldest events:
+//   # entries-in-buffer/entries-written: 30624/87143   #P:4
+void TextMarkReader::noteHeader(std::string_view text) {
+    if (text.substr(0, kRingHeader.size()) != kRingHeader) return;
+    text = trimStart(text.substr(kRingHeader.size()));
+    const std::string_view kept = takeUntil('/', &text);
+    const std::string_view written = text.substr(0, text.find_first_of(kBlanks));
+    int64_t keptCount;
+    int64_t writtenCount;
+    if (!parseWhole(kept, &keptCount) || !parseWhole(written, &writtenCount)) return;
+    if (writtenCount > keptCount && keptCount >= 0) {
+        mOverrun = {writtenCount - keptCount, mLines.lineNumber()};
+    }
+}
+
+void TextMarkReader::noteSkipped() {
+    (mLines.isUnfinished() ? mUnfinished : mStray).add(mLines.lineNumber());
+}
+
+bool TextMarkReader::parseMark(std::string_view payload, TraceMark* mark) {
     switch (parseMarkPayload(payload, mark)) {
         case MarkPayload::Mark:
             return true;
         case MarkPayload::Other:
             return false;
         case MarkPayload::BadCounterValue:
-            break;
+            if (mLines.isUnfinished()) {
+                noteSkipped();
+            } else {
+                mBadCounters.add(mark->line);
+            }
+            return false;
     }
-    throw InputError(fmt::format("{}:{}: expected a counter with a whole number, got {}", mPath,
-                                 mark->line, quote(payload)));
+    return false;
 }
 
 void TextMarkReader::noteThread(const EventLine& line) {
@@ -98,9 +131,15 @@ void TextMarkReader::noteStyle(const EventLine& line, std::string_view event,
 std::vector<TraceWarning> TextMarkReader::warnings() const {
     std::vector<TraceWarning> warnings;
     addWarning(TraceWarning::Kind::StrayLine, mStray, &warnings);
+    addWarning(TraceWarning::Kind::UnfinishedLine, mUnfinished, &warnings);
     // Recorders close with a mark of time 0.
     const bool isClosingMark = mOutOfOrder.lines == 1 && mIsLastOutOfOrder;
     if (!isClosingMark) addWarning(TraceWarning::Kind::OutOfOrderLine, mOutOfOrder, &warnings);
+    addWarning(TraceWarning::Kind::BadCounterValue, mBadCounters, &warnings);
+    if (mOverrun.lines > 0) {
+        addWarning(TraceWarning::Kind::RingOverrun, mOverrun, &warnings);
+        warnings.back().wholeFromNs = mWholeFromNs - mStartNs;
+    }
     return warnings;
 }
 
@@ -111,7 +150,6 @@ void TextMarkReader::checkEnd() const {
     if (mEvents == 0) {
         throw InputError(mPath + ": expected ftrace text, got no line with an event");
     }
-    mLines.requireWholeLines();
     if (mOutOfOrder.lines > mEvents) {
         throw InputError(
                 fmt::format("{}:{}: expected ascending times, got mostly earlier ones from "

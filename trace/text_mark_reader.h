@@ -1,5 +1,6 @@
 #pragma once
 
+#include <set>
 #include <string>
 #include <string_view>
 
@@ -7,6 +8,7 @@
 #include "trace/event_line.h"
 #include "trace/line_reader.h"
 #include "trace/mark_reader.h"
+#include "trace/mark_sorter.h"
 
 namespace brevold::trace {
 
@@ -17,10 +19,9 @@ class TextMarkReader : public MarkReader {
     TextMarkReader(ByteSource& text, std::string path);
 
     /**
-     * Skips lines that are not events, and lines more than 1 ms earlier than a line above. A line
-     * that is earlier by less takes the time of the line above. Throws InputError if the text is
-     * empty, binary or incomplete, has no events, has mostly lines out of order, or has a counter
-     * whose value is not a number.
+     * Skips lines that are not events, an incomplete last line, lines more than kMaxDisorderNs
+     * earlier than a line above, and counters whose value is not a number. Throws InputError if the
+     * text is empty or binary, has no events, or has mostly lines out of order.
      */
     bool next(TraceMark* mark) override;
 
@@ -31,7 +32,10 @@ class TextMarkReader : public MarkReader {
     const TraceForm& form() const override { return mForm; }
 
   private:
-    bool parseMark(std::string_view payload, TraceMark* mark) const;
+    bool readLine();
+    void noteHeader(std::string_view text);
+    void noteSkipped();
+    bool parseMark(std::string_view payload, TraceMark* mark);
     void noteThread(const EventLine& line);
     void noteStyle(const EventLine& line, std::string_view event, const TraceMark& mark);
     void checkEnd() const;
@@ -42,7 +46,14 @@ class TextMarkReader : public MarkReader {
     int64_t mStartNs = 0;
     int64_t mEndNs = 0;
     LineCount mStray;
+    LineCount mUnfinished;
     LineCount mOutOfOrder;
+    LineCount mBadCounters;
+    LineCount mOverrun;             // events lost, and the line of the header
+    std::set<int32_t> mProcessors;  // with events
+    int64_t mWholeFromNs = 0;       // all processors have events from here on
+    MarkSorter mSorter;
+    bool mIsAtEnd = false;
     bool mIsLastOutOfOrder = false;
     bool mHasStyle = false;
     bool mHasEnd = false;

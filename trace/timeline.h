@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
 #include <vector>
@@ -12,6 +13,9 @@ namespace brevold::trace {
 struct Layer {
     std::string name;  // with its number: "#0" is appended where the trace has none
     int32_t frames;    // Frame events of this layer
+    // Times of the first and the last Frame event.
+    int64_t firstFrameNs = 0;
+    int64_t lastFrameNs = 0;
 };
 
 struct TimelineEvent {
@@ -22,11 +26,12 @@ struct TimelineEvent {
         CompositionBegin,
         CompositionEnd,
         Vsync,
+        Focus,  // another layer gets the focus
     };
 
     int64_t timeNs;
     Kind kind;
-    int32_t layer;     // Frame, Depth: index into Timeline::layers
+    int32_t layer;     // Frame, Depth, Focus: index into Timeline::layers
     int32_t depth;     // Frame, Depth: the queue depth after the event, at least 0; initially 0
     int32_t tid;       // the thread of the event; 0 if unknown
     int64_t periodNs;  // Period: the refresh period after the event
@@ -34,12 +39,14 @@ struct TimelineEvent {
 
 /** Where the refresh period was taken from. */
 enum class PeriodSource : uint8_t {
-    Option,          // the caller gave the rate
-    SetPeriod,       // values of the counter VSR-setPeriod
-    VsyncToggles,    // distances between the toggles of Timeline::periodCounter
-    FrameIntervals,  // the trace has no vsyncs
-    Default,         // the trace has neither vsyncs nor steady frames
-    LatencyDump,     // the first line of a latency dump
+    Option,           // the caller gave the rate
+    SetPeriod,        // values of the counter VSR-setPeriod
+    DisplayMode,      // values of Timeline::periodCounter, which a display was set to
+    PredictedPeriod,  // values of Timeline::periodCounter, which the compositor measured
+    VsyncToggles,     // distances between the toggles of Timeline::periodCounter
+    FrameIntervals,   // no counter of the trace shows the display's vsyncs
+    Default,          // and its frames are not steady
+    LatencyDump,      // the first line of a latency dump
 };
 
 /** Where the compositions were taken from. The first values are sections of the compositor. */
@@ -75,19 +82,21 @@ struct JudgedFrame {
 struct Timeline {
     /** Layers whose depth changes, in the order of their first mention. Not empty. */
     std::vector<Layer> layers;
-    /** The requested layer, else the first of those with the most frames. */
+    /** The layer with the focus at startNs; see findFocusedLayer(). Focus events move the focus. */
     size_t focusedLayer = 0;
+    /** See FocusedLayer::passedOver. */
+    std::optional<size_t> passedOverLayer;
     /** Ordered by time, then as in the trace. The first is a Period at startNs. */
-    std::vector<TimelineEvent> events;
+    std::deque<TimelineEvent> events;
     /** Times of the first and the last event of the trace, whatever its kind. */
     int64_t startNs = 0;
     int64_t endNs = 0;
     PeriodSource periodSource = PeriodSource::Default;
-    /** The counter's name if periodSource is VsyncToggles, else empty. */
+    /** The name of the counter that periodSource mentions, else empty. */
     std::string periodCounter;
     CompositionSource compositionSource = CompositionSource::Latches;
     VsyncSource vsyncSource = VsyncSource::None;
-    /** Frames of the focused layer, in the order of their ends, if the trace has verdicts. */
+    /** Frames of layers in focus, in the order of their ends, if the trace has verdicts. */
     std::optional<std::vector<JudgedFrame>> judgedFrames;
     std::vector<TraceWarning> warnings;
 };

@@ -1,7 +1,6 @@
 #include "trace/timeline_builder.h"
 
 #include <algorithm>
-#include <tuple>
 
 namespace brevold::trace {
 namespace {
@@ -17,18 +16,26 @@ int32_t TimelineBuilder::addLayer(std::string name) {
 }
 
 void TimelineBuilder::addFrame(TracePoint at, int32_t layer, int32_t depth) {
-    addDepth(at, Kind::Frame, layer, depth);
-    ++mTimeline.layers[static_cast<size_t>(layer)].frames;
+    add(at, Kind::Frame, layer, depth);
+    Layer& counted = mTimeline.layers[static_cast<size_t>(layer)];
+    const bool isFirst = counted.frames++ == 0;
+    counted.firstFrameNs = isFirst ? at.timeNs : std::min(counted.firstFrameNs, at.timeNs);
+    counted.lastFrameNs = isFirst ? at.timeNs : std::max(counted.lastFrameNs, at.timeNs);
 }
 
 void TimelineBuilder::addLatch(TracePoint at, int32_t layer, int32_t depth) {
-    addDepth(at, Kind::Depth, layer, depth);
+    addDepth(at, layer, depth);
     mLatches.push_back(at);
+}
+
+void TimelineBuilder::addDepth(TracePoint at, int32_t layer, int32_t depth) {
+    add(at, Kind::Depth, layer, depth);
 }
 
 void TimelineBuilder::addComposition(TracePoint begin, TracePoint end) {
     add(begin, Order::At, Kind::CompositionBegin);
-    add(end, Order::At, Kind::CompositionEnd);
+    // The section whose end was lost ends in the line in which the next one begins.
+    add(end, Order::Before, Kind::CompositionEnd);
 }
 
 void TimelineBuilder::addCompositionsFromLatches() {
@@ -49,28 +56,34 @@ void TimelineBuilder::addVsync(TracePoint at) {
 }
 
 void TimelineBuilder::addPeriod(int64_t timeNs, int64_t periodNs) {
-    add({timeNs, 0}, Order::At, Kind::Period);
-    mEvents.back().event.periodNs = periodNs;
+    mTimeline.events.push_back({timeNs, Kind::Period, 0, 0, 0, periodNs});
 }
 
 void TimelineBuilder::finish() {
-    std::sort(mEvents.begin(), mEvents.end(), [](const OrderedEvent& a, const OrderedEvent& b) {
-        return std::tie(a.event.timeNs, a.line, a.order) <
-               std::tie(b.event.timeNs, b.line, b.order);
+    std::deque<TimelineEvent>& events = mTimeline.events;
+    std::sort(events.begin(), events.end(), [](const TimelineEvent& a, const TimelineEvent& b) {
+        return a.timeNs != b.timeNs ? a.timeNs < b.timeNs : placeOf(a) < placeOf(b);
     });
-    mTimeline.events.reserve(mEvents.size());
-    for (const OrderedEvent& ordered : mEvents)
-        mTimeline.events.push_back(ordered.event);
+    for (TimelineEvent& event : events) {
+        if (event.kind != Kind::Period) event.periodNs = 0;
+    }
 }
 
-void TimelineBuilder::add(TracePoint at, Order order, Kind kind) {
-    mEvents.push_back({at.line, order, {at.timeNs, kind, 0, 0, at.tid, 0}});
+// Until the events are sorted, the field that only a period uses has the place of the others.
+TimelineEvent& TimelineBuilder::add(TracePoint at, Order order, Kind kind) {
+    const int64_t place = at.line * 3 + static_cast<int64_t>(order);
+    mTimeline.events.push_back({at.timeNs, kind, 0, 0, at.tid, place});
+    return mTimeline.events.back();
 }
 
-void TimelineBuilder::addDepth(TracePoint at, Kind kind, int32_t layer, int32_t depth) {
-    add(at, Order::At, kind);
-    mEvents.back().event.layer = layer;
-    mEvents.back().event.depth = depth;
+int64_t TimelineBuilder::placeOf(const TimelineEvent& event) {
+    return event.kind == Kind::Period ? 0 : event.periodNs;
+}
+
+void TimelineBuilder::add(TracePoint at, Kind kind, int32_t layer, int32_t depth) {
+    TimelineEvent& event = add(at, Order::At, kind);
+    event.layer = layer;
+    event.depth = depth;
 }
 
 }  // namespace brevold::trace

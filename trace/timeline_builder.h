@@ -1,15 +1,18 @@
 #pragma once
 
 #include <cstdint>
+#include <deque>
 #include <string>
-#include <vector>
 
 #include "trace/timeline.h"
 #include "trace/trace_point.h"
 
 namespace brevold::trace {
 
-/** Fills the layers and events of a timeline. Events may be added in any order. */
+/**
+ * Fills the layers and events of a timeline. Events may be added in any order. Takes no memory but
+ * that of the events, and 24 bytes for each latch.
+ */
 class TimelineBuilder {
   public:
     /** `timeline` has to outlive the builder. */
@@ -22,6 +25,8 @@ class TimelineBuilder {
     void addFrame(TracePoint at, int32_t layer, int32_t depth);
     /** The compositor latches: it takes a frame. `depth` is the queue depth after the event. */
     void addLatch(TracePoint at, int32_t layer, int32_t depth);
+    /** The queue depth changes in another way. */
+    void addDepth(TracePoint at, int32_t layer, int32_t depth);
 
     void addComposition(TracePoint begin, TracePoint end);
     /** Adds a composition around each group of latches. Call it after the last addLatch(). */
@@ -30,7 +35,7 @@ class TimelineBuilder {
     void addVsync(TracePoint at);
     void addPeriod(int64_t timeNs, int64_t periodNs);
 
-    /** Stores the events in the timeline, in their order. Call it once, at the end. */
+    /** Sorts the events. Call it once, at the end. */
     void finish();
 
   private:
@@ -39,18 +44,12 @@ class TimelineBuilder {
     /** Orders events of the same line. */
     enum class Order : uint8_t { Before, At, After };
 
-    struct OrderedEvent {
-        int64_t line;
-        Order order;
-        TimelineEvent event;
-    };
-
-    void add(TracePoint at, Order order, Kind kind);
-    void addDepth(TracePoint at, Kind kind, int32_t layer, int32_t depth);
+    TimelineEvent& add(TracePoint at, Order order, Kind kind);
+    void add(TracePoint at, Kind kind, int32_t layer, int32_t depth);
+    static int64_t placeOf(const TimelineEvent& event);
 
     Timeline& mTimeline;
-    std::vector<OrderedEvent> mEvents;
-    std::vector<TracePoint> mLatches;
+    std::deque<TracePoint> mLatches;
 };
 
 }  // namespace brevold::trace

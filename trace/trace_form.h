@@ -4,6 +4,8 @@
 #include <string>
 #include <unordered_map>
 
+#include "trace/process_dump.h"
+
 namespace brevold::trace {
 
 /** The notation of marks in a text trace, which differs between Android releases. */
@@ -23,6 +25,8 @@ struct TraceForm {
     uint32_t lastSequenceId = 0;
     /** Thread and process ids in the trace, with the thread's name where known. */
     std::unordered_map<int32_t, std::string> threads;
+    /** Names of processes in a page, which are not part of its text. */
+    ProcessNames processes;
     int32_t compositorPid = 0;
     int32_t compositorTid = 0;
     /** The trace has sections of the library, recorded on a device or added by a replay. */

@@ -1,6 +1,8 @@
 #include "trace/trace_marks.h"
 
 #include <algorithm>
+#include <limits>
+#include <optional>
 
 namespace brevold::trace {
 namespace {
@@ -22,6 +24,17 @@ std::optional<CompositionSource> compositionOf(std::string_view section) {
     return {};
 }
 
+/**
+ * Returns true if a section of one kind is never inside one of the other. Each frame has a commit,
+ * then a composite section.
+ */
+bool excludeEachOther(CompositionSource a, CompositionSource b) {
+    const auto isPart = [](CompositionSource kind) {
+        return kind == CompositionSource::Commit || kind == CompositionSource::Composite;
+    };
+    return a == b || (isPart(a) && isPart(b));
+}
+
 /** Returns the "name" of a section "name: <slot>", or an empty text for any other section. */
 std::string_view slotOwner(std::string_view section) {
     const size_t last = section.find_last_not_of("0123456789");
@@ -40,20 +53,26 @@ void TraceMarks::add(const TraceMark& mark) {
         case TraceMark::Kind::End:
             end(mark);
             break;
-        case TraceMark::Kind::Counter: {
-            const size_t track = trackOf(mark.pid, mark.name);
-            if (mTracks[track].role == CounterRole::Unrelated) break;
-            mCounters.push_back(
-                    {{mark.timeNs, mark.line, mark.tid}, mark.value, static_cast<int32_t>(track)});
+        case TraceMark::Kind::Counter:
+            addValue(mark);
             break;
-        }
     }
+}
+
+void TraceMarks::addValue(const TraceMark& mark) {
+    using Limits = std::numeric_limits<int32_t>;
+    CounterTrack& track = mTracks[trackOf(mark.pid, mark.name)];
+    if (track.role == CounterRole::Unrelated) return;
+    if (track.values++ > 0 && track.lastValue == mark.value) return;
+    track.lastValue = mark.value;
+    const int64_t value = std::clamp<int64_t>(mark.value, Limits::min(), Limits::max());
+    track.changes.push_back({mark.timeNs, mark.line, mark.tid, static_cast<int32_t>(value)});
 }
 
 size_t TraceMarks::trackOf(int32_t pid, std::string_view name) {
     const auto found = mTrackIndices.find({pid, name});
     if (found != mTrackIndices.end()) return found->second;
-    mTracks.push_back({pid, std::string(name), roleOf(name), false});
+    mTracks.push_back({pid, std::string(name), roleOf(name), false, 0, 0, {}});
     mTrackIndices.insert({{pid, mTracks.back().name}, mTracks.size() - 1});
     return mTracks.size() - 1;
 }
@@ -62,34 +81,42 @@ void TraceMarks::begin(const TraceMark& mark) {
     const std::string_view owner = slotOwner(mark.name);
     if (!owner.empty()) mTracks[trackOf(mark.pid, owner)].hasSlots = true;
 
-    auto& [nesting, open] = mThreads[mark.tid];
-    const std::optional<CompositionSource> kind = compositionOf(mark.name);
-    if (kind) {
-        // Such a section does not contain itself: the trace lost the end of the earlier one.
-        const auto lost = std::find(nesting.begin(), nesting.end(), kind);
-        open.erase(open.end() - std::count_if(lost, nesting.end(),
-                                              [](const auto& inner) { return inner.has_value(); }),
-                   open.end());
-        nesting.erase(lost, nesting.end());
-        open.push_back({*kind, mark.pid, {mark.timeNs, mark.line, mark.tid}, {}});
+    Thread& thread = mThreads[mark.tid];
+    if (const std::optional<CompositionSource> kind = compositionOf(mark.name)) {
+        const TracePoint at = {mark.timeNs, mark.line, mark.tid};
+        const auto lost =
+                std::find_if(thread.open.begin(), thread.open.end(), [&](const OpenSection& outer) {
+                    return excludeEachOther(outer.section.kind, *kind);
+                });
+        if (lost != thread.open.end()) {
+            const size_t level = lost->level;
+            while (!thread.open.empty() && thread.open.back().level >= level)
+                closeInnermost(thread, at);
+            thread.level = level;
+        }
+        thread.open.push_back({{*kind, mark.pid, at, {}}, thread.level});
     }
-    nesting.push_back(kind);
+    ++thread.level;
 }
 
 void TraceMarks::end(const TraceMark& mark) {
-    auto& [nesting, open] = mThreads[mark.tid];
-    if (nesting.empty()) return;
-    const bool isComposition = nesting.back().has_value();
-    nesting.pop_back();
-    if (!isComposition) return;
+    Thread& thread = mThreads[mark.tid];
+    if (thread.level == 0) return;
+    --thread.level;
+    if (!thread.open.empty() && thread.open.back().level == thread.level) {
+        closeInnermost(thread, {mark.timeNs, mark.line, mark.tid});
+    }
+}
 
-    Section section = open.back();
-    open.pop_back();
-    const bool isInner = std::any_of(open.begin(), open.end(), [&section](const Section& outer) {
-        return outer.isCommit() == section.isCommit();
-    });
+void TraceMarks::closeInnermost(Thread& thread, TracePoint end) {
+    Section section = thread.open.back().section;
+    thread.open.pop_back();
+    const bool isInner = std::any_of(thread.open.begin(), thread.open.end(),
+                                     [&section](const OpenSection& outer) {
+                                         return outer.section.isCommit() == section.isCommit();
+                                     });
     if (isInner) return;
-    section.end = {mark.timeNs, mark.line, mark.tid};
+    section.end = end;
     mSections.push_back(section);
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <deque>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -14,18 +13,25 @@
 
 namespace brevold::trace {
 
+/** A change of a counter. A trace may have millions, so it has no field that could be derived. */
+struct CounterChange {
+    int64_t timeNs;
+    int64_t line;
+    int32_t tid;
+    int32_t value;  // clamped to 32 bits
+
+    TracePoint at() const { return {timeNs, line, tid}; }
+};
+
 /** A counter of one process. */
 struct CounterTrack {
     int32_t pid;
     std::string name;
     CounterRole role;
-    bool hasSlots;  // the process has sections "name: <slot>"
-};
-
-struct CounterValue {
-    TracePoint at;
-    int64_t value;
-    int32_t track;  // index of its CounterTrack
+    bool hasSlots;                       // the process has sections "name: <slot>"
+    int64_t values;                      // including those equal to the previous one
+    int64_t lastValue;                   // not clamped
+    std::vector<CounterChange> changes;  // in the order of time; the first is the first value
 };
 
 /** A section in which the compositor composes or commits. */
@@ -44,11 +50,10 @@ class TraceMarks {
     void add(const TraceMark& mark);
 
     const std::deque<CounterTrack>& tracks() const { return mTracks; }
-    /** In the order of their lines. */
-    const std::vector<CounterValue>& counters() const { return mCounters; }
     /**
-     * The complete sections, in the order of their ends. Composing sections inside composing ones
-     * and commits inside commits are omitted.
+     * The sections, in the order of their ends. Composing sections inside composing ones and
+     * commits inside commits are omitted. If the trace lost the end of a section, the section ends
+     * where the thread composes or commits again.
      */
     const std::vector<Section>& sections() const { return mSections; }
 
@@ -65,21 +70,25 @@ class TraceMarks {
             return std::hash<std::string_view>()(key.name) + static_cast<size_t>(key.pid);
         }
     };
+    struct OpenSection {
+        Section section;
+        size_t level;  // number of sections of any kind around it
+    };
     struct Thread {
-        // The open sections, outermost first, and details of those that compose or commit.
-        std::vector<std::optional<CompositionSource>> nesting;
-        std::vector<Section> open;
+        size_t level = 0;               // number of open sections of any kind
+        std::vector<OpenSection> open;  // those that compose or commit, outermost first
     };
 
     size_t trackOf(int32_t pid, std::string_view name);
+    void addValue(const TraceMark& mark);
     void begin(const TraceMark& mark);
     void end(const TraceMark& mark);
+    void closeInnermost(Thread& thread, TracePoint end);
 
     // A deque, because the keys point to the names.
     std::deque<CounterTrack> mTracks;
     std::unordered_map<TrackKey, size_t, TrackHash> mTrackIndices;
     std::unordered_map<int32_t, Thread> mThreads;
-    std::vector<CounterValue> mCounters;
     std::vector<Section> mSections;
 };
 

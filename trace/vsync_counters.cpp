@@ -1,6 +1,7 @@
 #include "trace/vsync_counters.h"
 
 #include <algorithm>
+#include <tuple>
 
 namespace brevold::trace {
 namespace {
@@ -8,38 +9,94 @@ namespace {
 constexpr std::pair<const char*, VsyncSource> kVsyncCounters[] = {
         {"VSYNC-sf", VsyncSource::VsyncSf}, {"VSYNC", VsyncSource::Vsync}};
 
+constexpr std::string_view kHardwareVsync = "HW_VSYNC_";
+
 /** "HW_VSYNC_<display id>", but not the on/off counter "HW_VSYNC_ON_<display id>". */
 bool isHardwareVsync(std::string_view name) {
-    constexpr std::string_view kPrefix = "HW_VSYNC_";
-    return name.size() > kPrefix.size() && name.substr(0, kPrefix.size()) == kPrefix &&
-           name.find_first_not_of("0123456789", kPrefix.size()) == std::string_view::npos;
+    const std::string_view id = displayIdOf(name);
+    return !id.empty() && name.substr(0, name.size() - id.size()) == kHardwareVsync;
+}
+
+struct RankedCounter {
+    enum Rank : uint8_t { SetPeriod, DisplayMode, Predicted, Hardware, Vsync, VsyncApp, None };
+
+    Rank rank;
+    int64_t displayVsyncs;
+    int64_t changes;
+    PeriodCounter counter;
+};
+
+RankedCounter::Rank rankOf(const CounterTrack& track) {
+    switch (track.role) {
+        case CounterRole::SetPeriod:
+            return RankedCounter::SetPeriod;
+        case CounterRole::DisplayMode:
+            return RankedCounter::DisplayMode;
+        case CounterRole::PredictedPeriod:
+            return RankedCounter::Predicted;
+        case CounterRole::Vsync:
+            if (isHardwareVsync(track.name)) return RankedCounter::Hardware;
+            if (track.name == "VSYNC") return RankedCounter::Vsync;
+            if (track.name == "VSYNC-app") return RankedCounter::VsyncApp;
+            return RankedCounter::None;
+        case CounterRole::Candidate:
+        case CounterRole::BufferTx:
+        case CounterRole::Unrelated:
+            return RankedCounter::None;
+    }
+    return RankedCounter::None;
+}
+
+PeriodSource sourceOf(RankedCounter::Rank rank) {
+    switch (rank) {
+        case RankedCounter::SetPeriod:
+            return PeriodSource::SetPeriod;
+        case RankedCounter::DisplayMode:
+            return PeriodSource::DisplayMode;
+        case RankedCounter::Predicted:
+            return PeriodSource::PredictedPeriod;
+        case RankedCounter::Hardware:
+        case RankedCounter::Vsync:
+        case RankedCounter::VsyncApp:
+        case RankedCounter::None:
+            break;
+    }
+    return PeriodSource::VsyncToggles;
 }
 
 }  // namespace
 
 Vsyncs findVsyncs(const Compositor& compositor) {
     for (const auto& [name, source] : kVsyncCounters) {
-        const Compositor::Values& toggles = compositor.changesOf(name);
-        if (!toggles.empty()) return {source, toggles};
+        const Compositor::Changes& toggles = compositor.changesOf(name);
+        if (!toggles.empty()) return {source, &toggles};
     }
-    return {VsyncSource::None, {}};
+    return {VsyncSource::None, nullptr};
 }
 
-std::vector<std::string> periodCounters(const Compositor& compositor) {
-    const auto& tracks = compositor.tracks();
-    std::vector<size_t> hardware;
-    for (size_t i = 0; i < tracks.size(); ++i) {
-        if (isHardwareVsync(tracks[i].name) && !compositor.changesOf(i).empty()) {
-            hardware.push_back(i);
-        }
+std::vector<PeriodCounter> findPeriodCounters(const Compositor& compositor) {
+    std::vector<RankedCounter> found;
+    for (const CounterTrack& track : compositor.tracks()) {
+        const auto changes = static_cast<int64_t>(compositor.changesOf(track).size());
+        const RankedCounter::Rank rank = rankOf(track);
+        if (changes == 0 || rank == RankedCounter::None) continue;
+        const std::string display(displayIdOf(track.name));
+        const std::string vsync = std::string(kHardwareVsync) + display;
+        const auto vsyncs = static_cast<int64_t>(compositor.changesOf(vsync).size());
+        const IntervalKind intervals = rank == RankedCounter::Hardware
+                                               ? IntervalKind::DisplayTick
+                                               : IntervalKind::RequestedTick;
+        found.push_back({rank, vsyncs, changes, {sourceOf(rank), intervals, &track}});
     }
-    std::stable_sort(hardware.begin(), hardware.end(), [&](size_t a, size_t b) {
-        return compositor.changesOf(a).size() > compositor.changesOf(b).size();
-    });
-    std::vector<std::string> names = {"VSYNC-app", "VSYNC"};
-    for (const size_t i : hardware)
-        names.push_back(tracks[i].name);
-    return names;
+    std::stable_sort(found.begin(), found.end(),
+                     [](const RankedCounter& a, const RankedCounter& b) {
+                         return std::tie(a.rank, b.displayVsyncs, b.changes) <
+                                std::tie(b.rank, a.displayVsyncs, a.changes);
+                     });
+    std::vector<PeriodCounter> counters;
+    for (const RankedCounter& ranked : found)
+        counters.push_back(ranked.counter);
+    return counters;
 }
 
 }  // namespace brevold::trace

@@ -1,9 +1,9 @@
 #pragma once
 
-#include <string>
 #include <vector>
 
 #include "trace/compositor.h"
+#include "trace/refresh_period.h"
 #include "trace/timeline.h"
 
 namespace brevold::trace {
@@ -11,12 +11,22 @@ namespace brevold::trace {
 /** The toggles of the counter that shows when the compositor's vsyncs are due. */
 struct Vsyncs {
     VsyncSource source;
-    Compositor::Values toggles;  // empty if the source is VsyncSource::None
+    const Compositor::Changes* toggles;  // null if the source is VsyncSource::None
 };
 
 Vsyncs findVsyncs(const Compositor& compositor);
 
-/** Returns the names of the counters that toggle once in each refresh period, best first. */
-std::vector<std::string> periodCounters(const Compositor& compositor);
+/** A counter that shows the refresh period. */
+struct PeriodCounter {
+    PeriodSource source;
+    IntervalKind intervals;  // between its toggles, if the source is PeriodSource::VsyncToggles
+    const CounterTrack* track;
+};
+
+/**
+ * Returns the counters that show the refresh period, best first. Of counters of the same kind, that
+ * of the display with the most hardware vsyncs is first, as the display that is composed for.
+ */
+std::vector<PeriodCounter> findPeriodCounters(const Compositor& compositor);
 
 }  // namespace brevold::trace

@@ -1,0 +1,151 @@
+#include "replay/time_window.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+
+#include "base/error.h"
+#include "host/device_profile.h"
+#include "replay/isolated_play.h"
+#include "replay/summary.h"
+#include "trace/read_timeline.h"
+
+namespace brevold::replay {
+namespace {
+
+const std::string kExamples = BREVOLD_EXAMPLES;
+constexpr int64_t kMs = 1'000'000;
+
+TEST(TimeWindowTest, RefusesEndsThatAreNoTimesOrOutOfOrder) {
+    const double kNan = std::nan("");
+    const std::pair<WindowOptions, const char*> cases[] = {
+            {{{}, {}}, ""},
+            {{0, 0.5}, ""},
+            {{{}, std::numeric_limits<double>::infinity()}, ""},
+            {{-0.5, {}}, "--from takes seconds from 0, got -0.5"},
+            {{kNan, 3}, "--from takes seconds from 0, got nan"},
+            {{1, kNan}, "--to takes seconds from 0, got nan"},
+            {{{}, -1}, "--to takes seconds from 0, got -1"},
+            {{2, 2}, "--from must be less than --to, got 2 and 2"},
+    };
+    for (const auto& [options, expected] : cases) {
+        std::string error;
+        try {
+            checkWindow(options);
+        } catch (const std::runtime_error& thrown) {
+            error = thrown.what();
+        }
+        EXPECT_EQ(error, expected);
+    }
+}
+
+TEST(TimeWindowTest, EndsWithTheTrace) {
+    trace::Timeline timeline;
+    timeline.startNs = 1000 * kMs;
+    timeline.endNs = 3500 * kMs;
+    const double kInfinite = std::numeric_limits<double>::infinity();
+    const std::tuple<WindowOptions, int64_t, int64_t> cases[] = {
+            {{{}, {}}, 1000, 3500},         {{0.25, {}}, 1250, 3500}, {{{}, 2}, 1000, 3000},
+            {{2.5, kInfinite}, 3500, 3500}, {{1, 99}, 2000, 3500},
+    };
+    for (const auto& [options, beginMs, endMs] : cases) {
+        const TimeWindow window = windowOf(timeline, options, "trace");
+        EXPECT_EQ(window.beginNs, beginMs * kMs);
+        EXPECT_EQ(window.endNs, endMs * kMs);
+    }
+    EXPECT_THROW(windowOf(timeline, {2.6, {}}, "trace"), InputError);
+    EXPECT_THROW(windowOf(timeline, {kInfinite, {}}, "trace"), InputError);
+}
+
+/** The figures that add up over adjacent windows. */
+std::vector<double> sumsOf(const Summary& summary) {
+    std::vector<double> sums = {static_cast<double>(summary.windowNs()),
+                                static_cast<double>(summary.downNs),
+                                summary.meanDownScale * static_cast<double>(summary.downNs)};
+    for (const int32_t count :
+         {summary.frames, summary.otherFrames, summary.compositions, summary.vsyncs,
+          summary.boostVerdicts, summary.errorLines, summary.windowLines})
+        sums.push_back(count);
+    for (const int64_t modeNs : summary.modeNs)
+        sums.push_back(static_cast<double>(modeNs));
+    for (const RequestSummary& request : summary.requests) {
+        sums.push_back(request.count);
+        sums.push_back(request.count * request.meanScale);
+    }
+    return sums;
+}
+
+TEST(TimeWindowTest, FiguresOfAdjacentWindowsAddUp) {
+    host::loadProfile(kExamples + "/everything-on.profile");
+    for (const char* name :
+         {"/game-120hz-falls-behind.ftrace.txt", "/video-30fps-gap.ftrace.txt"}) {
+        trace::TraceInput input(kExamples + name);
+        const trace::Timeline timeline = trace::readTimeline(input, {});
+        const Recording recording = playIsolated(timeline, {});
+        const auto figures = [&](int64_t beginNs, int64_t endNs) {
+            return sumsOf(summarise("trace", timeline, recording, {beginNs, endNs}));
+        };
+        const std::vector<double> whole = figures(timeline.startNs, timeline.endNs);
+        EXPECT_GT(whole[3], 10) << "frames";
+        // Inside the DOWN hints of the first trace, and in neither case at an event.
+        const int64_t middleNs = timeline.startNs + 1'030'000'001;
+        const int64_t secondNs = timeline.startNs + 3'400'000'001;
+        const std::vector<double> parts[] = {figures(timeline.startNs, middleNs),
+                                             figures(middleNs, secondNs),
+                                             figures(secondNs, timeline.endNs)};
+        for (size_t i = 0; i < whole.size(); ++i) {
+            EXPECT_NEAR(parts[0][i] + parts[1][i] + parts[2][i], whole[i], 1e-6 * whole[i])
+                    << name << ", figure " << i;
+        }
+    }
+}
+
+TEST(TimeWindowTest, StartsWithTheFocusAndTheRateOfThatTime) {
+    using Kind = trace::TimelineEvent::Kind;
+    trace::Timeline timeline;
+    timeline.layers = {{"a#1", 3}, {"b#2", 2}, {"c#3", 1}, {"d#4", 4}, {"e#5", 1}, {"f#6", 1}};
+    timeline.passedOverLayer = 3;
+    timeline.endNs = 1000 * kMs;
+    timeline.events = {
+            {0, Kind::Period, 0, 0, 0, 10 * kMs},
+            {100 * kMs, Kind::Frame, 3, 1, 0, 0},
+            {200 * kMs, Kind::Focus, 1, 0, 0, 0},
+            {250 * kMs, Kind::Period, 0, 0, 0, 20 * kMs},
+            {300 * kMs, Kind::Frame, 0, 1, 0, 0},
+            {310 * kMs, Kind::Frame, 1, 1, 0, 0},
+            {400 * kMs, Kind::Focus, 0, 0, 0, 0},
+            {400 * kMs, Kind::Frame, 0, 1, 0, 0},
+            {410 * kMs, Kind::Frame, 0, 1, 0, 0},
+            {420 * kMs, Kind::Frame, 1, 1, 0, 0},
+            {430 * kMs, Kind::Frame, 2, 1, 0, 0},
+            {440 * kMs, Kind::Frame, 4, 1, 0, 0},
+            {450 * kMs, Kind::Period, 0, 0, 0, 10 * kMs},
+            {460 * kMs, Kind::Frame, 5, 1, 0, 0},
+            {500 * kMs, Kind::Frame, 3, 1, 0, 0},
+            {501 * kMs, Kind::Frame, 3, 1, 0, 0},
+    };
+    const Summary summary = summarise("trace", timeline, {}, {300 * kMs, 500 * kMs});
+    ASSERT_EQ(summary.focuses.size(), 2u);
+    EXPECT_EQ(summary.focuses[0].layer, "b#2");
+    EXPECT_EQ(summary.focuses[0].fromNs, 300 * kMs);
+    EXPECT_EQ(summary.focuses[0].frames, 1);
+    EXPECT_EQ(summary.focuses[1].layer, "a#1");
+    EXPECT_EQ(summary.focuses[1].fromNs, 400 * kMs);
+    EXPECT_EQ(summary.focuses[1].frames, 2);
+    EXPECT_EQ(summary.frames, 3);
+    EXPECT_EQ(summary.otherFrames, 6);
+    EXPECT_EQ(summary.otherLayers, 6);
+    EXPECT_EQ(summary.passedOverLayer, "d#4");
+    ASSERT_EQ(summary.rates.size(), 2u);
+    EXPECT_EQ(summary.rates[0].hz, 50);
+    EXPECT_EQ(summary.rates[0].fromNs, 300 * kMs);
+    EXPECT_EQ(summary.rates[1].hz, 100);
+    std::string top;
+    for (const Summary::LayerFrames& layer : summary.topLayers)
+        top += layer.layer + "*" + std::to_string(layer.frames) + " ";
+    EXPECT_EQ(top, "a#1*3 b#2*2 c#3*1 d#4*1 e#5*1 ");
+}
+
+}  // namespace
+}  // namespace brevold::replay
