@@ -28,7 +28,7 @@ class Cluster {
     const ClusterSpec& spec() const { return mSpec; }
     bool isBusy() const;
 
-    /** Starts work, in nanoseconds at the greatest frequency, on the core of an idle task. */
+    /** Starts work, in nanoseconds at the maximum frequency, on the core of an idle task. */
     void start(Task task, int64_t workNs, int64_t nowNs);
 
     /** When the task's work will be done if the frequency stays as it is; kNever if it is idle. */
@@ -56,7 +56,7 @@ class Cluster {
         explicit Core(const GovernorSpec& spec) : utilisation(spec) {}
 
         bool isBusy = false;
-        double remainingNs = 0.0;  // of work, at the greatest frequency
+        double remainingNs = 0.0;  // of work, at the maximum frequency
         Utilisation utilisation;
     };
 

@@ -26,7 +26,7 @@ namespace {
 constexpr double kMaxMhz = 100'000.0;
 constexpr double kMaxMw = 1e6;
 constexpr double kMaxMs = 1000.0;
-// A frequency computed from a share of the greatest may miss its own point by a rounding error.
+// A frequency computed from a share of the maximum may miss its own point by a rounding error.
 constexpr double kRounding = 1.0 - 1e-9;
 
 class DeviceParser {

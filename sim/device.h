@@ -19,17 +19,17 @@
  *   cluster.big.static-mw=12             power of the cluster at any time
  *   app.cluster=big                      where the application runs
  *   compositor.cluster=little            where the compositor runs
- *   compositor.work-ms=1.2               work of a composition at the greatest frequency
+ *   compositor.work-ms=1.2               work of a composition at the maximum frequency
  *   governor=schedutil                   or performance, or fixed
  *   governor.headroom=1.25               schedutil: frequency per utilisation
  *   governor.half-life-ms=32             of the utilisation
  *   governor.tick-ms=4                   between two evaluations of a busy core
  *   governor.up-limit-ms=0.5             from a change of frequency to a rise
  *   governor.down-limit-ms=5             from a change of frequency to a fall
- *   governor.util-est=1                  1: the utilisation of the last runs counts at a wake-up
- *   governor.floor=0                     lowest frequency, as a share of the greatest
+ *   governor.util-est=1                  1: a waking task keeps the utilisation of its last runs
+ *   governor.floor=0                     lowest frequency, as a share of the maximum
  *   governor.background=0                utilisation by other tasks, which the governor adds
- *   governor.fixed-share=1               fixed: frequency as a share of the greatest
+ *   governor.fixed-share=1               fixed: frequency as a share of the maximum
  *   service.down=cap                     or governor, or frame: see DownReading
  *   service.up=governor                  or none: see UpReading
  *   service.boost=compositor             or all, or none: see BoostTarget
@@ -52,7 +52,7 @@ struct ClusterSpec {
 
     double maxMhz() const { return points.back().mhz; }
 
-    /** Speed at a point as a share of the speed at the greatest frequency. */
+    /** Speed at a point as a share of the speed at the maximum frequency. */
     double speedAt(size_t point) const;
 
     /** The lowest point with at least this frequency; the highest point if there is none. */
@@ -79,7 +79,7 @@ struct GovernorSpec {
 
 /** How the service reads the scale of a DOWN hint, which limits the application's cluster. */
 enum class DownReading : uint8_t {
-    Cap,       // that share of the greatest frequency
+    Cap,       // that share of the maximum frequency
     Governor,  // that share of the frequency that the governor chooses
     Frame,     // that share of the mean speed during the measured frame
 };
@@ -90,7 +90,7 @@ enum class UpReading : uint8_t {
     None,      // not at all
 };
 
-/** The clusters that a jank boost raises to their greatest frequency. */
+/** The clusters that a jank boost raises to their maximum frequency. */
 enum class BoostTarget : uint8_t { Compositor, All, None };
 
 struct ServiceSpec {

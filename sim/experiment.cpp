@@ -77,7 +77,7 @@ std::vector<size_t> heldPoints(const Device& device) {
     return points;
 }
 
-/** Collects the runs of an experiment, then hands out their results in the same order. */
+/** Collects the runs of an experiment and returns their results in the same order. */
 class Runs {
   public:
     explicit Runs(const ExperimentOptions& options) : mOptions(options) {}

@@ -67,8 +67,9 @@ void addOptions(CLI::App& app, Options& options) {
             ->check(CLI::Validator(isDuration, ""))
             ->capture_default_str();
     app.add_option("--boost-depth", options.boostDepth,
-                   "queue depth that the compositor hands over: left at the end of a composition, "
-                   "or the largest found since the one before")
+                   "queue depth that the compositor passes: the one left at the end of a "
+                   "composition, or "
+                   "the maximum found since the previous one")
             ->type_name(joinWords(kBoostDepthWords))
             ->check(CLI::IsMember(namesOf(kBoostDepthWords)))
             ->capture_default_str();

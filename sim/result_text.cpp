@@ -18,7 +18,7 @@ constexpr int kColumnWidth = 18;
 const char* describeDown(DownReading reading) {
     switch (reading) {
         case DownReading::Cap:
-            return "a cap at that share of the greatest frequency";
+            return "a cap at that share of the maximum frequency";
         case DownReading::Governor:
             return "that share of the governor's choice";
         case DownReading::Frame:
@@ -33,7 +33,7 @@ const char* describeUp(UpReading reading) {
 
 const char* describeDepth(BoostDepth depth) {
     return depth == BoostDepth::Left ? "left at the end of a composition"
-                                     : "found since the composition before";
+                                     : "found since the previous composition";
 }
 
 const char* describeBoost(BoostTarget target) {
@@ -52,7 +52,7 @@ std::string describeGovernor(const Device& device) {
     const GovernorSpec& governor = device.governor;
     std::string text = wordOf(governor.kind, kGovernorWords);
     if (governor.kind == GovernorKind::Fixed) {
-        text += fmt::format(" at {:.0f} % of the greatest frequency", governor.fixedShare * 100);
+        text += fmt::format(" at {:.0f} % of the maximum frequency", governor.fixedShare * 100);
     }
     return text;
 }

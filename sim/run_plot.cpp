@@ -70,7 +70,7 @@ class Panels {
 
     void addCurve(const PlotPoints& points, const std::string& style, const std::string& title) {
         std::string rows;
-        for (const replay::PlotPoint& point : replay::thin(points, mEndS, kColumns)) {
+        for (const replay::PlotPoint& point : replay::thin(points, 0.0, mEndS, kColumns)) {
             rows += std::isnan(point.value)
                             ? "\n"
                             : fmt::format("{:.9g} {:.6g}\n", point.timeS, point.value);

@@ -1,12 +1,20 @@
 #include "sim/simulation.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 namespace brevold::sim {
 
 const Words<BoostDepth> kBoostDepthWords = {{"left", BoostDepth::Left},
                                             {"found", BoostDepth::Found}};
+
+namespace {
+
+// Each source has an event or two at one time, and a burst of hints arrives at once.
+constexpr int32_t kMaxEventsAtOneTime = 10'000;
+
+}  // namespace
 
 Simulation::Simulation(const Scenario& scenario, Library* library, Observer& observer)
       : mScenario(scenario),
@@ -40,6 +48,10 @@ void Simulation::run() {
     for (;;) {
         const auto next = std::min_element(mTimesNs.begin(), mTimesNs.end());
         if (*next >= mEndNs) break;
+        mEventsAtNow = *next == mNowNs ? mEventsAtNow + 1 : 1;
+        if (mEventsAtNow > kMaxEventsAtOneTime) {
+            throw std::logic_error("the simulation stopped making progress");
+        }
         mNowNs = *next;
         *next = kNever;
         handle(static_cast<Source>(next - mTimesNs.begin()));
@@ -98,7 +110,7 @@ void Simulation::onVsync() {
 }
 
 void Simulation::onLatch() {
-    if (mComposedFrame) return;  // the composition before is late
+    if (mComposedFrame) return;  // the previous composition is late
     mComposedFrame = mBuffers.latch(mNowNs, vsyncNs(mVsyncIndex));
     if (!mComposedFrame) return;
     startTask(Task::Compositor, mDevice.compositionWorkNs);

@@ -19,7 +19,7 @@ namespace brevold::sim {
 /** The depth that the compositor passes to brevoldScaling. */
 enum class BoostDepth : uint8_t {
     Left,   // at the end of the composition
-    Found,  // the largest since the end of the composition before
+    Found,  // the maximum since the end of the previous composition
 };
 
 extern const Words<BoostDepth> kBoostDepthWords;
@@ -31,8 +31,7 @@ struct Scenario {
     Device device;
     Workload workload;
     BoostDepth boostDepth = BoostDepth::Left;
-    /** Holds the application's cluster at this operating point, instead of the governor's choice.
-     */
+    /** Holds the application's cluster at this operating point; the governor has no effect. */
     std::optional<size_t> heldPoint;
     uint64_t seed = 1;
     int64_t warmUpNs = 0;
@@ -107,6 +106,7 @@ class Simulation {
 
     std::array<int64_t, kSourceCount> mTimesNs;
     int64_t mNowNs = kStartNs;
+    int32_t mEventsAtNow = 0;
     std::vector<Cluster> mClusters;
     Service mService;
     std::deque<SentHint> mSentHints;

@@ -8,9 +8,9 @@ namespace brevold::sim {
 
 /**
  * The utilisation of one core as the kernel tracks it, in closed form: a share of the core's
- * greatest capacity that rises to 1 while the core is busy and falls to 0 while it is idle, with
- * one half-life. Busy time counts by the frequency share, so a task of given work raises it equally
- * at every frequency.
+ * maximum capacity that rises to 1 while the core is busy and falls to 0 while it is idle, with
+ * one half-life. Busy time is weighted by the frequency share, so a task of given work raises it
+ * equally at every frequency.
  */
 class Utilisation {
   public:

@@ -16,10 +16,11 @@
  *   pace=video             a frame begins every frame-refreshes and is due due-frames later
  *   refresh-hz=60          display refresh rate
  *   buffers=3              of the layer's queue, with the one on the display
- *   mean-ms=5              median work of a frame at the greatest frequency; at least 0.2 ms is
- * done sigma=0.15             standard deviation of the logarithm of the work rho=0.7 correlation
- * of that logarithm from frame to frame phase=0.25             every 3 to 9 s the work is scaled by
- * another factor in 1 - phase..1 + phase spike-share=0.002      share of frames with more work
+ *   mean-ms=5              median work of a frame at the maximum frequency; at least 0.2 ms
+ *   sigma=0.15             standard deviation of the logarithm of the work
+ *   rho=0.7                correlation of that logarithm from frame to frame
+ *   phase=0.25             share by which the work rises or falls for 3 to 9 s at a time
+ *   spike-share=0.002      share of frames with more work
  *   spike-min=1.5          their work is scaled by a factor from spike-min to spike-max
  *   spike-max=2.5
  *   gpu-ms=6               median GPU time of a frame
@@ -73,7 +74,7 @@ Workload readWorkload(const std::string& nameOrPath);
 Workload parseWorkload(std::string_view text, const std::string& name);
 
 struct FrameWork {
-    int64_t workNs;  // at the greatest frequency
+    int64_t workNs;  // at the maximum frequency
     int64_t gpuNs;
 };
 

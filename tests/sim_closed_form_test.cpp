@@ -26,7 +26,7 @@ TEST(ClosedForm, PowerAtAFixedFrequencyIsThePowerOfThePointTimesTheBusyShare) {
         double speed;
     };
     const Case kCases[] = {
-            {"greatest", "", 900, 1},
+            {"maximum", "", 900, 1},
             {"half", "governor.fixed-share=0.5\n", 200, 0.5},
             {"rounds up to a point", "governor.fixed-share=0.51\n", 900, 1},
             {"memory share", "governor.fixed-share=0.5\ncluster.big.memory-share=0.5\n", 200,

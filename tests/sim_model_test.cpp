@@ -52,7 +52,7 @@ TEST(ExactMath, RandomNumbersHaveTheirMoments) {
     EXPECT_NEAR(uniforms / kCount, 0.5, 0.005);
 }
 
-TEST(Work, IsTheSameWhicheverFramesAreAskedFor) {
+TEST(Work, DependsOnTheFrameAlone) {
     const Workload workload = readWorkload("spiky60");
     WorkSource all(workload, 5);
     WorkSource some(workload, 5);
@@ -248,7 +248,7 @@ TEST(MissedVsyncs, CountsAgainstTheMedianOfTheIntervalsBefore) {
     EXPECT_EQ(latchAfter(2), 1);
 }
 
-TEST(BufferQueue, HandsOutBuffersAndLatchesReadyFramesInOrder) {
+TEST(BufferQueue, LendsBuffersAndLatchesReadyFramesInOrder) {
     BufferQueue queue(3);
     const auto frame = [&](int64_t gpuNs, int64_t dueNs) {
         queue.dequeue();
@@ -264,7 +264,7 @@ TEST(BufferQueue, HandsOutBuffersAndLatchesReadyFramesInOrder) {
     EXPECT_FALSE(queue.hasFreeBuffer());
     EXPECT_FALSE(queue.latch(300, 199)) << "not due";
     EXPECT_EQ(queue.latch(300, 200)->readyNs, 120) << "the GPU works on one frame at a time";
-    EXPECT_TRUE(queue.hasFreeBuffer()) << "the frame before left the display";
+    EXPECT_TRUE(queue.hasFreeBuffer()) << "the previous frame left the display";
 }
 
 bool areSame(const Metrics& a, const Metrics& b) {
@@ -275,19 +275,20 @@ TEST(Simulation, LibraryWithEveryFeatureOffChangesNothing) {
     for (const std::string& name : builtInWorkloads()) {
         SCOPED_TRACE(name);
         const sim::Setup setup = {parseDevice(kDevice, "device", {"cluster.little.coefficient=40"}),
-                             readWorkload(name),
-                             {}};
+                                  readWorkload(name),
+                                  {}};
         const Scenario scenario = scenarioOf(setup, {}, 10 * kSecondNs, 3);
         const Metrics off = measure(scenario, {});
         EXPECT_TRUE(areSame(off, measureAll({scenario}, {}).front()));
-        // In the frame-rate mode of a video, energy scaling alone asks for nothing.
+        // In the frame-rate mode of a video, energy scaling sends no hints.
         EXPECT_EQ(areSame(off, measureAll({scenario}, kScalingOn).front()), name == "video30");
     }
 }
 
 TEST(Simulation, GivesTheSameBitsOnEveryPlatform) {
     const sim::Setup setup = {parseDevice(kDevice, "device", {"cluster.little.coefficient=40"}),
-                              readWorkload("spiky60"), {}};
+                              readWorkload("spiky60"),
+                              {}};
     const Metrics metrics =
             measureAll({scenarioOf(setup, {}, 10 * kSecondNs, 3)}, kScalingOn).front();
     EXPECT_EQ(at(metrics, Metric::AppPowerMw), 0x1.7782b44d4f133p+8);

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <memory>
 #include <sstream>
 
@@ -17,7 +18,7 @@ constexpr int64_t kSecondNs = 1'000'000'000;
 
 std::string csvOf(const std::vector<host::Hint>& hints) {
     std::ostringstream csv;
-    replay::writeHintsCsv(hints, csv);
+    replay::writeHintsCsv(hints, {0, kNever}, csv);
     return csv.str();
 }
 
@@ -44,26 +45,29 @@ TEST(SimTrace, ReplaysToTheHintsOfTheSimulation) {
             "app.cluster=all\ncompositor.cluster=all\n";
     for (const std::string& workload : builtInWorkloads()) {
         SCOPED_TRACE(workload);
-        // The replay passes the largest depth since the composition before.
-        const sim::Setup setup = {parseDevice(kSharedCluster, "device", {}), readWorkload(workload), {}};
+        // The replay passes the maximum depth since the previous composition.
+        const sim::Setup setup = {
+                parseDevice(kSharedCluster, "device", {}), readWorkload(workload), {}};
         const Scenario scenario =
                 scenarioOf(setup, {setup.device.service, BoostDepth::Found}, 5 * kSecondNs, 1);
-        const auto simulate = [&](bool wantsTrace) {
+        const auto simulate = [&](bool returnsTrace) {
             return runInProcesses({[&] {
                                       std::ostringstream trace;
                                       TraceAndHints writer(scenario.device,
                                                            scenario.workload.periodNs(), trace);
                                       std::optional<Library> library = loadLibrary(settings);
                                       Simulation(scenario, &*library, writer).run();
-                                      return wantsTrace ? trace.str() : csvOf(writer.hints);
+                                      return returnsTrace ? trace.str() : csvOf(writer.hints);
                                   }},
                                   1)
                     .front();
         };
+        const std::string simulated = simulate(false);
+        EXPECT_GT(std::count(simulated.begin(), simulated.end(), '\n'), 10);
         trace::TraceInput input(std::make_unique<trace::StringSource>(simulate(true)), "trace");
         const trace::Timeline timeline = trace::readTimeline(input, {});
         EXPECT_TRUE(timeline.warnings.empty());
-        EXPECT_EQ(csvOf(replay::playIsolated(timeline, settings).hints), simulate(false));
+        EXPECT_EQ(csvOf(replay::playIsolated(timeline, settings).hints), simulated);
     }
 }
 
