@@ -9,9 +9,9 @@
 #include <stdexcept>
 #include <utility>
 
+#include "base/child_process.h"
 #include "base/descriptor.h"
 #include "base/progress.h"
-#include "replay/child_process.h"
 
 namespace brevold::sim {
 
@@ -63,7 +63,7 @@ bool readSome(Process& process) {
 }
 
 void waitForExit(Process& process) {
-    const int status = replay::waitForChild(std::exchange(process.pid, 0));
+    const int status = waitForChild(std::exchange(process.pid, 0));
     if (WIFSIGNALED(status)) {
         throw std::runtime_error(std::string("the library ended the simulation: ") +
                                  strsignal(WTERMSIG(status)));

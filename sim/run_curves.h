@@ -4,7 +4,7 @@
 #include <optional>
 #include <vector>
 
-#include "replay/plot_data.h"
+#include "plot/plot_data.h"
 #include "sim/observer.h"
 #include "sim/simulation.h"
 
@@ -18,12 +18,12 @@ struct RunCurves {
     };
 
     double endS = 0.0;
-    replay::PlotPoints frameTimesMs;
-    replay::PlotPoints depths;
-    std::vector<replay::PlotPoints> frequenciesMhz;  // by cluster
-    replay::PlotPoints powerMw;                      // of all clusters, mean of equal spans of time
-    replay::PlotPoints downScales;                   // while they are in effect
-    replay::PlotPoints ups;                          // scales of UP hints, when they are sent
+    plot::PlotPoints frameTimesMs;
+    plot::PlotPoints depths;
+    std::vector<plot::PlotPoints> frequenciesMhz;  // by cluster
+    plot::PlotPoints powerMw;                      // of all clusters, mean of equal spans of time
+    plot::PlotPoints downScales;                   // while they are in effect
+    plot::PlotPoints ups;                          // scales of UP hints, when they are sent
     std::vector<Span> boosts;
 };
 

@@ -5,13 +5,13 @@
 #include <algorithm>
 #include <cmath>
 
-#include "replay/gnuplot.h"
-#include "replay/plot_thinning.h"
+#include "plot/gnuplot.h"
+#include "plot/plot_thinning.h"
 
 namespace brevold::sim {
 
-using replay::gnuplotString;
-using replay::PlotPoints;
+using plot::gnuplotString;
+using plot::PlotPoints;
 
 namespace {
 
@@ -70,7 +70,7 @@ class Panels {
 
     void addCurve(const PlotPoints& points, const std::string& style, const std::string& title) {
         std::string rows;
-        for (const replay::PlotPoint& point : replay::thin(points, 0.0, mEndS, kColumns)) {
+        for (const plot::PlotPoint& point : plot::thin(points, 0.0, mEndS, kColumns)) {
             rows += std::isnan(point.value)
                             ? "\n"
                             : fmt::format("{:.9g} {:.6g}\n", point.timeS, point.value);
@@ -129,7 +129,7 @@ std::string runPanels(const Scenario& scenario, const RunCurves& curves, size_t 
 
     PlotPoints shorter;
     PlotPoints longer;
-    for (const replay::PlotPoint& point : curves.frameTimesMs) {
+    for (const plot::PlotPoint& point : curves.frameTimesMs) {
         (point.value > limitMs ? longer : shorter)
                 .push_back({point.timeS, std::min(point.value, limitMs)});
     }
@@ -167,7 +167,7 @@ std::string runPanels(const Scenario& scenario, const RunCurves& curves, size_t 
         panels.addCurve(curves.frequenciesMhz[cluster], line("steps", kBlue), "frequency");
         if (isApp && device.service.down == DownReading::Cap) {
             PlotPoints caps = curves.downScales;
-            for (replay::PlotPoint& cap : caps)
+            for (plot::PlotPoint& cap : caps)
                 cap.value *= maxMhz;
             panels.addCurve(caps, line("steps", kVermillion), "cap");
         }

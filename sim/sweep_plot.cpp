@@ -5,12 +5,12 @@
 #include <algorithm>
 #include <cmath>
 
-#include "replay/gnuplot.h"
+#include "plot/gnuplot.h"
 #include "sim/result_text.h"
 
 namespace brevold::sim {
 
-using replay::gnuplotString;
+using plot::gnuplotString;
 
 namespace {
 

@@ -4,8 +4,8 @@
 #include <memory>
 #include <sstream>
 
-#include "replay/hints_csv.h"
 #include "replay/isolated_play.h"
+#include "report/hints_csv.h"
 #include "sim/trace_writer.h"
 #include "tests/sim_test.h"
 #include "trace/read_timeline.h"
@@ -18,7 +18,7 @@ constexpr int64_t kSecondNs = 1'000'000'000;
 
 std::string csvOf(const std::vector<host::Hint>& hints) {
     std::ostringstream csv;
-    replay::writeHintsCsv(hints, {0, kNever}, csv);
+    report::writeHintsCsv(hints, {0, kNever}, csv);
     return csv.str();
 }
 
