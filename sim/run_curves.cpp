@@ -51,7 +51,12 @@ void RunCurvesObserver::onHint(const host::Hint& hint) {
 
 void RunCurvesObserver::onService(int64_t nowNs, const Service& service) {
     const double nowS = toS(nowNs);
-    mCurves.downScales.push_back({nowS, service.downScale().value_or(std::nan(""))});
+    const std::optional<double> scale = service.downScale();
+    if (scale) {
+        mCurves.downScales.push_back({nowS, *scale});
+    } else {
+        breakDown(nowS);
+    }
     if (service.isBoosted() && !mBoostBeginS) mBoostBeginS = nowS;
     if (!service.isBoosted() && mBoostBeginS) {
         mCurves.boosts.push_back({*mBoostBeginS, nowS});
@@ -67,11 +72,20 @@ void RunCurvesObserver::onEnd(int64_t nowNs) {
                 {toS(nowNs), mCurves.frequenciesMhz[cluster].back().value});
     }
     if (mBoostBeginS) mCurves.boosts.push_back({*mBoostBeginS, toS(nowNs)});
+    breakDown(toS(nowNs));
+    if (!mCurves.downScales.empty()) mCurves.downScales.pop_back();
     for (size_t i = 0; i < mEnergy.size(); ++i) {
         mCurves.powerMw.push_back(
                 {static_cast<double>(i) * mColumnNs / 1e9, mEnergy[i] / mColumnNs});
     }
     mCurves.endS = toS(nowNs);
+}
+
+void RunCurvesObserver::breakDown(double nowS) {
+    plot::PlotPoints& scales = mCurves.downScales;
+    if (scales.empty() || std::isnan(scales.back().value)) return;
+    scales.push_back({nowS, scales.back().value});
+    scales.push_back({nowS, std::nan("")});
 }
 
 void RunCurvesObserver::addEnergy(int64_t nowNs, size_t cluster) {

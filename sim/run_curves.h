@@ -51,6 +51,8 @@ class RunCurvesObserver : public Observer {
         int64_t sinceNs = kStartNs;
     };
 
+    /** Ends the curve of DOWN with a break, unless it has one. */
+    void breakDown(double nowS);
     void addEnergy(int64_t nowNs, size_t cluster);
 
     const Scenario& mScenario;
