@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "report/labels.h"
 #include "sim/metric_labels.h"
 
 namespace brevold::sim {
@@ -29,11 +30,6 @@ const char* describeDown(DownReading reading) {
 
 const char* describeUp(UpReading reading) {
     return reading == UpReading::Governor ? "that multiple of the governor's choice" : "ignored";
-}
-
-const char* describeDepth(BoostDepth depth) {
-    return depth == BoostDepth::Left ? "left at the end of a composition"
-                                     : "found since the previous composition";
 }
 
 const char* describeBoost(BoostTarget target) {
@@ -127,8 +123,10 @@ void printResult(const SetupResult& result, const ExperimentOptions& options, st
     fmt::print(out, "governor    {}\n", describeGovernor(result.setup.device));
     fmt::print(out, "DOWN        {}\n", describeDown(service.down));
     fmt::print(out, "UP          {}\n", describeUp(service.up));
-    fmt::print(out, "jank boost  raises {}; requested at the queue depth {}\n\n",
-               describeBoost(service.boost), describeDepth(reading.reading.boostDepth));
+    fmt::print(out, "jank boost  raises {}\n", describeBoost(service.boost));
+    const BoostDepth depth = reading.reading.boostDepth;
+    fmt::print(out, "boost depth {} ({})\n\n", wordOf(depth, kBoostDepthWords),
+               report::boostDepthText(depth));
     const std::vector<Column> columns = columnsOf(result);
     fmt::print(out, "{:{}}", "", kLabelWidth);
     for (const auto& [title, estimates] : columns)

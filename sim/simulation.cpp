@@ -4,10 +4,13 @@
 #include <stdexcept>
 #include <utility>
 
+#include "report/labels.h"
+
 namespace brevold::sim {
 
-const Words<BoostDepth> kBoostDepthWords = {{"left", BoostDepth::Left},
-                                            {"found", BoostDepth::Found}};
+const Words<BoostDepth> kBoostDepthWords = {
+        {report::boostDepthWord(BoostDepth::Left), BoostDepth::Left},
+        {report::boostDepthWord(BoostDepth::Found), BoostDepth::Found}};
 
 namespace {
 

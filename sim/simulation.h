@@ -6,6 +6,7 @@
 #include <optional>
 #include <vector>
 
+#include "replay/play_options.h"
 #include "sim/buffer_queue.h"
 #include "sim/cluster.h"
 #include "sim/device.h"
@@ -16,11 +17,7 @@
 
 namespace brevold::sim {
 
-/** The depth that the compositor passes to brevoldScaling. */
-enum class BoostDepth : uint8_t {
-    Left,   // at the end of the composition
-    Found,  // the maximum since the end of the previous composition
-};
+using replay::BoostDepth;
 
 extern const Words<BoostDepth> kBoostDepthWords;
 

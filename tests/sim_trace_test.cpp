@@ -43,13 +43,15 @@ TEST(SimTrace, ReplaysToTheHintsOfTheSimulation) {
     constexpr char kSharedCluster[] =
             "cluster.all.opp=1000 MHz 100 mW\ncluster.all.opp=2000 MHz 400 mW\n"
             "app.cluster=all\ncompositor.cluster=all\n";
+    ptrdiff_t hints = 0;
+    BoostDepth depth = BoostDepth::Left;
     for (const std::string& workload : builtInWorkloads()) {
+        depth = depth == BoostDepth::Left ? BoostDepth::Found : BoostDepth::Left;
         SCOPED_TRACE(workload);
-        // The replay passes the maximum depth since the previous composition.
         const sim::Setup setup = {
                 parseDevice(kSharedCluster, "device", {}), readWorkload(workload), {}};
         const Scenario scenario =
-                scenarioOf(setup, {setup.device.service, BoostDepth::Found}, 5 * kSecondNs, 1);
+                scenarioOf(setup, {setup.device.service, depth}, 5 * kSecondNs, 1);
         const auto simulate = [&](bool returnsTrace) {
             return runInProcesses({[&] {
                                       std::ostringstream trace;
@@ -63,12 +65,13 @@ TEST(SimTrace, ReplaysToTheHintsOfTheSimulation) {
                     .front();
         };
         const std::string simulated = simulate(false);
-        EXPECT_GT(std::count(simulated.begin(), simulated.end(), '\n'), 10);
+        hints += std::count(simulated.begin(), simulated.end(), '\n') - 1;
         trace::TraceInput input(std::make_unique<trace::StringSource>(simulate(true)), "trace");
         const trace::Timeline timeline = trace::readTimeline(input, {});
         EXPECT_TRUE(timeline.warnings.empty());
-        EXPECT_EQ(csvOf(replay::playIsolated(timeline, settings).hints), simulated);
+        EXPECT_EQ(csvOf(replay::playIsolated(timeline, settings, {depth}).hints), simulated);
     }
+    EXPECT_GT(hints, 1000);
 }
 
 }  // namespace
