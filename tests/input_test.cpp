@@ -137,6 +137,15 @@ TEST(InputTest, FindsTheTraceInEveryFormat) {
 
 constexpr replay::TimeWindow kWholeTrace = {INT64_MIN, INT64_MAX};
 
+TEST(InputTest, FindsTheTraceOfAPageWhereverABlockEnds) {
+    constexpr size_t kBlockBytes = 64 * 1024;
+    for (size_t beforeEnd = 0; beforeEnd < 60; ++beforeEnd) {
+        const std::string start = "<html>" + std::string(kBlockBytes - 6 - beforeEnd, 'x');
+        EXPECT_EQ(rest(inputOf(start + elementOf(kText)).open()), kText) << beforeEnd;
+        EXPECT_EQ(rest(inputOf(start + stringOf(kText)).open()), kText) << beforeEnd;
+    }
+}
+
 TEST(InputTest, GivesTheSameHintsInEveryFormat) {
     const std::string examples = BREVOLD_EXAMPLES;
     host::loadProfile(examples + "/everything-on.profile");
