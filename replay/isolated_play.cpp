@@ -15,7 +15,7 @@
 
 #include "base/descriptor.h"
 #include "host/device_profile.h"
-#include "replay/child_process.h"
+#include "base/child_process.h"
 #include "replay/player.h"
 
 namespace brevold::host {

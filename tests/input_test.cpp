@@ -12,9 +12,9 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "host/device_profile.h"
-#include "replay/hints_csv.h"
 #include "replay/isolated_play.h"
-#include "replay/labels.h"
+#include "report/hints_csv.h"
+#include "report/labels.h"
 #include "tests/gzip.h"
 #include "tests/pages.h"
 #include "tests/proto_writer.h"
@@ -154,7 +154,7 @@ TEST(InputTest, GivesTheSameHintsInEveryFormat) {
     const auto hintsOf = [](const std::string& bytes) {
         TraceInput input = inputOf(bytes);
         std::ostringstream csv;
-        replay::writeHintsCsv(replay::playIsolated(readTimeline(input, {}), {}).hints, kWholeTrace,
+        report::writeHintsCsv(replay::playIsolated(readTimeline(input, {}), {}).hints, kWholeTrace,
                               csv);
         return csv.str();
     };
@@ -233,7 +233,7 @@ TEST(InputTest, ReadsWhatIsWholeOfATextThatEndsInsideALine) {
         EXPECT_EQ(timeline.layers[0].frames, frames) << text;
         std::string warnings;
         for (const TraceWarning& one : timeline.warnings)
-            warnings += replay::warningText(one);
+            warnings += report::warningText(one);
         EXPECT_EQ(warnings, warning) << text;
     }
 }

@@ -1,4 +1,4 @@
-#include "replay/marked_perfetto.h"
+#include "report/marked_perfetto.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@
 #include "trace/read_timeline.h"
 #include "trace/string_source.h"
 
-namespace brevold::replay {
+namespace brevold::report {
 namespace {
 
 using protozero::pbf_reader;
@@ -78,8 +78,8 @@ host::Hint hintAt(int64_t timeNs, host::HintKind kind, int32_t durationMs, uint3
     return {timeNs, kind, 0, durationMs, type, scale, 0, 0};
 }
 
-Recording exampleRecording() {
-    Recording recording;
+replay::Recording exampleRecording() {
+    replay::Recording recording;
     recording.hints = {
             hintAt(1'000'500'001, host::HintKind::Down, 19, 0, 0.282),
             hintAt(1'000'500'001, host::HintKind::RefreshRate, 0, 90, 0),
@@ -169,4 +169,4 @@ TEST(MarkedPerfettoTest, KeepsApartTheMarksOfTwoReplays) {
 }
 
 }  // namespace
-}  // namespace brevold::replay
+}  // namespace brevold::report

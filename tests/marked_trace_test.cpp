@@ -1,4 +1,4 @@
-#include "replay/marked_trace.h"
+#include "report/marked_trace.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 #include "trace/string_source.h"
 #include "trace/text_mark_reader.h"
 
-namespace brevold::replay {
+namespace brevold::report {
 namespace {
 
 const std::string kExamples = BREVOLD_EXAMPLES;
@@ -20,11 +20,11 @@ const std::string kExamples = BREVOLD_EXAMPLES;
 using Mark = std::tuple<int64_t, std::string, bool, std::string>;
 
 /** Returns the marked trace of a text, with the recording of its replay. */
-std::string marked(const std::string& text, Recording* recording) {
+std::string marked(const std::string& text, replay::Recording* recording) {
     trace::TraceInput input(std::make_unique<trace::StringSource>(text), "trace");
     trace::TraceForm form;
     const trace::Timeline timeline = trace::readTimeline(input, {}, &form);
-    *recording = playIsolated(timeline, {});
+    *recording = replay::playIsolated(timeline, {});
     std::ostringstream output;
     writeTrace(input.open(), "trace", timeline, form, *recording, output);
     return output.str();
@@ -77,12 +77,12 @@ std::vector<Mark> marksIn(const std::string& added, const std::string& suffix) {
 TEST(MarkedTraceTest, KeepsTheTraceAndAddsEveryMarkOfTheLibrary) {
     host::loadProfile(kExamples + "/everything-on.profile");
     const std::string text = fileText(kExamples + "/game-120hz-falls-behind.ftrace.txt");
-    Recording recording;
+    replay::Recording recording;
     const std::string first = marked(text, &recording);
 
     std::vector<Mark> emitted;
     std::string caller;
-    for (const RecordedMark& recorded : recording.marks) {
+    for (const replay::RecordedMark& recorded : recording.marks) {
         const host::TraceMark& mark = recorded.mark;
         // The library measures in a composition; it scales when a binder thread queues a frame.
         if (mark.isBegin) caller = mark.label[1] == 'F' ? "surfaceflinger" : "Binder:612_3";
@@ -93,7 +93,7 @@ TEST(MarkedTraceTest, KeepsTheTraceAndAddsEveryMarkOfTheLibrary) {
     EXPECT_EQ(marksIn(addedTo(text, first), ""), emitted);
 
     // The marks of a second replay are the same, on tracks of their own.
-    Recording again;
+    replay::Recording again;
     EXPECT_EQ(marksIn(addedTo(first, marked(first, &again)), " (replayed)"), emitted);
 }
 
@@ -131,7 +131,7 @@ TEST(MarkedTraceTest, UsesTheNotationOfTheTrace) {
         trace::TraceInput read(std::make_unique<trace::StringSource>(text), "trace");
         trace::TraceForm form;
         const trace::Timeline timeline = trace::readTimeline(read, {}, &form);
-        Recording recording;
+        replay::Recording recording;
         recording.hints = {
                 hintAt(1'000'500'000, host::HintKind::Down, 19, 0, 0.282),
                 hintAt(1'000'500'000, host::HintKind::Up, 19, 0, 1.5),
@@ -196,7 +196,7 @@ TEST(MarkedTraceTest, NamesTheProcessesOfAPage) {
         trace::TraceInput input(std::make_unique<trace::StringSource>(page), "page");
         trace::TraceForm form;
         const trace::Timeline timeline = trace::readTimeline(input, {}, &form);
-        Recording recording;
+        replay::Recording recording;
         recording.marks = {{{1'000'000'000, -1, true, "x"}, 95}};
         std::ostringstream output;
         writeTrace(input.open(), input.name(), timeline, form, recording, output);
@@ -212,4 +212,4 @@ TEST(MarkedTraceTest, NamesTheProcessesOfAPage) {
 }
 
 }  // namespace
-}  // namespace brevold::replay
+}  // namespace brevold::report

@@ -11,9 +11,9 @@
 
 #include "base/error.h"
 #include "base/text.h"
-#include "replay/labels.h"
-#include "replay/summary_json.h"
-#include "replay/summary_text.h"
+#include "report/labels.h"
+#include "report/summary_json.h"
+#include "report/summary_text.h"
 #include "tests/gzip.h"
 #include "tests/proto_writer.h"
 #include "trace/event_line.h"
@@ -42,7 +42,7 @@ Timeline read(const std::string& bytes, TraceForm* form = nullptr, size_t maxRea
 Texts warningsOf(const std::string& bytes) {
     Texts texts;
     for (const TraceWarning& warning : read(bytes).warnings)
-        texts.push_back(replay::warningText(warning));
+        texts.push_back(report::warningText(warning));
     return texts;
 }
 
@@ -60,9 +60,9 @@ std::string describe(const Timeline& timeline) {
     for (const Layer& layer : timeline.layers)
         text << layer.name << '*' << layer.frames << ' ';
     text << timeline.focusedLayer << ' ' << timeline.startNs << " to " << timeline.endNs << ' '
-         << replay::periodSourceText(timeline.periodSource, timeline.periodCounter) << ' '
-         << replay::compositionSourceText(timeline.compositionSource) << ' '
-         << replay::vsyncSourceText(timeline.vsyncSource) << '\n';
+         << report::periodSourceText(timeline.periodSource, timeline.periodCounter) << ' '
+         << report::compositionSourceText(timeline.compositionSource) << ' '
+         << report::vsyncSourceText(timeline.vsyncSource) << '\n';
     for (const TimelineEvent& event : timeline.events) {
         text << event.timeNs << ' ' << static_cast<int>(event.kind) << ' ' << event.layer << ' '
              << event.depth << ' ' << event.periodNs << '\n';
@@ -439,15 +439,15 @@ TEST(PerfettoTest, SummaryCountsLateAndDroppedFrames) {
                                   Verdict::Late, Verdict::Unknown}) {
         timeline.judgedFrames->push_back({10, 20, verdict});
     }
-    const replay::Summary summary =
-            replay::summarise("trace", timeline, {}, {timeline.startNs, timeline.endNs});
+    const report::Summary summary =
+            report::summarise("trace", timeline, {}, {timeline.startNs, timeline.endNs});
     std::ostringstream text;
-    replay::print(summary, text);
+    report::print(summary, text);
     EXPECT_NE(text.str().find("\ndeadlines     6 frames, 2 late, 1 dropped (from the frame "
                               "timeline)\n"),
               std::string::npos);
     std::ostringstream json;
-    replay::printJson({{summary, {}}}, json);
+    report::printJson({{summary, {}}}, json);
     EXPECT_EQ(nlohmann::json::parse(json.str())["replays"][0]["frame_timeline"],
               nlohmann::json::parse(R"({"frames": 6, "late": 2, "dropped": 1})"));
 }

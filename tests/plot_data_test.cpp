@@ -1,9 +1,9 @@
-#include "replay/plot_data.h"
+#include "plot/plot_data.h"
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-namespace brevold::replay {
+namespace brevold::plot {
 namespace {
 
 constexpr int64_t kMs = 1'000'000;
@@ -33,7 +33,7 @@ TEST(PlotDataTest, HasACurveForEachQuantity) {
                        {1200 * kMs, Kind::Depth, 1, 0, 0, 0},
                        {1300 * kMs, Kind::Frame, 1, 1, 0, 0},
                        {2000 * kMs, Kind::Period, 0, 0, 0, 20 * kMs}};
-    Recording recording;
+    replay::Recording recording;
     recording.modes = {{1000 * kMs, 5}, {2500 * kMs, 2}};
     recording.hints = {hintAt(1400, host::HintKind::Down, 0, 0.5),
                        hintAt(1450, host::HintKind::Down, 0, 0.25),
@@ -80,4 +80,4 @@ TEST(PlotDataTest, HasACurveForEachQuantity) {
 }
 
 }  // namespace
-}  // namespace brevold::replay
+}  // namespace brevold::plot

@@ -1,10 +1,10 @@
-#include "replay/plot_page.h"
+#include "plot/plot_page.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdlib>
 
-namespace brevold::replay {
+namespace brevold::plot {
 namespace {
 
 std::vector<double> numbersAfter(const std::string& word, const std::string& script) {
@@ -48,4 +48,4 @@ TEST(PlotPageTest, DrawsEachCurveOfAPanelFromItsOwnData) {
 }
 
 }  // namespace
-}  // namespace brevold::replay
+}  // namespace brevold::plot

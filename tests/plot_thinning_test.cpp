@@ -1,10 +1,10 @@
-#include "replay/plot_thinning.h"
+#include "plot/plot_thinning.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
 
-namespace brevold::replay {
+namespace brevold::plot {
 namespace {
 
 TEST(PlotThinningTest, KeepsFirstLastMinAndMaxOfEachColumn) {
@@ -39,4 +39,4 @@ TEST(PlotThinningTest, KeepsFirstLastMinAndMaxOfEachColumn) {
 }
 
 }  // namespace
-}  // namespace brevold::replay
+}  // namespace brevold::plot

@@ -8,7 +8,7 @@
 #include "base/error.h"
 #include "host/device_profile.h"
 #include "replay/isolated_play.h"
-#include "replay/summary.h"
+#include "report/summary.h"
 #include "trace/read_timeline.h"
 
 namespace brevold::replay {
@@ -59,7 +59,7 @@ TEST(TimeWindowTest, EndsWithTheTrace) {
 }
 
 /** The figures that add up over adjacent windows. */
-std::vector<double> sumsOf(const Summary& summary) {
+std::vector<double> sumsOf(const report::Summary& summary) {
     std::vector<double> sums = {static_cast<double>(summary.windowNs()),
                                 static_cast<double>(summary.downNs),
                                 summary.meanDownScale * static_cast<double>(summary.downNs)};
@@ -69,7 +69,7 @@ std::vector<double> sumsOf(const Summary& summary) {
         sums.push_back(count);
     for (const int64_t modeNs : summary.modeNs)
         sums.push_back(static_cast<double>(modeNs));
-    for (const RequestSummary& request : summary.requests) {
+    for (const report::RequestSummary& request : summary.requests) {
         sums.push_back(request.count);
         sums.push_back(request.count * request.meanScale);
     }
@@ -84,7 +84,7 @@ TEST(TimeWindowTest, FiguresOfAdjacentWindowsAddUp) {
         const trace::Timeline timeline = trace::readTimeline(input, {});
         const Recording recording = playIsolated(timeline, {});
         const auto figures = [&](int64_t beginNs, int64_t endNs) {
-            return sumsOf(summarise("trace", timeline, recording, {beginNs, endNs}));
+            return sumsOf(report::summarise("trace", timeline, recording, {beginNs, endNs}));
         };
         const std::vector<double> whole = figures(timeline.startNs, timeline.endNs);
         EXPECT_GT(whole[3], 10) << "frames";
@@ -125,7 +125,8 @@ TEST(TimeWindowTest, StartsWithTheFocusAndTheRateOfThatTime) {
             {500 * kMs, Kind::Frame, 3, 1, 0, 0},
             {501 * kMs, Kind::Frame, 3, 1, 0, 0},
     };
-    const Summary summary = summarise("trace", timeline, {}, {300 * kMs, 500 * kMs});
+    const report::Summary summary =
+            report::summarise("trace", timeline, {}, {300 * kMs, 500 * kMs});
     ASSERT_EQ(summary.focuses.size(), 2u);
     EXPECT_EQ(summary.focuses[0].layer, "b#2");
     EXPECT_EQ(summary.focuses[0].fromNs, 300 * kMs);
@@ -142,7 +143,7 @@ TEST(TimeWindowTest, StartsWithTheFocusAndTheRateOfThatTime) {
     EXPECT_EQ(summary.rates[0].fromNs, 300 * kMs);
     EXPECT_EQ(summary.rates[1].hz, 100);
     std::string top;
-    for (const Summary::LayerFrames& layer : summary.topLayers)
+    for (const report::Summary::LayerFrames& layer : summary.topLayers)
         top += layer.layer + "*" + std::to_string(layer.frames) + " ";
     EXPECT_EQ(top, "a#1*3 b#2*2 c#3*1 d#4*1 e#5*1 ");
 }

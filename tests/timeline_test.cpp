@@ -8,7 +8,7 @@
 #include <tuple>
 
 #include "base/error.h"
-#include "replay/labels.h"
+#include "report/labels.h"
 #include "tests/gzip.h"
 #include "tests/pages.h"
 #include "tests/rest.h"
@@ -20,10 +20,10 @@ namespace brevold::trace {
 namespace {
 
 using Texts = std::vector<std::string>;
-using replay::compositionSourceText;
-using replay::periodSourceText;
-using replay::vsyncSourceText;
-using replay::warningText;
+using report::compositionSourceText;
+using report::periodSourceText;
+using report::vsyncSourceText;
+using report::warningText;
 
 const std::string kName = "trace";
 constexpr size_t kWhole = std::string::npos;

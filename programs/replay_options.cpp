@@ -1,0 +1,93 @@
+#include "programs/replay_options.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "base/file_identity.h"
+#include "host/device_profile.h"
+#include "plot/plot.h"
+
+namespace brevold {
+
+void addOptions(CLI::App& app, Options& options) {
+    app.add_option(
+               "TRACE", options.traces,
+               "Perfetto trace, ftrace text, systrace page or latency dump, optionally gzipped; "
+               "- reads standard input")
+            ->required();
+    app.add_option("--profile", options.profile,
+                   "device profile: a file of key=value lines; without it all features are off")
+            ->type_name("FILE");
+    app.add_option("--set", options.settings,
+                   "one entry of the profile; overrides the file; may be repeated")
+            ->type_name("KEY=VALUE")
+            ->expected(1)
+            ->take_all();
+    app.add_option("--vs", options.vsSettings,
+                   "replay again with this profile entry and compare; may be repeated")
+            ->type_name("KEY=VALUE")
+            ->expected(1)
+            ->take_all();
+    const auto layer =
+            app.add_option("--layer", options.timeline.layer,
+                           "focused layer: its name, or a part that no other layer's name has; "
+                           "without it, the application's layer with the most frames; for a "
+                           "latency dump, the name of its layer")
+                    ->type_name("NAME");
+    app.add_flag("--follow-focus", options.timeline.followsFocus,
+                 "move the focus each second to the application's layer with the most frames in "
+                 "that second")
+            ->excludes(layer);
+    const auto layers = app.add_flag("--layers", options.layers,
+                                     "list the layers that have frames instead of replaying");
+    app.add_option("--refresh-rate", options.timeline.refreshRateHz,
+                   "display refresh rate in Hz, instead of the trace's own")
+            ->type_name("HZ")
+            ->check(CLI::Range(1.0, 1000.0));
+    app.add_option("--from", options.window.fromS,
+                   "report only from this time on, in seconds since the first event; the library "
+                   "sees the whole trace")
+            ->type_name("S");
+    app.add_option("--to", options.window.toS, "report only up to this time, in seconds")
+            ->type_name("S");
+    app.add_option("--hints", options.hints, "write the hints that were sent, as CSV")
+            ->type_name("FILE");
+    app.add_option("--trace-out", options.traceOut,
+                   "write the trace with the library's marks and hints added")
+            ->type_name("FILE");
+    app.add_option("--plot", options.plot, "draw the replay (needs gnuplot)")
+            ->type_name("FILE.svg|.png");
+    app.add_flag("--json", options.json, "print the summary as one JSON object");
+    for (const char* output :
+         {"--vs", "--from", "--to", "--hints", "--trace-out", "--plot", "--json"})
+        layers->excludes(app.get_option(output));
+    app.set_version_flag("--version", BREVOLD_VERSION);
+}
+
+void checkOptions(const Options& options) {
+    if (!options.plot.empty()) plot::plotTerminal(options.plot);
+    replay::checkWindow(options.window);
+    std::vector<NamedFile> outputs;
+    for (const NamedFile& output :
+         {NamedFile{"--hints", options.hints}, NamedFile{"--trace-out", options.traceOut},
+          NamedFile{"--plot", options.plot}}) {
+        if (!output.path.empty()) outputs.push_back(output);
+    }
+    if (options.traces.size() > 1 && !outputs.empty()) {
+        throw std::runtime_error(outputs.front().option + " takes one trace");
+    }
+    requireSeparateFiles(options.traces, outputs);
+}
+
+void applyProfile(const Options& options) {
+    if (!options.profile.empty()) host::loadProfile(options.profile);
+    for (const std::string& setting : options.settings) {
+        try {
+            host::setProfileEntry(setting);
+        } catch (const host::ProfileError& error) {
+            throw host::ProfileError("--set " + setting + ": " + error.what());
+        }
+    }
+}
+
+}  // namespace brevold
