@@ -6,6 +6,7 @@
 #include "base/file_identity.h"
 #include "host/device_profile.h"
 #include "plot/plot.h"
+#include "report/labels.h"
 #include "trace/trace_member.h"
 
 namespace brevold {
@@ -45,6 +46,19 @@ void addOptions(CLI::App& app, Options& options) {
                    "display refresh rate in Hz, instead of the trace's own")
             ->type_name("HZ")
             ->check(CLI::Range(1.0, 1000.0));
+    app.add_option_function<std::string>(
+               "--boost-depth",
+               [&options](const std::string& word) {
+                   const bool isFound = word == report::boostDepthWord(replay::BoostDepth::Found);
+                   options.play.boostDepth =
+                           isFound ? replay::BoostDepth::Found : replay::BoostDepth::Left;
+               },
+               "queued frames that decide on a boost when a composition ends: those left in the "
+               "queue (default), or the maximum found since the previous composition")
+            ->type_name("left|found")
+            ->check(CLI::IsMember({report::boostDepthWord(replay::BoostDepth::Left),
+                                   report::boostDepthWord(replay::BoostDepth::Found)})
+                            .description(""));
     app.add_option("--from", options.window.fromS,
                    "report only from this time on, in seconds since the first event; the library "
                    "sees the whole trace")

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "replay/play_options.h"
 #include "replay/time_window.h"
 #include "trace/read_timeline.h"
 
@@ -20,6 +21,7 @@ struct Options {
     std::string plot;
     bool json = false;
     bool layers = false;
+    replay::PlayOptions play;
     replay::WindowOptions window;
     trace::TimelineOptions timeline;
 };

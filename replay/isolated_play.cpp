@@ -41,6 +41,11 @@ void serialize(Archive& archive, TraceMark& mark) {
 namespace brevold::replay {
 
 template <typename Archive>
+void serialize(Archive& archive, PlayOptions& options) {
+    archive(options.boostDepth);
+}
+
+template <typename Archive>
 void serialize(Archive& archive, ModeChange& change) {
     archive(change.timeNs, change.mode);
 }
@@ -52,8 +57,8 @@ void serialize(Archive& archive, RecordedMark& mark) {
 
 template <typename Archive>
 void serialize(Archive& archive, Recording& recording) {
-    archive(recording.isAnyFeatureOn, recording.hints, recording.modes, recording.verdictTimesNs,
-            recording.log, recording.threads, recording.marks);
+    archive(recording.options, recording.isAnyFeatureOn, recording.hints, recording.modes,
+            recording.verdictTimesNs, recording.log, recording.threads, recording.marks);
 }
 
 namespace {
@@ -69,12 +74,12 @@ struct Outcome {
     }
 };
 
-Outcome playWithSettings(const trace::Timeline& timeline,
-                         const std::vector<std::string>& settings) {
+Outcome playWithSettings(const trace::Timeline& timeline, const std::vector<std::string>& settings,
+                         const PlayOptions& options) {
     try {
         for (const std::string& setting : settings)
             host::setProfileEntry(setting);
-        return {"", play(timeline)};
+        return {"", play(timeline, options)};
     } catch (const std::exception& error) {
         return {error.what(), {}};
     }
@@ -82,19 +87,20 @@ Outcome playWithSettings(const trace::Timeline& timeline,
 
 // An exception must not unwind into the parent's code.
 [[noreturn]] void runChild(const trace::Timeline& timeline,
-                           const std::vector<std::string>& settings, pid_t parent,
-                           int fd) noexcept {
+                           const std::vector<std::string>& settings, const PlayOptions& options,
+                           pid_t parent, int fd) noexcept {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     // The parent may have ended before prctl took effect.
     if (getppid() != parent) _exit(1);
     std::ostringstream bytes;
-    cereal::BinaryOutputArchive{bytes}(playWithSettings(timeline, settings));
+    cereal::BinaryOutputArchive{bytes}(playWithSettings(timeline, settings, options));
     _exit(writeAll(fd, bytes.str()) ? 0 : 1);
 }
 
 }  // namespace
 
-Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::string>& settings) {
+Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::string>& settings,
+                       const PlayOptions& options) {
     int fds[2];
     if (pipe(fds) != 0) throw std::runtime_error("no pipe for the replay: " + errnoText(errno));
     Descriptor input(fds[0]);
@@ -102,7 +108,7 @@ Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::s
     const pid_t parent = getpid();
     const pid_t child = fork();
     if (child < 0) throw std::runtime_error("no process for the replay: " + errnoText(errno));
-    if (child == 0) runChild(timeline, settings, parent, output.get());
+    if (child == 0) runChild(timeline, settings, options, parent, output.get());
     output.reset();
 
     std::string bytes;

@@ -15,6 +15,7 @@ namespace brevold::replay {
  * Throws std::runtime_error if the replay fails, also if the library ends the child. Call it from a
  * process with one thread, because it forks.
  */
-Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::string>& settings);
+Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::string>& settings,
+                       const PlayOptions& options = {});
 
 }  // namespace brevold::replay

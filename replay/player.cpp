@@ -23,7 +23,9 @@ constexpr int64_t kNoFrameYet = -1;
 
 class Player {
   public:
-    Player(const Timeline& timeline, host::Driver& driver) : mTimeline(timeline), mDriver(driver) {
+    Player(const Timeline& timeline, const PlayOptions& options, host::Driver& driver)
+          : mTimeline(timeline), mDriver(driver) {
+        mRecording.options = options;
         mDepths.resize(timeline.layers.size());
         for (size_t i = 0; i < timeline.layers.size(); ++i) {
             LayerFrameInfo info = {};
@@ -123,9 +125,8 @@ class Player {
     }
 
     void endComposition(int64_t timeNs) {
-        // Most releases latch before the composite section, so pass the peak depth since the
-        // previous composition.
-        mDriver.endComposition(timeNs, mPeakDepth);
+        const bool isPeak = mRecording.options.boostDepth == BoostDepth::Found;
+        mDriver.endComposition(timeNs, isPeak ? mPeakDepth : focusedDepth());
         mPeakDepth = focusedDepth();
     }
 
@@ -169,9 +170,9 @@ class Player {
 
 }  // namespace
 
-Recording play(const Timeline& timeline) {
+Recording play(const Timeline& timeline, const PlayOptions& options) {
     host::Driver driver(host::Workers::Stepped);
-    return Player(timeline, driver).play();
+    return Player(timeline, options, driver).play();
 }
 
 }  // namespace brevold::replay

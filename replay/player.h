@@ -10,6 +10,6 @@ namespace brevold::replay {
  * after every call. Fill the device profile first. Call it once per process, because the library
  * keeps its state. Throws std::runtime_error if a library cannot be opened.
  */
-Recording play(const trace::Timeline& timeline);
+Recording play(const trace::Timeline& timeline, const PlayOptions& options);
 
 }  // namespace brevold::replay

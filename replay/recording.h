@@ -6,6 +6,7 @@
 
 #include "host/hint.h"
 #include "host/virtual_platform.h"
+#include "replay/play_options.h"
 
 namespace brevold::replay {
 
@@ -23,6 +24,7 @@ struct RecordedMark {
 
 /** The library's behaviour during a replay. All lists are in time order. */
 struct Recording {
+    PlayOptions options;
     /** The result of brevoldInit. */
     bool isAnyFeatureOn = false;
     std::vector<host::Hint> hints;

@@ -69,6 +69,16 @@ Label labelOf(trace::VsyncSource source) {
     return {"", ""};
 }
 
+Label labelOf(replay::BoostDepth depth) {
+    switch (depth) {
+        case replay::BoostDepth::Left:
+            return {"frames queued when a composition ends", "left"};
+        case replay::BoostDepth::Found:
+            return {"maximum since the previous composition", "found"};
+    }
+    return {"", ""};
+}
+
 Label labelOf(trace::TraceWarning::Kind kind) {
     using Kind = trace::TraceWarning::Kind;
     switch (kind) {
@@ -122,6 +132,10 @@ const char* vsyncSourceText(trace::VsyncSource source) {
     return labelOf(source).text;
 }
 
+const char* boostDepthText(replay::BoostDepth depth) {
+    return labelOf(depth).text;
+}
+
 std::string warningText(const trace::TraceWarning& warning) {
     using Kind = trace::TraceWarning::Kind;
     const std::string text = fmt::format("{}: {}", labelOf(warning.kind).text, warning.lines.lines);
@@ -147,6 +161,10 @@ const char* compositionSourceWord(trace::CompositionSource source) {
 
 const char* vsyncSourceWord(trace::VsyncSource source) {
     return labelOf(source).word;
+}
+
+const char* boostDepthWord(replay::BoostDepth depth) {
+    return labelOf(depth).word;
 }
 
 const char* warningWord(trace::TraceWarning::Kind kind) {

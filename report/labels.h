@@ -2,19 +2,25 @@
 
 #include <string>
 
+#include "replay/play_options.h"
 #include "trace/timeline.h"
 
-/** Names of the values of a timeline: texts for readers, and the words of the JSON output. */
+/**
+ * Names of the values of a timeline and of options: texts for readers, and the words of the JSON
+ * output.
+ */
 namespace brevold::report {
 
 std::string periodSourceText(trace::PeriodSource source, const std::string& counter);
 const char* compositionSourceText(trace::CompositionSource source);
 const char* vsyncSourceText(trace::VsyncSource source);
+const char* boostDepthText(replay::BoostDepth depth);
 std::string warningText(const trace::TraceWarning& warning);
 
 const char* periodSourceWord(trace::PeriodSource source);
 const char* compositionSourceWord(trace::CompositionSource source);
 const char* vsyncSourceWord(trace::VsyncSource source);
+const char* boostDepthWord(replay::BoostDepth depth);
 const char* warningWord(trace::TraceWarning::Kind kind);
 
 }  // namespace brevold::report

@@ -182,6 +182,7 @@ Summary summarise(const std::string& trace, const trace::Timeline& timeline,
     summary.periodSource = timeline.periodSource;
     summary.periodCounter = timeline.periodCounter;
     summary.compositionSource = timeline.compositionSource;
+    summary.boostDepth = recording.options.boostDepth;
     summary.vsyncSource = timeline.vsyncSource;
     if (timeline.judgedFrames) {
         summary.frameVerdicts = countVerdicts(timeline, window);

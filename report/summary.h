@@ -66,6 +66,7 @@ struct Summary {
     std::string periodCounter;
     int32_t compositions;
     trace::CompositionSource compositionSource;
+    replay::BoostDepth boostDepth;
     int32_t vsyncs;
     trace::VsyncSource vsyncSource;
     /** The platform's verdicts on frames of layers in focus, if the trace has any. */

@@ -53,6 +53,7 @@ Json objectOf(const Summary& summary) {
     if (!summary.periodCounter.empty()) object["refresh_rate_counter"] = summary.periodCounter;
     object["compositions"] = summary.compositions;
     object["composition_source"] = compositionSourceWord(summary.compositionSource);
+    object["boost_depth"] = boostDepthWord(summary.boostDepth);
     object["vsyncs"] = summary.vsyncs;
     object["vsync_source"] = vsyncSourceWord(summary.vsyncSource);
     if (summary.frameVerdicts) {

@@ -62,6 +62,8 @@ void printTrace(const Summary& summary, std::ostream& out) {
     fmt::print(out, " (from {})\n", periodSourceText(summary.periodSource, summary.periodCounter));
     fmt::print(out, "compositions  {} (from {})\n", summary.compositions,
                compositionSourceText(summary.compositionSource));
+    fmt::print(out, "boost depth   {} ({})\n", boostDepthWord(summary.boostDepth),
+               boostDepthText(summary.boostDepth));
     fmt::print(out, "vsyncs        {} ({}), boost verdicts {}\n", summary.vsyncs,
                vsyncSourceText(summary.vsyncSource), summary.boostVerdicts);
     if (summary.frameVerdicts) {

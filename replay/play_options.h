@@ -1,0 +1,18 @@
+#pragma once
+
+#include <cstdint>
+
+namespace brevold::replay {
+
+/** The number of queued frames that the compositor passes to brevoldScaling. */
+enum class BoostDepth : uint8_t {
+    Left,   // the frames that are queued at the call
+    Found,  // the maximum since the previous call; a compositor that counts before it latches
+};
+
+/** How a timeline is played. */
+struct PlayOptions {
+    BoostDepth boostDepth = BoostDepth::Left;
+};
+
+}  // namespace brevold::replay
