@@ -7,6 +7,7 @@
 #include "host/device_profile.h"
 #include "plot/plot.h"
 #include "report/labels.h"
+#include "trace/trace_member.h"
 
 namespace brevold {
 
@@ -90,7 +91,10 @@ void checkOptions(const Options& options) {
     if (options.traces.size() > 1 && !outputs.empty()) {
         throw std::runtime_error(outputs.front().option + " takes one trace");
     }
-    requireSeparateFiles(options.traces, outputs);
+    std::vector<std::string> inputs;
+    for (const std::string& path : options.traces)
+        inputs.push_back(trace::splitMemberPath(path).file);
+    requireSeparateFiles(inputs, outputs);
 }
 
 void applyProfile(const Options& options) {
