@@ -59,11 +59,14 @@ TraceResult replayTrace(const std::string& path, const Options& options) {
 
     const TimeWindow window = windowOf(timeline, options.window, trace);
 
-    const Recording recording = playIsolated(timeline, {}, options.play);
+    PlayOptions play = options.play;
+    play.hasMarks = !options.traceOut.empty();
+    const Recording recording = playIsolated(timeline, {}, play);
     TraceResult result = {summarise(trace, timeline, recording, window), {}};
     std::vector<Divergence> divergences;
     if (!options.vsSettings.empty()) {
-        const Recording other = playIsolated(timeline, options.vsSettings, options.play);
+        play.hasMarks = false;
+        const Recording other = playIsolated(timeline, options.vsSettings, play);
         result.vs = summarise(trace, timeline, other, window);
         divergences = firstDivergences(recording, other, window, kShownDivergences);
     }

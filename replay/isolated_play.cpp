@@ -10,12 +10,14 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
-#include <sstream>
 #include <stdexcept>
+#include <utility>
 
-#include "base/descriptor.h"
-#include "host/device_profile.h"
 #include "base/child_process.h"
+#include "base/descriptor.h"
+#include "base/descriptor_input.h"
+#include "base/descriptor_stream.h"
+#include "host/device_profile.h"
 #include "replay/player.h"
 
 namespace brevold::host {
@@ -42,7 +44,7 @@ namespace brevold::replay {
 
 template <typename Archive>
 void serialize(Archive& archive, PlayOptions& options) {
-    archive(options.boostDepth);
+    archive(options.boostDepth, options.hasMarks);
 }
 
 template <typename Archive>
@@ -88,13 +90,25 @@ Outcome playWithSettings(const trace::Timeline& timeline, const std::vector<std:
 // An exception must not unwind into the parent's code.
 [[noreturn]] void runChild(const trace::Timeline& timeline,
                            const std::vector<std::string>& settings, const PlayOptions& options,
-                           pid_t parent, int fd) noexcept {
+                           pid_t parent, Descriptor output) noexcept {
     prctl(PR_SET_PDEATHSIG, SIGKILL);
     // The parent may have ended before prctl took effect.
     if (getppid() != parent) _exit(1);
-    std::ostringstream bytes;
-    cereal::BinaryOutputArchive{bytes}(playWithSettings(timeline, settings, options));
-    _exit(writeAll(fd, bytes.str()) ? 0 : 1);
+    DescriptorStream stream(std::move(output));
+    cereal::BinaryOutputArchive{stream}(playWithSettings(timeline, settings, options));
+    stream.flush();
+    _exit(stream ? 0 : 1);
+}
+
+/** Returns false if the child did not send all of its outcome. */
+bool readOutcome(Descriptor input, Outcome& outcome) {
+    DescriptorInput stream(std::move(input));
+    try {
+        cereal::BinaryInputArchive{stream}(outcome);
+    } catch (const cereal::Exception&) {
+        return false;
+    }
+    return true;
 }
 
 }  // namespace
@@ -108,16 +122,12 @@ Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::s
     const pid_t parent = getpid();
     const pid_t child = fork();
     if (child < 0) throw std::runtime_error("no process for the replay: " + errnoText(errno));
-    if (child == 0) runChild(timeline, settings, options, parent, output.get());
+    if (child == 0) runChild(timeline, settings, options, parent, std::move(output));
     output.reset();
 
-    std::string bytes;
-    const int readError = readAll(input.get(), &bytes) ? 0 : errno;
-    input.reset();
+    Outcome outcome;
+    const bool isComplete = readOutcome(std::move(input), outcome);
     const int status = waitForChild(child);
-    if (readError != 0) {
-        throw std::runtime_error("the replay cannot be read: " + errnoText(readError));
-    }
     if (WIFSIGNALED(status)) {
         throw std::runtime_error(std::string("the library ended the replay: ") +
                                  strsignal(WTERMSIG(status)));
@@ -126,9 +136,7 @@ Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::s
         throw std::runtime_error("the library ended the replay: exit status " +
                                  std::to_string(WEXITSTATUS(status)));
     }
-    Outcome outcome;
-    std::istringstream stream(bytes);
-    cereal::BinaryInputArchive{stream}(outcome);
+    if (!isComplete) throw std::runtime_error("the replay cannot be read");
     if (!outcome.error.empty()) throw std::runtime_error(outcome.error);
     return std::move(outcome.recording);
 }
