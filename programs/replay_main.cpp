@@ -13,6 +13,7 @@
 #include "report/marked_trace.h"
 #include "report/summary.h"
 #include "report/summary_json.h"
+#include "report/summary_rows.h"
 #include "report/summary_text.h"
 #include "trace/read_timeline.h"
 
@@ -24,9 +25,10 @@ using namespace brevold::replay;
 
 constexpr size_t kShownDivergences = 5;
 
-void writeHints(const std::string& path, const Recording& recording, const TimeWindow& window) {
+void writeHints(const std::string& path, const trace::Timeline& timeline,
+                const Recording& recording, const TimeWindow& window) {
     OutputFile file(path);
-    writeHintsCsv(recording.hints, window, file.stream());
+    writeHintsCsv(timeline, recording, window, file.stream());
     file.commit();
 }
 
@@ -67,11 +69,11 @@ TraceResult replayTrace(const std::string& path, const Options& options) {
         result.vs = summarise(trace, timeline, other, window);
         divergences = firstDivergences(recording, other, window, kShownDivergences);
     }
-    if (!options.hints.empty()) writeHints(options.hints, recording, window);
+    if (!options.hints.empty()) writeHints(options.hints, timeline, recording, window);
     if (!options.traceOut.empty()) writeTrace(options.traceOut, input, timeline, form, recording);
     if (!options.plot.empty()) writePlot(options.plot, trace, timeline, recording, window);
     if (!options.json && options.traces.size() == 1) {
-        print(result.summary, std::cout);
+        print(result.summary, std::cout, options.legend);
         if (result.vs) {
             printComparison(result.summary, *result.vs, divergences, timeline.startNs, std::cout);
         }

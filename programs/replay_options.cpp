@@ -71,6 +71,9 @@ void addOptions(CLI::App& app, Options& options) {
             ->type_name("FILE");
     app.add_option("--plot", options.plot, "draw the replay (needs gnuplot)")
             ->type_name("FILE.svg|.png");
+    app.add_flag_callback(
+            "--explain", [&options] { options.legend = report::Legend::Shown; },
+            "explain the terms below each block of the summary");
     app.add_flag("--json", options.json, "print the summary as one JSON object");
     for (const char* output :
          {"--vs", "--from", "--to", "--hints", "--trace-out", "--plot", "--json"})

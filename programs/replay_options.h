@@ -6,6 +6,7 @@
 
 #include "replay/play_options.h"
 #include "replay/time_window.h"
+#include "report/summary_text.h"
 #include "trace/read_timeline.h"
 
 namespace brevold {
@@ -20,6 +21,7 @@ struct Options {
     std::string traceOut;
     std::string plot;
     bool json = false;
+    report::Legend legend = report::Legend::Hidden;
     bool layers = false;
     replay::PlayOptions play;
     replay::WindowOptions window;

@@ -1,16 +1,14 @@
 #pragma once
 
 #include <ostream>
-#include <vector>
 
 #include "report/summary.h"
 
 namespace brevold::report {
 
-/** Prints the summary of one trace. */
-void print(const Summary& summary, std::ostream& out);
+enum class Legend : uint8_t { Hidden, Shown };
 
-/** Prints a table of several traces, one row per replay. */
-void printRows(const std::vector<TraceResult>& results, std::ostream& out);
+/** Prints a summary as text. A legend explains the terms of each block below it. */
+void print(const Summary& summary, std::ostream& out, Legend legend = Legend::Hidden);
 
 }  // namespace brevold::report
