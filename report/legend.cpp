@@ -38,6 +38,10 @@ const char* legendOf(Block block) {
         case Block::Log:
             return R"(  | With debug output, the library logs one line at error priority for each measuring window.
 )";
+        case Block::Rows:
+            return R"(  | down/%: the share of the time during which a DOWN request holds, and scale: its mean meanwhile.
+  | verdicts: the vsyncs at which the library found that a slow application should be boosted.
+)";
     }
     return "";
 }

@@ -4,7 +4,10 @@
 
 namespace brevold::report {
 
-enum class Block : uint8_t { Trace, Requests, Frames, Modes, Log };
+/** If shown, a legend explains the terms of each block below it. */
+enum class Legend : uint8_t { Hidden, Shown };
+
+enum class Block : uint8_t { Trace, Requests, Frames, Modes, Log, Rows };
 
 /** Returns the lines that explain a block of the summary. */
 const char* legendOf(Block block);

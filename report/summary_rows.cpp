@@ -33,7 +33,7 @@ void printRow(const Summary& summary, const char* suffix, size_t layerWidth, std
 
 }  // namespace
 
-void printRows(const std::vector<TraceResult>& results, std::ostream& out) {
+void printRows(const std::vector<TraceResult>& results, std::ostream& out, Legend legend) {
     constexpr std::string_view kLayerTitle = "layer";
     size_t layerWidth = kLayerTitle.size();
     for (const TraceResult& result : results)
@@ -47,6 +47,7 @@ void printRows(const std::vector<TraceResult>& results, std::ostream& out) {
         printRow(result.summary, "", layerWidth, out);
         if (result.vs) printRow(*result.vs, " (--vs)", layerWidth, out);
     }
+    if (legend == Legend::Shown) out << legendOf(Block::Rows) << legendOf(Block::Requests);
     for (const TraceResult& result : results) {
         for (const trace::TraceWarning& warning : result.summary.warnings)
             fmt::print(out, "warning: {}: {}\n", result.summary.trace, warningText(warning));

@@ -168,7 +168,8 @@ TEST(SummaryTextTest, CountsManyRefreshRates) {
                                    0, (i % 2 == 0 ? 20 : 10) * kMs});
     }
     std::ostringstream text;
-    print(summarise("trace", timeline, {}, {timeline.startNs, timeline.endNs}), text);
+    print(summarise("trace", timeline, {}, {timeline.startNs, timeline.endNs}), text,
+          Legend::Hidden);
     EXPECT_NE(text.str().find("refresh rate  4 changes, 50 Hz for 0.58 s, 100 Hz for 0.02 s ("),
               std::string::npos)
             << text.str();
