@@ -25,9 +25,10 @@ using trace::TraceInput;
 
 constexpr size_t kShownDivergences = 5;
 
-void writeHints(const std::string& path, const Recording& recording, const TimeWindow& window) {
+void writeHints(const std::string& path, const trace::Timeline& timeline,
+                const Recording& recording, const TimeWindow& window) {
     OutputFile file(path);
-    report::writeHintsCsv(recording.hints, window, file.stream());
+    report::writeHintsCsv(timeline, recording, window, file.stream());
     file.commit();
 }
 
@@ -67,13 +68,13 @@ std::string replayInput(TraceInput& input, const OutputFiles& files, const Repla
         result.vs = report::summarise(trace, timeline, other, window);
         divergences = firstDivergences(recording, other, window, kShownDivergences);
     }
-    if (!files.hints.empty()) writeHints(files.hints, recording, window);
+    if (!files.hints.empty()) writeHints(files.hints, timeline, recording, window);
     if (!files.traceOut.empty()) writeTrace(files.traceOut, input, timeline, form, recording);
     if (!files.plot.empty()) writePlot(files.plot, trace, timeline, recording, window);
     if (combinesResults(options)) return report::toBytes(result);
 
     std::ostringstream text;
-    report::print(result.summary, text);
+    report::print(result.summary, text, options.legend);
     if (result.vs) {
         report::printComparison(result.summary, *result.vs, divergences, timeline.startNs, text);
     }
