@@ -10,7 +10,7 @@ namespace brevold::plot {
  */
 std::string runGnuplot(const std::string& script);
 
-/** Quotes a text for a script. All but printable ASCII characters become question marks. */
+/** Quotes a text for a script; see printable(). The script must set the encoding to utf8. */
 std::string gnuplotString(const std::string& text);
 
 }  // namespace brevold::plot

@@ -1,4 +1,5 @@
 #include <iostream>
+#include <optional>
 
 #include "base/error.h"
 #include "base/output_file.h"
@@ -39,10 +40,9 @@ void writeTrace(const std::string& path, trace::TraceInput& input, const trace::
     file.commit();
 }
 
-void writePlot(const std::string& path, const std::string& trace, const trace::Timeline& timeline,
-               const Recording& recording, const TimeWindow& window) {
+void writePlot(const std::string& path, const plot::Plot& plot) {
     OutputFile file(path);
-    plot::drawPlot(trace, timeline, recording, window, plot::plotTerminal(path), file.stream());
+    plot::drawPlot(plot, plot::plotTerminal(path), file.stream());
     file.commit();
 }
 
@@ -61,15 +61,19 @@ TraceResult replayTrace(const std::string& path, const Options& options) {
 
     const Recording recording = playIsolated(timeline, {}, options.play);
     TraceResult result = {summarise(trace, timeline, recording, window), {}};
+    std::optional<Recording> other;
     std::vector<Divergence> divergences;
     if (!options.vsSettings.empty()) {
-        const Recording other = playIsolated(timeline, options.vsSettings, options.play);
-        result.vs = summarise(trace, timeline, other, window);
-        divergences = firstDivergences(recording, other, window, kShownDivergences);
+        other = playIsolated(timeline, options.vsSettings, options.play);
+        result.vs = summarise(trace, timeline, *other, window);
+        divergences = firstDivergences(recording, *other, window, kShownDivergences);
     }
     if (!options.hints.empty()) writeHints(options.hints, recording, window);
     if (!options.traceOut.empty()) writeTrace(options.traceOut, input, timeline, form, recording);
-    if (!options.plot.empty()) writePlot(options.plot, trace, timeline, recording, window);
+    if (!options.plot.empty()) {
+        writePlot(options.plot, {trace, timeline, recording, window, other ? &*other : nullptr,
+                                 options.vsSettings});
+    }
     if (!options.json && options.traces.size() == 1) {
         print(result.summary, std::cout);
         if (result.vs) {

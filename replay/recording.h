@@ -15,6 +15,11 @@ struct ModeChange {
     int32_t mode;
 };
 
+/** The reason why Recording::modes is empty. */
+constexpr char kNoModesText[] =
+        "not reported: needs jank boost or energy scaling allowed, and "
+        "vendor.perf.brevold.debug=1";
+
 /** A mark of the library. */
 struct RecordedMark {
     host::TraceMark mark;

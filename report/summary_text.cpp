@@ -79,8 +79,7 @@ void printTrace(const Summary& summary, std::ostream& out) {
 void printModes(const Summary& summary, std::ostream& out) {
     out << "\nframe-rate mode                 time   share\n";
     if (!summary.hasModes) {
-        out << "  not reported: needs jank boost or energy scaling allowed, and\n"
-               "  vendor.perf.brevold.debug=1\n";
+        fmt::print(out, "  {}\n", replay::kNoModesText);
         return;
     }
     for (size_t mode = 0; mode < summary.modeNs.size(); ++mode) {
