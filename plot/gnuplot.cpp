@@ -22,9 +22,10 @@ std::string trimLines(std::string text) {
 
 std::string runGnuplot(const std::string& script) {
     const bool isSvg = script.find("set terminal svg") != std::string::npos;
+    const std::string input =
+            "set encoding utf8\n" + (isSvg ? script : replaceUnknownGlyphs(script));
     // The script is given as a file, because gnuplot continues after an error in typed input.
-    ProgramResult gnuplot = runProgram({"gnuplot", "--default-settings", "/dev/stdin"},
-                                       isSvg ? script : replaceUnknownGlyphs(script));
+    ProgramResult gnuplot = runProgram({"gnuplot", "--default-settings", "/dev/stdin"}, input);
     if (!gnuplot.isFound) {
         throw std::runtime_error(
                 "--plot needs gnuplot, which is not installed: "

@@ -97,7 +97,7 @@ PlotPanel modePanel(const PlotData& data) {
     PlotPanel panel = lanePanel("frame-rate mode that the library measures, once a second", 17,
                                 lanes, CurveMaker(data.fromS, data.toS));
     panel.curves.push_back(boxes({}, filled(kBlue), "mode"));
-    panel.curves.push_back(boxes({}, filled(kShade), "shaded: mode 5, no requests"));
+    panel.curves.push_back(boxes({}, filled(kShade), "shaded: no DOWN, UP, boost"));
     if (data.replays.size() > 1) {
         panel.curves.push_back(boxes({}, filled(kBlack), "mode with --vs"));
     }

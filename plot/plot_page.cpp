@@ -33,8 +33,8 @@ class ScriptWriter {
         mPageHeightPx = mTopPx + kTimeAxisPx - kPanelGapPx;
         for (const PlotPanel& panel : mPage.panels)
             mPageHeightPx += panel.heightPx + kPanelGapPx;
-        add("set encoding utf8\nset terminal {} size {},{} background 'white' noenhanced\n",
-            mTerminal, kPageWidthPx, mPageHeightPx);
+        add("set terminal {} size {},{} background 'white' noenhanced\n", mTerminal, kPageWidthPx,
+            mPageHeightPx);
         add("set multiplot\nset tics nomirror font ',10'\nset grid back lc rgb '{}' lt 1\n"
             "set border 3\nset format x ''\n",
             kGridGrey);

@@ -125,7 +125,7 @@ END
 $data9 << END
 2.47 2.6 4.1 4.3
 END
-plot NaN notitle, $data8 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#0072B2' lc rgb '#0072B2' lw 1 notitle, $data9 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#000000' lc rgb '#000000' lw 1 notitle, keyentry with boxxyerror fs solid noborder fc rgb '#0072B2' title 'mode', keyentry with boxxyerror fs solid noborder fc rgb '#E6E6E6' title 'shaded: mode 5, no requests', keyentry with boxxyerror fs solid noborder fc rgb '#000000' title 'mode with --vs'
+plot NaN notitle, $data8 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#0072B2' lc rgb '#0072B2' lw 1 notitle, $data9 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#000000' lc rgb '#000000' lw 1 notitle, keyentry with boxxyerror fs solid noborder fc rgb '#0072B2' title 'mode', keyentry with boxxyerror fs solid noborder fc rgb '#E6E6E6' title 'shaded: no DOWN, UP, boost', keyentry with boxxyerror fs solid noborder fc rgb '#000000' title 'mode with --vs'
 unset label
 set logscale y
 set yrange [0.0625:16]

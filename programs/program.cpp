@@ -1,0 +1,62 @@
+#include "programs/program.h"
+
+#include <cstring>
+#include <exception>
+#include <iostream>
+
+#include "base/file_identity.h"
+#include "base/output_file.h"
+
+namespace brevold {
+
+namespace {
+
+constexpr int kSuccess = 0;
+constexpr int kFailure = 1;
+constexpr int kWrongUse = 2;
+
+/** The parser takes the next argument as the value of "--option=". */
+void requireValues(int argc, char** argv) {
+    for (int i = 1; i < argc && strcmp(argv[i], "--") != 0; ++i) {
+        const std::string argument = argv[i];
+        if (argument.rfind("--", 0) == 0 && argument.find('=') == argument.size() - 1) {
+            const std::string name = argument.substr(0, argument.size() - 1);
+            throw CLI::ArgumentMismatch(name + ": expected a value after the =");
+        }
+    }
+}
+
+}  // namespace
+
+void printError(const CLI::App& app, const std::string& message) {
+    std::cerr << app.get_name() << ": " << message << '\n';
+}
+
+int runProgram(CLI::App& app, int argc, char** argv, const std::function<void()>& check,
+               const std::function<bool(std::ostream& out)>& run) {
+    int failure = kFailure;
+    try {
+        OutputFile out(kStandardStream);
+        failure = kWrongUse;
+        bool isComplete = true;
+        try {
+            requireValues(argc, argv);
+            app.parse(argc, argv);
+            check();
+            failure = kFailure;
+            isComplete = run(out.stream());
+        } catch (const CLI::Success& request) {
+            failure = kFailure;
+            app.exit(request, out.stream());  // prints the help or the version
+        }
+        out.commit();
+        return isComplete ? kSuccess : kFailure;
+    } catch (const CLI::ParseError& error) {
+        printError(app, error.what() + std::string("\nRun with --help for more information."));
+    } catch (const std::exception& error) {
+        printError(app, error.what());
+    }
+    return failure;
+}
+
+}  // namespace brevold
