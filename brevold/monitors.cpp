@@ -14,7 +14,6 @@ namespace android {
 
 namespace {
 
-constexpr int64_t kPeriodMarginNs = 1000000;
 constexpr int64_t kWindowNs = 1000000000;
 constexpr int64_t kVerdictSpanNs = 17999999;
 
@@ -94,10 +93,11 @@ void resetWindow() {
 
 void reportWindow() {
     if (!gDebug) return;
-    traceMarker("[FM]gMode:%d \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d" BREVOLD_GAP45 "\tIdle:\t%d",
+    traceMarker(BREVOLD_WINDOW_TAG " \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d" BREVOLD_GAP45
+                                   "\tIdle:\t%d",
                 modeWithoutLock(), static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
-    BREVOLD_LOGE("[FM]gMode:%d \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d \tIdle:\t%d", modeWithoutLock(),
-                 static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
+    BREVOLD_LOGE(BREVOLD_WINDOW_TAG " \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d \tIdle:\t%d",
+                 modeWithoutLock(), static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
 }
 
 // Keep the order of the conditions: the last one aborts if the stamps are extreme.
