@@ -108,7 +108,7 @@ TEST(FrameOutcomeTest, AgreesWithTheHintsOnTheExamples) {
     }
 }
 
-/** Two layers at 20 ms; the second gets the focus at 400 ms, after a pause of the first. */
+/** Two layers; the second gets the focus at 400 ms, after a pause of the first. */
 trace::Timeline twoLayers() {
     using Kind = trace::TimelineEvent::Kind;
     trace::Timeline timeline;
@@ -125,7 +125,7 @@ trace::Timeline twoLayers() {
     timeline.events.push_back({1400 * kMs, Kind::Focus, 1, 0, 0, 0});
     frame(1410, 1);
     frame(1420, 0);
-    frame(1430, 1);
+    frame(1450, 1);
     return timeline;
 }
 
@@ -133,11 +133,11 @@ TEST(FrameFiguresTest, AreThoseOfTheLayerInFocus) {
     const trace::Timeline timeline = twoLayers();
     const FrameFigures all = frameFigures(timeline, {timeline.startNs, timeline.endNs});
     EXPECT_EQ(all.intervals, 5);
-    EXPECT_NEAR(all.meanRateHz, 5 / 0.269, 1e-9);
-    EXPECT_EQ(all.medianNs, 20 * kMs);
+    EXPECT_NEAR(all.meanRateHz, 5 / 0.289, 1e-9);
+    EXPECT_EQ(all.medianNs, 40 * kMs);
     EXPECT_EQ(all.p95Ns, 149 * kMs);
     EXPECT_EQ(all.missedRefreshes, 2 + 6);
-    EXPECT_EQ(all.idleNs, (151 + 170) * kMs);
+    EXPECT_EQ(all.idleNs, (151 + 150) * kMs);
     const FrameFigures part = frameFigures(timeline, {1040 * kMs, 1300 * kMs});
     EXPECT_EQ(part.intervals, 3);
     EXPECT_EQ(part.missedRefreshes, 8);
