@@ -184,8 +184,7 @@ class Printer {
     void printModes() {
         mOut << "\nframe-rate mode                 time   share\n";
         if (!mSummary.hasModes) {
-            mOut << "  not reported: needs jank boost or energy scaling allowed, and\n"
-                    "  vendor.perf.brevold.debug=1\n";
+            fmt::print(mOut, "  {}\n", replay::kNoModesText);
         }
         for (size_t mode = 0; mode < mSummary.modeNs.size(); ++mode) {
             const int64_t ns = mSummary.modeNs[mode];

@@ -38,6 +38,7 @@ TEST(MissedRefreshesTest, CountsAgainstTheMedianOfTheIntervalsBefore) {
             {"the longest interval that is not idle", 149, 16, 7},
             {"the period halves", 32, 8, 0},
             {"late by one short period", 40, 8, 1},
+            {"a period longer than the pace", 70, 70, 0},
     };
     replay::MissedRefreshes missed;
     int64_t timeNs = 0;
