@@ -13,7 +13,6 @@ namespace {
 constexpr size_t kCompositor = 0;
 // The largest thread id that a kernel assigns.
 constexpr int32_t kMaxThreadId = 1 << 22;
-constexpr const char* kReplayedSuffix = " (replayed)";
 
 /** The names of a channel's tracks. */
 struct ChannelNames {
@@ -86,7 +85,7 @@ class MarkBuilder {
     }
 
     std::string trackName(const std::string& name) const {
-        return mIsMarked ? name + kReplayedSuffix : name;
+        return mIsMarked ? name + std::string(trace::kReplayedSuffix) : name;
     }
 
     size_t addThread(const std::string& name) {
