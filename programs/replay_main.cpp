@@ -4,6 +4,7 @@
 #include "base/output_file.h"
 #include "plot/plot.h"
 #include "programs/replay_options.h"
+#include "programs/replay_verify.h"
 #include "replay/divergence.h"
 #include "replay/isolated_play.h"
 #include "report/comparison_text.h"
@@ -23,6 +24,8 @@ using namespace brevold::report;
 using namespace brevold::replay;
 
 constexpr size_t kShownDivergences = 5;
+
+enum ExitStatus { kSuccess = 0, kFailure = 1, kVerdictNotGood = 3 };
 
 void writeHints(const std::string& path, const Recording& recording, const TimeWindow& window) {
     OutputFile file(path);
@@ -88,10 +91,20 @@ void printError(const std::exception& error) {
     std::cerr << "brevold-replay: " << error.what() << '\n';
 }
 
-/** Returns false if a trace cannot be replayed; the others are replayed nevertheless. */
-bool run(const Options& options) {
+void requireWritten() {
+    std::cout.flush();
+    if (!std::cout) throw OutputError("the summary cannot be written to standard output");
+}
+
+/** If a trace cannot be replayed, the others are replayed nevertheless. */
+ExitStatus run(const Options& options) {
     checkOptions(options);
     applyProfile(options);
+    if (options.verify) {
+        const bool isGood = verifyTrace(options);
+        requireWritten();
+        return isGood ? kSuccess : kVerdictNotGood;
+    }
     std::vector<TraceResult> results;
     size_t listed = 0;
     for (const std::string& trace : options.traces) {
@@ -111,9 +124,8 @@ bool run(const Options& options) {
     } else if (options.traces.size() > 1 && !results.empty()) {
         printRows(results, std::cout);
     }
-    std::cout.flush();
-    if (!std::cout) throw OutputError("the summary cannot be written to standard output");
-    return listed + results.size() == options.traces.size();
+    requireWritten();
+    return listed + results.size() == options.traces.size() ? kSuccess : kFailure;
 }
 
 }  // namespace
@@ -127,7 +139,7 @@ int main(int argc, char** argv) {
     addOptions(app, options);
     CLI11_PARSE(app, argc, argv);
     try {
-        return run(options) ? 0 : 1;
+        return run(options);
     } catch (const std::exception& error) {
         printError(error);
         return 1;

@@ -75,6 +75,19 @@ void addOptions(CLI::App& app, Options& options) {
     for (const char* output :
          {"--vs", "--from", "--to", "--hints", "--trace-out", "--plot", "--json"})
         layers->excludes(app.get_option(output));
+    const auto verify =
+            app.add_flag("--verify", options.verify,
+                         "compare the decisions that the library made on the device, which its "
+                         "marks in the trace show, with those of the replay");
+    for (const char* other : {"--layers", "--vs", "--from", "--to", "--hints"})
+        verify->excludes(app.get_option(other));
+    app.add_option("--tolerance", options.tolerancePercent,
+                   "for --verify: share of the decisions after the first two measuring windows "
+                   "that may differ")
+            ->type_name("PERCENT")
+            ->check(CLI::Range(0.0, 100.0))
+            ->capture_default_str()
+            ->needs(verify);
     app.set_version_flag("--version", BREVOLD_VERSION);
 }
 
@@ -86,6 +99,9 @@ void checkOptions(const Options& options) {
          {NamedFile{"--hints", options.hints}, NamedFile{"--trace-out", options.traceOut},
           NamedFile{"--plot", options.plot}}) {
         if (!output.path.empty()) outputs.push_back(output);
+    }
+    if (options.traces.size() > 1 && options.verify) {
+        throw std::runtime_error("--verify takes one trace");
     }
     if (options.traces.size() > 1 && !outputs.empty()) {
         throw std::runtime_error(outputs.front().option + " takes one trace");

@@ -21,6 +21,8 @@ struct Options {
     std::string plot;
     bool json = false;
     bool layers = false;
+    bool verify = false;
+    double tolerancePercent = 1.0;
     replay::PlayOptions play;
     replay::WindowOptions window;
     trace::TimelineOptions timeline;

@@ -1,0 +1,20 @@
+#pragma once
+
+#include "trace/timeline.h"
+#include "verify/cause.h"
+#include "verify/differences.h"
+#include "verify/verification.h"
+
+/** The names of the values of a verification: for readers, and in the JSON output. */
+namespace brevold::verify {
+
+const char* textOf(Cause cause);
+const char* textOf(LatencyKind kind);
+
+const char* wordOf(Cause cause);
+/** Also for readers. */
+const char* wordOf(Subject subject);
+const char* wordOf(LatencyKind kind);
+const char* wordOf(Verdict verdict);
+
+}  // namespace brevold::verify
