@@ -21,9 +21,8 @@ int Descriptor::release() {
     return fd;
 }
 
-void Descriptor::reset() {
-    if (mFd >= 0) close(mFd);
-    mFd = -1;
+bool Descriptor::close() {
+    return mFd < 0 || ::close(release()) == 0;
 }
 
 bool writeAll(int fd, std::string_view bytes) {

@@ -20,7 +20,9 @@ class Descriptor {
     /** Gives up ownership: the caller closes the returned descriptor. */
     int release();
     /** Closes the descriptor now. */
-    void reset();
+    void reset() { close(); }
+    /** Does the same. Returns false, with errno set, if an earlier write has failed. */
+    bool close();
 
   private:
     int mFd;

@@ -17,6 +17,11 @@ DescriptorStream::DescriptorStream(Descriptor file)
     setp(mBuffer.data(), mBuffer.data() + mBuffer.size());
 }
 
+bool DescriptorStream::close() {
+    flush();
+    return good() && mFile.close();
+}
+
 std::streambuf::int_type DescriptorStream::overflow(std::streambuf::int_type c) {
     using Traits = std::streambuf::traits_type;
     if (sync() != 0) return Traits::eof();

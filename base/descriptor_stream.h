@@ -13,7 +13,8 @@ class DescriptorStream : private std::streambuf, public std::ostream {
   public:
     explicit DescriptorStream(Descriptor file);
 
-    const Descriptor& file() const { return mFile; }
+    /** Writes what is buffered and closes the file. Returns false, with errno set, on an error. */
+    bool close();
 
   private:
     std::streambuf::int_type overflow(std::streambuf::int_type c) override;

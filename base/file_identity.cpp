@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <filesystem>
+#include <map>
 
 #include "base/descriptor.h"
 #include "base/error.h"
@@ -25,6 +26,22 @@ std::string canonicalName(const std::string& path) {
     const fs::path folder =
             fs::canonical(target.has_parent_path() ? target.parent_path() : ".", error);
     return error ? std::string() : (folder / target.filename()).string();
+}
+
+/** Returns a key of an existing file, or an empty text for devices, which keep no data, and if no
+ * file exists. */
+std::string keyOfFile(const std::string& path) {
+    struct stat status;
+    if (stat(path.c_str(), &status) != 0) return "";
+    if (S_ISCHR(status.st_mode) || S_ISSOCK(status.st_mode)) return "";
+    return "file " + std::to_string(status.st_dev) + " " + std::to_string(status.st_ino);
+}
+
+std::string keyOfOutput(const std::string& path) {
+    const int own = ownDescriptor(path);
+    const std::string key = keyOfFile(own < 0 ? path : "/dev/fd/" + std::to_string(own));
+    if (!key.empty()) return key;
+    return own < 0 ? canonicalName(path) : "descriptor " + std::to_string(own);
 }
 
 }  // namespace
@@ -58,38 +75,19 @@ int ownDescriptor(const std::string& path) {
     return -1;
 }
 
-bool isSameFile(const std::string& first, const std::string& second) {
-    struct stat a;
-    struct stat b;
-    const bool hasFirst = stat(first.c_str(), &a) == 0;
-    const bool hasSecond = stat(second.c_str(), &b) == 0;
-    if (hasFirst && hasSecond) return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
-    if (hasFirst || hasSecond) return false;
-    const std::string name = canonicalName(first);
-    return !name.empty() && name == canonicalName(second);
-}
-
 void requireSeparateFiles(const std::vector<std::string>& inputs,
                           const std::vector<NamedFile>& outputs) {
+    std::map<std::string, std::string> uses;
+    for (const std::string& input : inputs) {
+        const std::string key = keyOfFile(input == kStandardStream ? "/dev/stdin" : input);
+        if (!key.empty()) uses[key] = "is also an input";
+    }
     for (const NamedFile& output : outputs) {
         if (output.path.empty()) throw OutputError(output.option + ": expected the name of a file");
-    }
-    for (size_t i = 0; i < outputs.size(); ++i) {
-        const NamedFile& output = outputs[i];
-        for (const std::string& input : inputs) {
-            // Standard input and standard output are two streams with one name.
-            if (input == kStandardStream || output.path == kStandardStream) continue;
-            if (isSameFile(input, output.path)) {
-                throw OutputError(output.option + " " + output.path + ": is also an input");
-            }
-        }
-        for (size_t other = 0; other < i; ++other) {
-            if (output.path == outputs[other].path ||
-                isSameFile(output.path, outputs[other].path)) {
-                throw OutputError(output.option + " " + output.path + ": is also the file of " +
-                                  outputs[other].option);
-            }
-        }
+        const std::string key = keyOfOutput(output.path);
+        if (key.empty()) continue;
+        const auto [use, isFirst] = uses.emplace(key, "is also the output of " + output.option);
+        if (!isFirst) throw OutputError(output.option + " " + output.path + ": " + use->second);
     }
 }
 

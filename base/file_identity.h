@@ -21,17 +21,14 @@ struct NamedFile {
 std::string linkTarget(const std::string& path);
 
 /**
- * Returns the descriptor of this process that a name leads to: 1 for "-" and "/dev/stdout", 3 for
- * "/dev/fd/3", -1 for any other name.
+ * Returns the descriptor of this process that the name of an output leads to: 1 for "-" and
+ * "/dev/stdout", 3 for "/dev/fd/3", -1 for any other name.
  */
 int ownDescriptor(const std::string& path);
 
-/** Returns true if both names lead to one file, existing or not. */
-bool isSameFile(const std::string& first, const std::string& second);
-
 /**
  * Throws OutputError if the name of an output is empty, or leads to the same file as an input or
- * another output.
+ * another output. The file of an output does not need to exist.
  */
 void requireSeparateFiles(const std::vector<std::string>& inputs,
                           const std::vector<NamedFile>& outputs);

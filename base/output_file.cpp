@@ -38,8 +38,7 @@ OutputFile::OutputFile(std::string path) : mPath(std::move(path)) {
 
 void OutputFile::commit() {
     errno = 0;
-    mStream->flush();
-    if (!*mStream) fail("cannot be written");
+    if (!mStream->close()) fail("cannot be written");
     if (mPartial != nullptr && !mPartial->rename(mTarget)) fail("cannot be written");
 }
 

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <limits>
+#include <utility>
 
 namespace brevold {
 namespace {
@@ -14,17 +15,21 @@ constexpr std::chrono::milliseconds kDrawInterval(100);
 constexpr int64_t kWidth = 40;
 constexpr int64_t kMaxChecks = 1000;
 
+bool gExists = false;
+
 }  // namespace
 
 Progress::Progress(std::string word, int64_t total)
-      : mWord(std::move(word)),
+      : mIsFirst(!std::exchange(gExists, true)),
+        mWord(std::move(word)),
         mTotal(std::max<int64_t>(total, 1)),
         mStep(std::max<int64_t>(mTotal / kMaxChecks, 1)),
         mNextDraw(Clock::now() + kDelay) {
-    if (isatty(STDERR_FILENO) == 0) mNextCheck = std::numeric_limits<int64_t>::max();
+    if (!mIsFirst || isatty(STDERR_FILENO) == 0) mNextCheck = std::numeric_limits<int64_t>::max();
 }
 
 Progress::~Progress() {
+    if (mIsFirst) gExists = false;
     if (mIsDrawn) fputs("\r\033[K", stderr);
 }
 

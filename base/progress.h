@@ -8,7 +8,8 @@ namespace brevold {
 
 /**
  * A progress bar on standard error, if that is a terminal. It appears when the work has taken a
- * second, and disappears in the destructor.
+ * second, and disappears in the destructor. While one exists, further ones show nothing, also in
+ * forked processes. One thread.
  */
 class Progress {
   public:
@@ -26,6 +27,7 @@ class Progress {
 
     void draw(int64_t done);
 
+    const bool mIsFirst;
     const std::string mWord;
     const int64_t mTotal;
     const int64_t mStep;

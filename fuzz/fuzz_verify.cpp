@@ -73,8 +73,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         return 0;
     }
     const verify::Verification result =
-            verify::verify(device, {}, 1.0,
-                           [&](const replay::PlayOptions&, bool) { return play(device.timeline); });
+            verify::verify(device, replay::BoostDepth::Left, 1.0,
+                           [&](const replay::PlayOptions&) { return play(device.timeline); });
     const verify::Tally& decisions = result.differences.of(verify::Subject::Decision);
     require(decisions.count >= static_cast<int64_t>(result.marks.decisions.size()) ||
                     result.verdict == verify::Verdict::NoMarks,

@@ -81,7 +81,7 @@ std::string validKeys() {
     return keys + "feature.4, feature.5, app-type.PACKAGE";
 }
 
-void setProperty(std::string_view key, std::string_view value) {
+void setProperty(std::string_view key, std::string_view value, DeviceProfile& profile) {
     if (!isKnownProperty(key)) {
         throw ProfileError("unknown key \"" + std::string(key) + "\"; valid are " + validKeys());
     }
@@ -89,7 +89,7 @@ void setProperty(std::string_view key, std::string_view value) {
         throw ProfileError("expected a value of at most " + std::to_string(PROPERTY_VALUE_MAX - 1) +
                            " bytes");
     }
-    gProfile.properties[std::string(key)] = value;
+    profile.properties[std::string(key)] = value;
 }
 
 struct Entry {
@@ -115,17 +115,17 @@ Entry parseEntry(std::string_view text) {
     return {trim(text.substr(0, equals)), trim(text.substr(equals + 1)), false};
 }
 
-void apply(const Entry& entry) {
+void apply(const Entry& entry, DeviceProfile& profile) {
     if (startsWith(entry.key, kFeaturePrefix)) {
         int32_t feature;
         const bool allowed =
                 parseFeature(entry.key.substr(kFeaturePrefix.size()), entry.value, &feature);
-        gProfile.features[feature] = allowed;
+        profile.features[feature] = allowed;
     } else if (startsWith(entry.key, kAppTypePrefix) && entry.key.size() > kAppTypePrefix.size()) {
         const int32_t type = parseInt(entry.value, "an application type");
-        gProfile.applicationTypes[std::string(entry.key.substr(kAppTypePrefix.size()))] = type;
+        profile.applicationTypes[std::string(entry.key.substr(kAppTypePrefix.size()))] = type;
     } else {
-        setProperty(entry.key, entry.value);
+        setProperty(entry.key, entry.value, profile);
     }
 }
 
@@ -139,13 +139,18 @@ void applyLine(std::string_view line, int number, std::map<std::string, int>* li
         throw ProfileError("the key \"" + first->first + "\" is already set in line " +
                            std::to_string(first->second));
     }
-    apply(entry);
+    apply(entry, gProfile);
 }
 
 }  // namespace
 
 void setProfileEntry(const std::string& text) {
-    apply(parseEntry(text));
+    apply(parseEntry(text), gProfile);
+}
+
+void checkProfileEntry(const std::string& text) {
+    DeviceProfile unused;
+    apply(parseEntry(text), unused);
 }
 
 void turnEverythingOn() {

@@ -30,6 +30,9 @@ void loadProfile(const std::string& path);
 /** Sets one entry, replacing an earlier value. Throws ProfileError. */
 void setProfileEntry(const std::string& entry);
 
+/** Throws ProfileError if setProfileEntry() would. */
+void checkProfileEntry(const std::string& entry);
+
 /**
  * Allows both features, turns on every switch except debug output, and makes every application a
  * target of the library.

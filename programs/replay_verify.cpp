@@ -1,36 +1,43 @@
 #include "programs/replay_verify.h"
 
-#include <iostream>
-
 #include "base/error.h"
 #include "brevold/protocol.h"
+#include "programs/trace_replay.h"
 #include "replay/isolated_play.h"
 #include "trace/read_timeline.h"
+#include "verify/difference_track.h"
 #include "verify/verification.h"
 #include "verify/verification_json.h"
 #include "verify/verification_text.h"
 
 namespace brevold {
 
-bool verifyTrace(const Options& options) {
-    trace::TraceInput input(options.traces.front());
+bool verifyTrace(const ReplayOptions& options, std::ostream& out) {
+    const std::string& traceOut = options.common.traceOut;
+    trace::TraceInput input(options.traces.front(),
+                            traceOut.empty() ? trace::Reading::Once : trace::Reading::Repeated);
     if (input.kind() == trace::TraceInput::Kind::LatencyDump) {
         throw InputError(input.name() + ": is a latency dump, and --verify needs a trace");
     }
     verify::DeviceTrace device;
     device.name = input.name();
     device.timeline = trace::readTimeline(input, options.timeline, &device.form, &device.sections);
-    const auto play = [&](const replay::PlayOptions& playOptions, bool hasDebugOutput) {
-        const std::string setting =
-                std::string(android::kDebugProperty) + (hasDebugOutput ? "=1" : "=0");
-        return replay::playIsolated(device.timeline, {setting}, playOptions);
+    // The marks of the replay are the library's debug output.
+    const auto play = [&](const replay::PlayOptions& playOptions) {
+        const std::string debugOutput = playOptions.hasMarks ? "=1" : "=0";
+        return replay::playIsolated(device.timeline, {android::kDebugProperty + debugOutput},
+                                    playOptions);
     };
     const verify::Verification result =
-            verify::verify(device, options.play, options.tolerancePercent, play);
-    if (options.json) {
-        verify::printJson(result, std::cout);
-    } else {
-        verify::print(result, std::cout);
+            verify::verify(device, options.common.boostDepth, options.tolerancePercent, play);
+    if (!traceOut.empty()) {
+        writeMarkedTrace(traceOut, input, device.timeline, device.form, result.replay,
+                         {verify::differenceTrack(result)});
+    }
+    if (options.common.json) {
+        verify::printJson(result, out);
+    } else if (printsSummary(options)) {
+        verify::print(result, out);
     }
     return result.verdict == verify::Verdict::AsExpected;
 }

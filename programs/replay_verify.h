@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ostream>
+
 #include "programs/replay_options.h"
 
 namespace brevold {
@@ -8,6 +10,6 @@ namespace brevold {
  * Compares a recorded trace with its replay and prints the result. Returns true if the verdict is
  * good. Throws std::runtime_error if the trace cannot be read or replayed.
  */
-bool verifyTrace(const Options& options);
+bool verifyTrace(const ReplayOptions& options, std::ostream& out);
 
 }  // namespace brevold

@@ -32,5 +32,24 @@ TEST(IsolatedPlayTest, ReportsHowTheReplayFailed) {
     }
 }
 
+TEST(IsolatedPlayTest, RecordsMarksUnlessTheyAreOff) {
+    trace::Timeline timeline;
+    timeline.layers = {{"com.example/a#1", 1}};
+    for (int64_t i = 1; i <= 70; ++i) {
+        timeline.events.push_back(
+                {i * 16666667, trace::TimelineEvent::Kind::CompositionBegin, 0, 0, 0, 0});
+    }
+    for (const bool hasMarks : {true, false}) {
+        PlayOptions options;
+        options.hasMarks = hasMarks;
+        const Recording recording = playIsolated(
+                timeline,
+                {"feature.5=1", "vendor.perf.pfar.enable=1", "vendor.perf.brevold.debug=1"},
+                options);
+        EXPECT_EQ(recording.marks.size(), hasMarks ? 2u : 0u);
+        EXPECT_EQ(recording.log.size(), 1u);
+    }
+}
+
 }  // namespace
 }  // namespace brevold::replay

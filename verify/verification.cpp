@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <map>
 
-#include "brevold/headroom.h"
 #include "verify/cause_finder.h"
 #include "verify/expected_frames.h"
 #include "verify/mode_evidence.h"
@@ -80,8 +79,8 @@ Verdict verdictOf(const Differences& differences, double tolerancePercent) {
 
 }  // namespace
 
-Verification verify(DeviceTrace& device, const replay::PlayOptions& options,
-                    double tolerancePercent, const Play& play) {
+Verification verify(DeviceTrace& device, replay::BoostDepth boostDepth, double tolerancePercent,
+                    const Play& play) {
     const trace::Timeline& timeline = device.timeline;
     Verification result = {device.name,
                            timeline.layers[timeline.focusedLayer].name,
@@ -94,17 +93,19 @@ Verification verify(DeviceTrace& device, const replay::PlayOptions& options,
                            Differences(timeline.endNs),
                            {},
                            {},
-                           0};
+                           0,
+                           {}};
     const LibraryMarks& recorded = result.marks;
     if (recorded.isEmpty()) return result;
 
-    const replay::Recording recording = play(options, true);
+    result.replay = play({boostDepth, true});
+    const replay::Recording& recording = result.replay;
     const LibraryMarks replayed = replayedMarks(recording);
     const Expectation expected = expect(timeline, recording.modes);
     const ModeEvidence modes(recorded, recording.modes, expected.compositionsNs);
     const Boosts boosts(beginningsNs(recorded.boosts), expected.compositionsNs);
     const BoostReplay boostReplay =
-            fitBoosts(boosts, recording, options.boostDepth, expected.compositionsNs);
+            fitBoosts(boosts, recording, boostDepth, expected.compositionsNs);
     const std::vector<int64_t> commonNs =
             commonBoostsNs(boosts, boostReplay.boosts, expected.compositionsNs);
     const Pairing pairing = pairDecisions(expected.frames, recorded, replayed);
@@ -118,18 +119,17 @@ Verification verify(DeviceTrace& device, const replay::PlayOptions& options,
     result.boostFits.push_back(boostReplay.fit);
     std::optional<BoostReplay> otherReplay;
     if (boostReplay.fit.agreeing != boostReplay.fit.compositions) {
-        const replay::PlayOptions other = {otherThan(options.boostDepth)};
-        otherReplay =
-                fitBoosts(boosts, play(other, false), other.boostDepth, expected.compositionsNs);
+        const replay::PlayOptions other = {otherThan(boostDepth), false};
+        otherReplay = fitBoosts(boosts, play(other), other.boostDepth, expected.compositionsNs);
         result.boostFits.push_back(otherReplay->fit);
     }
     compareBoosts(boosts, boostReplay, otherReplay ? &*otherReplay : nullptr,
                   expected.compositionsNs, modes, &result.differences);
 
-    const int64_t periodNs = mainPeriodNs(timeline);
-    result.frameBudgetNs = android::frameBudgetOf(periodNs);
+    result.periodNs = mainPeriodNs(timeline);
     result.latencies = checkWorkers(
-            recorded, {expected.compositionsNs, periodNs, timeline.endNs, sendsDown(recording)},
+            recorded,
+            {expected.compositionsNs, result.periodNs, timeline.endNs, sendsDown(recording)},
             &result.differences);
     result.differences.sort();
     result.verdict = verdictOf(result.differences, tolerancePercent);

@@ -40,8 +40,9 @@ struct Verification {
     /** For the boost depth of the replay and, if boosts differ, for the other one. */
     std::vector<BoostFit> boostFits;
     Latencies latencies;
-    /** The time that a queued frame leaves, in the refresh period that holds longest. */
-    int64_t frameBudgetNs = 0;
+    /** The refresh period that holds longest. */
+    int64_t periodNs = 0;
+    replay::Recording replay;
 };
 
 /** A recording of a device that runs the library. */
@@ -52,14 +53,14 @@ struct DeviceTrace {
     trace::LibrarySections sections;
 };
 
-/** Plays the timeline of a trace, with the library's debug output on or off. */
-using Play = std::function<replay::Recording(const replay::PlayOptions&, bool hasDebugOutput)>;
+/** Plays the timeline of a trace. */
+using Play = std::function<replay::Recording(const replay::PlayOptions&)>;
 
 /**
  * Compares a recording with its replay. Takes the sections of `device`. Calls `play` once, and
  * again with the other boost depth if boosts differ, but not without marks of the library.
  */
-Verification verify(DeviceTrace& device, const replay::PlayOptions& options,
-                    double tolerancePercent, const Play& play);
+Verification verify(DeviceTrace& device, replay::BoostDepth boostDepth, double tolerancePercent,
+                    const Play& play);
 
 }  // namespace brevold::verify

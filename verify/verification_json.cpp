@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "base/text.h"
+#include "brevold/headroom.h"
 #include "report/labels.h"
 #include "verify/cause_table.h"
 #include "verify/words.h"
@@ -83,7 +84,8 @@ Json objectOf(const Verification& verification) {
                                     {"early_count", row.earlyCount},
                                     {"first_at_s", times}});
     }
-    object["frame_budget_ms"] = static_cast<double>(verification.frameBudgetNs) / 1e6;
+    object["frame_budget_ms"] =
+            static_cast<double>(android::frameBudgetOf(verification.periodNs)) / 1e6;
     for (size_t i = 0; i < kLatencyKindCount; ++i) {
         object["latencies"][wordOf(static_cast<LatencyKind>(i))] =
                 objectOf(verification.latencies[i], verification);

@@ -3,6 +3,7 @@
 #include <fmt/ostream.h>
 
 #include "base/text.h"
+#include "brevold/headroom.h"
 #include "report/labels.h"
 #include "verify/cause_table.h"
 #include "verify/words.h"
@@ -103,11 +104,7 @@ void printCauses(const Verification& verification, std::ostream& out) {
         std::string times;
         for (const int64_t timeNs : row.firstTimesNs)
             times += fmt::format("{:<9.3f}", toSeconds(timeNs - verification.startNs));
-        std::string causes;
-        row.causes.forEach([&](Cause cause) {
-            if (!causes.empty()) causes += fmt::format("\n{:37}or ", "");
-            causes += textOf(cause);
-        });
+        const std::string causes = textOf(row.causes, fmt::format("\n{:37}or ", ""));
         fmt::print(out, "{:7}  {:<27} {}: {}\n", row.count, times, wordOf(row.subject), causes);
     }
 }
@@ -123,7 +120,7 @@ void printLatencies(const Verification& verification, std::ostream& out) {
                        toMs(latency.medianNs), toMs(latency.percentile95Ns),
                        toMs(latency.percentile99Ns), toMs(latency.maxNs),
                        toSeconds(latency.maxAtNs - verification.startNs),
-                       percent(latency.maxNs, verification.frameBudgetNs));
+                       percent(latency.maxNs, android::frameBudgetOf(verification.periodNs)));
         }
         out << '\n';
     }

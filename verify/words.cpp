@@ -96,6 +96,15 @@ const char* textOf(Cause cause) {
     return wordsOf(cause).text;
 }
 
+std::string textOf(const CauseSet& causes, const std::string& separator) {
+    std::string text;
+    causes.forEach([&](Cause cause) {
+        if (!text.empty()) text += separator;
+        text += textOf(cause);
+    });
+    return text;
+}
+
 const char* textOf(LatencyKind kind) {
     return wordsOf(kind).text;
 }

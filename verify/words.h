@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include "trace/timeline.h"
 #include "verify/cause.h"
 #include "verify/differences.h"
@@ -9,6 +11,8 @@
 namespace brevold::verify {
 
 const char* textOf(Cause cause);
+/** Joins the texts of the causes. */
+std::string textOf(const CauseSet& causes, const std::string& separator);
 const char* textOf(LatencyKind kind);
 
 const char* wordOf(Cause cause);
