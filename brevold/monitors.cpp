@@ -89,9 +89,10 @@ void resetWindow() {
 
 void reportWindow() {
     if (!gDebug) return;
-    traceMarker("[FM]gMode:%d \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d" BREVOLD_GAP45 "\tIdle:\t%d",
+    traceMarker(BREVOLD_WINDOW_TAG " \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d" BREVOLD_GAP45
+                                   "\tIdle:\t%d",
                 gMode, static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
-    BREVOLD_LOGE("[FM]gMode:%d \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d \tIdle:\t%d", gMode,
+    BREVOLD_LOGE(BREVOLD_WINDOW_TAG " \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d \tIdle:\t%d", gMode,
                  static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
 }
 
