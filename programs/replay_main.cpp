@@ -31,19 +31,20 @@ std::vector<JobResult> replayAll(const ReplayOptions& options) {
     return runInProcesses(jobs, options.common.jobs, "replaying");
 }
 
-/** Returns false if a trace failed; the others are replayed nevertheless. */
-bool run(const CLI::App& app, const ReplayOptions& options, std::ostream& out) {
+/** If a trace fails, the others are replayed nevertheless. */
+int run(const CLI::App& app, const ReplayOptions& options, std::ostream& out) {
     createFolders(options);
     const std::vector<JobResult> jobs = replayAll(options);
     std::vector<report::TraceResult> results;
-    bool isComplete = true;
+    int status = kSuccess;
     for (size_t i = 0; i < jobs.size(); ++i) {
         const JobResult& job = jobs[i];
         if (!job.error.empty()) {
-            isComplete = false;
-            const std::string trace = options.traces[i];
-            printError(app,
-                       job.signal == 0 ? job.error : trace + ": the program ended: " + job.error);
+            status = kFailure;
+            const std::string& trace = options.traces[i];
+            printError(app, job.signal == 0
+                                    ? job.error
+                                    : trace + ": the replay was ended by a signal: " + job.error);
         } else if (combinesResults(options)) {
             results.push_back(report::toResult(job.bytes));
         } else if (printsSummary(options)) {
@@ -55,7 +56,7 @@ bool run(const CLI::App& app, const ReplayOptions& options, std::ostream& out) {
     } else if (!results.empty()) {
         report::printRows(results, out);
     }
-    return isComplete;
+    return status;
 }
 
 }  // namespace

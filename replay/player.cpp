@@ -2,12 +2,12 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 
 #include "base/progress.h"
 #include "brevold/brevold.h"
 #include "brevold/frame_rate.h"
 #include "brevold/protocol.h"
+#include "brevold/settings.h"
 #include "host/device_profile.h"
 #include "host/driver.h"
 #include "host/workers.h"
@@ -41,7 +41,9 @@ class Player {
         mRecording.isAnyFeatureOn = mDriver.init(mTimeline.startNs);
         mReportsModes = (host::isFeatureAllowed(android::kJankBoostFeature) ||
                          host::isFeatureAllowed(android::kEnergyScalingFeature)) &&
-                        atoi(host::profileProperty(android::kDebugProperty, "0").c_str()) == 1;
+                        android::isOn(host::profileProperty(android::kDebugProperty, "0").c_str());
+        const std::string list = host::profileProperty(android::kDebugLayersProperty, "NONE");
+        if (android::isLayerList(list)) android::splitLayerList(list, mIgnoredLayers);
         setMode(mTimeline.startNs, android::kModeUnclassified);
         Progress progress("replaying", static_cast<int64_t>(mTimeline.events.size()));
         int64_t played = 0;
@@ -108,7 +110,8 @@ class Player {
         info.refreshPeriod = mPeriodNs;
         // The library resets its mode by the same rule, but does not report it.
         const android::LayerIdentity reported = {info.layerName, info.layerKeyA, info.layerKeyB};
-        if (info.skipLayerCheck == 0 && !android::isSameLayer(reported, mCurrentLayer)) {
+        if (info.skipLayerCheck == 0 && !isIgnored(info.layerName) &&
+            !android::isSameLayer(reported, mCurrentLayer)) {
             mCurrentLayer = reported;
             setMode(event.timeNs, android::kModeUnclassified);
         }
@@ -128,6 +131,11 @@ class Player {
         const bool isPeak = mRecording.options.boostDepth == BoostDepth::Found;
         mDriver.endComposition(timeNs, isPeak ? mPeakDepth : focusedDepth());
         mPeakDepth = focusedDepth();
+    }
+
+    bool isIgnored(const std::string& layer) const {
+        return std::find(mIgnoredLayers.begin(), mIgnoredLayers.end(), layer) !=
+               mIgnoredLayers.end();
     }
 
     int32_t focusedDepth() const { return mDepths[mFocus]; }
@@ -161,6 +169,7 @@ class Player {
     std::vector<int32_t> mDepths;
     std::vector<LayerFrameInfo> mFrames;
     size_t mFocus = 0;
+    std::vector<std::string> mIgnoredLayers;
     android::LayerIdentity mCurrentLayer = {};
     int32_t mPeakDepth = 0;
     int64_t mPeriodNs = 0;
