@@ -32,5 +32,38 @@ TEST(IsolatedPlayTest, ReportsHowTheReplayFailed) {
     }
 }
 
+using Kind = trace::TimelineEvent::Kind;
+
+/** A steady 60 Hz for 1.5 s, during which layer 0 has a frame, and then a frame of layer 1. */
+trace::Timeline timelineOfTwoLayers() {
+    constexpr int64_t kPeriodNs = 16'666'666;
+    constexpr int64_t kCompositions = 90;
+    trace::Timeline timeline;
+    timeline.layers = {{"com.a/a#1", 1}, {"com.b/b#1", 1}};
+    timeline.startNs = kPeriodNs;
+    timeline.events = {{kPeriodNs, Kind::Period, 0, 0, 0, kPeriodNs},
+                       {kPeriodNs, Kind::Frame, 0, 1, 0, 0}};
+    for (int64_t i = 1; i <= kCompositions; ++i)
+        timeline.events.push_back({i * kPeriodNs, Kind::CompositionBegin, 0, 0, 0, 0});
+    const int64_t endNs = kCompositions * kPeriodNs + 1;
+    timeline.events.push_back({endNs, Kind::Focus, 1, 0, 0, 0});
+    timeline.events.push_back({endNs, Kind::Frame, 1, 1, 0, 0});
+    return timeline;
+}
+
+TEST(IsolatedPlayTest, ANewLayerResetsTheModeUnlessTheLibraryIgnoresIt) {
+    const std::pair<const char*, std::vector<int32_t>> cases[] = {
+            {"NONE", {5, 2, 5}}, {"x com.b/b#1", {5, 2}}, {"NONEcom.b/b#1", {5, 2, 5}}};
+    for (const auto& [ignored, expected] : cases) {
+        const std::vector<std::string> settings = {
+                "feature.5=1", "vendor.perf.pfar.enable=1", "vendor.perf.brevold.debug=1",
+                std::string("vendor.perf.brevold.debug.layers=") + ignored};
+        std::vector<int32_t> modes;
+        for (const ModeChange& change : playIsolated(timelineOfTwoLayers(), settings).modes)
+            modes.push_back(change.mode);
+        EXPECT_EQ(modes, expected) << ignored;
+    }
+}
+
 }  // namespace
 }  // namespace brevold::replay
