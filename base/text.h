@@ -25,12 +25,22 @@ std::string quote(std::string_view text);
 
 constexpr std::string_view kBlanks = " \t\r";
 
+// Loops, because the searches of std::string_view are slow for sets of characters.
+
+inline bool isBlank(char c) {
+    return c == ' ' || c == '\t' || c == '\r';
+}
+
 inline std::string_view trimEnd(std::string_view text) {
-    return text.substr(0, text.find_last_not_of(kBlanks) + 1);
+    while (!text.empty() && isBlank(text.back()))
+        text.remove_suffix(1);
+    return text;
 }
 
 inline std::string_view trimStart(std::string_view text) {
-    return text.substr(std::min(text.find_first_not_of(kBlanks), text.size()));
+    while (!text.empty() && isBlank(text.front()))
+        text.remove_prefix(1);
+    return text;
 }
 
 /** Removes the part before the first separator, and the separator, and returns that part. */

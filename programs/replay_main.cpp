@@ -1,3 +1,4 @@
+#include <csignal>
 #include <filesystem>
 
 #include "base/process_pool.h"
@@ -39,6 +40,8 @@ int run(const CLI::App& app, const ReplayOptions& options, std::ostream& out) {
     int status = kSuccess;
     for (size_t i = 0; i < jobs.size(); ++i) {
         const JobResult& job = jobs[i];
+        // A reader of standard output, such as head, has ended: this process ends as silently.
+        if (job.signal == SIGPIPE) raise(SIGPIPE);
         if (!job.error.empty()) {
             status = kFailure;
             const std::string& trace = options.traces[i];

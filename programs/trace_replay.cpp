@@ -55,12 +55,14 @@ std::string replayInput(TraceInput& input, const OutputFiles& files, const Repla
     trace::TraceForm form;
     const trace::Timeline timeline = trace::readTimeline(input, options.timeline, &form);
     const TimeWindow window = windowOf(timeline, options.window, trace);
-    const PlayOptions play = {options.common.boostDepth};
+    PlayOptions play = {options.common.boostDepth};
+    play.hasMarks = !files.traceOut.empty();
 
     const Recording recording = playIsolated(timeline, {}, play);
     report::TraceResult result = {report::summarise(trace, timeline, recording, window), {}};
     std::vector<Divergence> divergences;
     if (!options.common.vsSettings.empty()) {
+        play.hasMarks = false;
         const Recording other = playIsolated(timeline, options.common.vsSettings, play);
         result.vs = report::summarise(trace, timeline, other, window);
         divergences = firstDivergences(recording, other, window, kShownDivergences);

@@ -3,12 +3,11 @@
 #include <cereal/archives/binary.hpp>
 #include <cereal/types/string.hpp>
 #include <cereal/types/vector.hpp>
-#include <cerrno>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
 
 #include "base/child_process.h"
+#include "base/descriptor_input.h"
 #include "base/descriptor_stream.h"
 #include "host/device_profile.h"
 #include "replay/player.h"
@@ -37,7 +36,7 @@ namespace brevold::replay {
 
 template <typename Archive>
 void serialize(Archive& archive, PlayOptions& options) {
-    archive(options.boostDepth);
+    archive(options.boostDepth, options.hasMarks);
 }
 
 template <typename Archive>
@@ -80,6 +79,17 @@ Outcome playWithSettings(const trace::Timeline& timeline, const std::vector<std:
     }
 }
 
+/** Returns false if the child did not send all of its outcome. */
+bool readOutcome(Descriptor pipe, Outcome& outcome) {
+    DescriptorInput stream(std::move(pipe));
+    try {
+        cereal::BinaryInputArchive{stream}(outcome);
+    } catch (const cereal::Exception&) {
+        return false;
+    }
+    return true;
+}
+
 }  // namespace
 
 Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::string>& settings,
@@ -89,16 +99,12 @@ Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::s
         cereal::BinaryOutputArchive{stream}(playWithSettings(timeline, settings, options));
         return stream.close();
     });
-    std::string bytes;
-    if (!readAll(child.pipe().get(), &bytes)) {
-        throw std::runtime_error("the replay cannot be read: " + errnoText(errno));
-    }
+    Outcome outcome;
+    const bool isComplete = readOutcome(std::move(child.pipe()), outcome);
     const ProcessEnd end = child.wait();
     if (end.signal != 0) throw std::runtime_error("the library ended the replay: " + end.text());
     if (!end.isSuccess()) throw std::runtime_error("the replay has no result: " + end.text());
-    Outcome outcome;
-    std::istringstream stream(std::move(bytes));
-    cereal::BinaryInputArchive{stream}(outcome);
+    if (!isComplete) throw std::runtime_error("the replay cannot be read");
     if (!outcome.error.empty()) throw std::runtime_error(outcome.error);
     return std::move(outcome.recording);
 }

@@ -13,6 +13,8 @@ enum class BoostDepth : uint8_t {
 /** How a timeline is played. */
 struct PlayOptions {
     BoostDepth boostDepth = BoostDepth::Left;
+    /** False leaves Recording::marks empty, which saves memory. */
+    bool hasMarks = true;
 };
 
 }  // namespace brevold::replay

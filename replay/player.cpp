@@ -26,6 +26,7 @@ class Player {
     Player(const Timeline& timeline, const PlayOptions& options, host::Driver& driver)
           : mTimeline(timeline), mDriver(driver) {
         mRecording.options = options;
+        if (!options.hasMarks) host::setEnabledTraceTags(0);
         mDepths.resize(timeline.layers.size());
         for (size_t i = 0; i < timeline.layers.size(); ++i) {
             LayerFrameInfo info = {};

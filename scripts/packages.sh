@@ -13,6 +13,7 @@ build_packages=(
     binutils # nm, for the test of the exported symbols
     googletest
     help2man # manual pages
+    jq parallel # examples of docs/fleet.md, tables of docs/effect.md
 )
 sanitizer_packages=(
     libclang-rt-dev

@@ -137,6 +137,16 @@ TEST(InputTest, FindsTheTraceInEveryFormat) {
 
 constexpr replay::TimeWindow kWholeTrace = {INT64_MIN, INT64_MAX};
 
+TEST(InputTest, FindsTheTraceOfAPageWhereverABlockEnds) {
+    for (size_t before = 6000; before < 6060; ++before) {
+        const std::string start = "<html>" + std::string(before, 'x');
+        for (const std::string& trace : {elementOf(kText), stringOf(kText)}) {
+            for (const size_t maxRead : {size_t{64}, size_t{1000}})
+                EXPECT_EQ(rest(inputOf(start + trace, maxRead).open()), kText) << before;
+        }
+    }
+}
+
 TEST(InputTest, GivesTheSameHintsInEveryFormat) {
     const std::string examples = BREVOLD_EXAMPLES;
     host::loadProfile(examples + "/everything-on.profile");

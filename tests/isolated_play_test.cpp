@@ -51,13 +51,25 @@ trace::Timeline timelineOfTwoLayers() {
     return timeline;
 }
 
+const std::vector<std::string> kScaling = {"feature.5=1", "vendor.perf.pfar.enable=1",
+                                           "vendor.perf.brevold.debug=1"};
+
+TEST(IsolatedPlayTest, RecordsMarksUnlessTheyAreOff) {
+    for (const bool hasMarks : {true, false}) {
+        PlayOptions options;
+        options.hasMarks = hasMarks;
+        const Recording recording = playIsolated(timelineOfTwoLayers(), kScaling, options);
+        EXPECT_EQ(recording.marks.size(), hasMarks ? 2u : 0u);
+        EXPECT_EQ(recording.log.size(), 1u);
+    }
+}
+
 TEST(IsolatedPlayTest, ANewLayerResetsTheModeUnlessTheLibraryIgnoresIt) {
     const std::pair<const char*, std::vector<int32_t>> cases[] = {
             {"NONE", {5, 2, 5}}, {"x com.b/b#1", {5, 2}}, {"NONEcom.b/b#1", {5, 2, 5}}};
     for (const auto& [ignored, expected] : cases) {
-        const std::vector<std::string> settings = {
-                "feature.5=1", "vendor.perf.pfar.enable=1", "vendor.perf.brevold.debug=1",
-                std::string("vendor.perf.brevold.debug.layers=") + ignored};
+        std::vector<std::string> settings = kScaling;
+        settings.push_back(std::string("vendor.perf.brevold.debug.layers=") + ignored);
         std::vector<int32_t> modes;
         for (const ModeChange& change : playIsolated(timelineOfTwoLayers(), settings).modes)
             modes.push_back(change.mode);

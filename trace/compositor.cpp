@@ -42,18 +42,28 @@ std::optional<TraceWarning> findRival(const Scores& scores, int32_t pid, size_t 
             TraceWarning::Kind::OtherCompositor, {score[decisive], 0}, 0, pid, otherPid};
 }
 
+template <typename T, typename Predicate>
+void removeIf(std::deque<T>* items, Predicate isRemoved) {
+    items->erase(std::remove_if(items->begin(), items->end(), isRemoved), items->end());
+}
+
 }  // namespace
 
-Compositor::Compositor(const TraceMarks& marks, const std::string& path) : mMarks(marks) {
-    findProcess(path);
+Compositor::Compositor(TraceMarks marks, const std::string& path) {
+    findProcess(marks, path);
+    mTracks = marks.takeTracks();
+    mSections = marks.takeSections();
+    const auto isOther = [this](const auto& mark) { return mark.pid != mPid; };
+    removeIf(&mTracks, isOther);
+    removeIf(&mSections, isOther);
     mTid = findThread();
 }
 
-void Compositor::findProcess(const std::string& path) {
+void Compositor::findProcess(const TraceMarks& marks, const std::string& path) {
     Scores scores;
-    for (const Section& section : mMarks.sections())
+    for (const Section& section : marks.sections())
         ++scores[section.pid][section.isCommit() ? Commits : Sure];
-    for (const CounterTrack& track : tracks())
+    for (const CounterTrack& track : marks.tracks())
         scores[track.pid][evidenceOf(track)] += track.values;
 
     const auto best = scores.empty() ? scores.end() : maxOf(scores);
@@ -71,44 +81,29 @@ void Compositor::findProcess(const std::string& path) {
 
 int32_t Compositor::findThread() const {
     std::map<int32_t, std::array<int64_t, 2>> sections;
-    for (const Section& section : mMarks.sections()) {
-        if (section.pid == mPid) ++sections[section.begin.tid][section.isCommit() ? 1 : 0];
-    }
+    for (const Section& section : mSections)
+        ++sections[section.begin.tid][section.isCommit() ? 1 : 0];
     if (!sections.empty()) return maxOf(sections)->first;
 
     std::map<int32_t, int64_t> falls;
-    for (const CounterTrack& track : tracks()) {
+    for (const CounterTrack& track : mTracks) {
         if (track.role != CounterRole::Candidate && track.role != CounterRole::BufferTx) continue;
         int64_t last = 0;
-        for (const CounterChange& change : changesOf(track)) {
+        track.changes.forEach([&](const CounterChange& change) {
             if (change.value < last) ++falls[change.tid];
             last = change.value;
-        }
+        });
     }
     return falls.empty() ? mPid : maxOf(falls)->first;
 }
 
-std::vector<const Section*> Compositor::compositions() const {
-    std::vector<const Section*> composing;
-    std::vector<const Section*> committing;
-    for (const Section& section : mMarks.sections()) {
-        if (section.pid != mPid || section.begin.tid != mTid) continue;
-        (section.isCommit() ? committing : composing).push_back(&section);
-    }
-    return composing.empty() ? committing : composing;
-}
-
-const Compositor::Changes& Compositor::changesOf(const CounterTrack& track) const {
-    static const Changes kNone;
-    return track.pid == mPid ? track.changes : kNone;
-}
-
-const Compositor::Changes& Compositor::changesOf(std::string_view name) const {
-    static const Changes kNone;
-    const auto found = std::find_if(
-            tracks().begin(), tracks().end(),
-            [&](const CounterTrack& track) { return track.pid == mPid && track.name == name; });
-    return found == tracks().end() ? kNone : found->changes;
+std::deque<Section> Compositor::takeCompositions() {
+    std::deque<Section> sections = std::move(mSections);
+    removeIf(&sections, [this](const Section& section) { return section.begin.tid != mTid; });
+    const bool composes = std::any_of(sections.begin(), sections.end(),
+                                      [](const Section& section) { return !section.isCommit(); });
+    removeIf(&sections, [&](const Section& section) { return section.isCommit() == composes; });
+    return sections;
 }
 
 }  // namespace brevold::trace

@@ -1,6 +1,8 @@
 #include "trace/event_line.h"
 
+#include <algorithm>
 #include <iterator>
+#include <limits>
 
 #include "base/text.h"
 
@@ -12,6 +14,20 @@ constexpr int64_t kFractionScaleNs[] = {1'000'000'000, 100'000'000, 10'000'000, 
                                         10'000,        1'000,       100,        10,        1};
 constexpr std::string_view kHeader = "# tracer";
 constexpr std::string_view kDigits = "0123456789";
+
+/** Parses a number of at most 18 digits. Each line has four, for which parseWhole() is slow. */
+template <typename T>
+bool parseDigits(std::string_view text, T* number) {
+    constexpr size_t kMaxDigits = 18;
+    if (text.empty() || text.size() > kMaxDigits) return false;
+    int64_t value = 0;
+    for (const char c : text) {
+        if (c < '0' || c > '9') return false;
+        value = value * 10 + (c - '0');
+    }
+    *number = static_cast<T>(value);
+    return value <= std::numeric_limits<T>::max();
+}
 
 /** "TASK-TID" or "TASK-TID (TGID)". The task may contain any character. */
 bool parseThread(std::string_view text, EventLine* line) {
@@ -25,34 +41,32 @@ bool parseThread(std::string_view text, EventLine* line) {
     const size_t dash = text.rfind('-');
     if (dash == std::string_view::npos) return false;
     line->task = trimStart(text.substr(0, dash));
-    return parseWhole(text.substr(dash + 1), &line->tid) && line->tid >= 0;
+    return parseDigits(text.substr(dash + 1), &line->tid);
 }
 
 bool parseTime(std::string_view text, EventLine* line) {
     const std::string_view seconds = takeUntil('.', &text);
-    uint32_t fraction;
-    uint64_t second;
-    if (text.size() >= std::size(kFractionScaleNs) || !parseWhole(seconds, &second) ||
-        second > kMaxSecond || !parseWhole(text, &fraction)) {
+    int64_t second;
+    int64_t fraction;
+    if (text.size() >= std::size(kFractionScaleNs) || !parseDigits(seconds, &second) ||
+        second > kMaxSecond || !parseDigits(text, &fraction)) {
         return false;
     }
     line->decimals = static_cast<int32_t>(text.size());
-    line->timeNs = static_cast<int64_t>(second) * kFractionScaleNs[0] +
-                   fraction * kFractionScaleNs[text.size()];
+    line->timeNs = second * kFractionScaleNs[0] + fraction * kFractionScaleNs[text.size()];
     return true;
 }
 
 /** "TIME: EVENT" or "FLAGS TIME: EVENT". */
 bool parseTimeAndEvent(std::string_view text, EventLine* line) {
-    std::string_view time = takeUntil(':', &text);
-    time = trimEnd(trimStart(time));
-    const size_t blank = time.find_last_of(kBlanks);
-    line->hasFlags = blank != std::string_view::npos;
-    if (line->hasFlags) {
-        const std::string_view flags = trimEnd(time.substr(0, blank));
-        if (flags.find_first_of(kBlanks) != std::string_view::npos) return false;
-        time.remove_prefix(blank + 1);
-    }
+    std::string_view time = trimEnd(takeUntil(':', &text));
+    std::string_view flags = time;
+    while (!flags.empty() && !isBlank(flags.back()))
+        flags.remove_suffix(1);
+    time.remove_prefix(flags.size());
+    flags = trimStart(trimEnd(flags));
+    line->hasFlags = !flags.empty();
+    if (std::any_of(flags.begin(), flags.end(), isBlank)) return false;
     line->event = trimStart(text);
     return parseTime(time, line);
 }
@@ -72,7 +86,7 @@ bool parseEventLine(std::string_view text, EventLine* line) {
         const size_t close = text.find_first_not_of(kDigits, open + 1);
         if (close == std::string_view::npos) return false;
         if (text[close] == ']' &&
-            parseWhole(text.substr(open + 1, close - open - 1), &line->processor) &&
+            parseDigits(text.substr(open + 1, close - open - 1), &line->processor) &&
             parseThread(text.substr(0, open), line)) {
             return parseTimeAndEvent(text.substr(close + 1), line);
         }

@@ -168,11 +168,16 @@ void followFocus(Timeline& timeline) {
     }
     endSecond();
 
+    // Free the events as they are moved; of events of the same time, the change of the focus is
+    // the first.
     std::deque<TimelineEvent> events;
-    // Of events of the same time, the change of the focus is the first.
-    std::merge(changes.begin(), changes.end(), timeline.events.begin(), timeline.events.end(),
-               std::back_inserter(events),
-               [](const TimelineEvent& a, const TimelineEvent& b) { return a.timeNs < b.timeNs; });
+    auto change = changes.begin();
+    for (; !timeline.events.empty(); timeline.events.pop_front()) {
+        const TimelineEvent& event = timeline.events.front();
+        while (change != changes.end() && change->timeNs <= event.timeNs)
+            events.push_back(*change++);
+        events.push_back(event);
+    }
     timeline.events = std::move(events);
 }
 

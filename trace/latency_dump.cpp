@@ -3,15 +3,16 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <deque>
 #include <limits>
 #include <utility>
 
 #include "base/error.h"
 #include "base/text.h"
+#include "trace/event_sources.h"
 #include "trace/line_reader.h"
 #include "trace/queued_layer.h"
 #include "trace/refresh_period.h"
-#include "trace/timeline_builder.h"
 
 namespace brevold::trace {
 namespace {
@@ -62,13 +63,11 @@ int64_t queueTimeNs(const Row& row, int64_t lastQueuedNs) {
 
 class DumpReader {
   public:
-    DumpReader(ByteSource& text, const std::string& path)
-          : mLines(text, path), mPath(path), mBuilder(mTimeline) {}
+    DumpReader(ByteSource& text, const std::string& path) : mLines(text, path), mPath(path) {}
 
     Timeline read(const TimelineOptions& options) {
         const bool hasRate = options.refreshRateHz.has_value();
         const int64_t periodNs = readPeriodNs();
-        mBuilder.addLayer(numberedName(options.layer.value_or("layer")));
         readRows(periodNs);
         if (mRows == 0) {
             throw InputError(mPath +
@@ -79,13 +78,12 @@ class DumpReader {
         addWarning(TraceWarning::Kind::UnfinishedLine, mUnfinishedRows, &mTimeline.warnings);
         addWarning(TraceWarning::Kind::OutOfOrderRow, mOutOfOrderRows, &mTimeline.warnings);
 
+        mTimeline.layers = {{numberedName(options.layer.value_or("layer")), mRows,
+                             mTimeline.startNs, mQueuedNs}};
         mTimeline.periodSource = hasRate ? PeriodSource::Option : PeriodSource::LatencyDump;
-        mBuilder.addPeriod(mTimeline.startNs,
-                           hasRate ? periodOfRate(*options.refreshRateHz) : snapPeriod(periodNs));
         mTimeline.compositionSource = CompositionSource::PresentTimes;
         mTimeline.vsyncSource = VsyncSource::PresentTimes;
-        mBuilder.addCompositionsFromLatches();
-        mBuilder.finish();
+        mergeRows(hasRate ? periodOfRate(*options.refreshRateHz) : snapPeriod(periodNs));
         setDepths();
         return std::move(mTimeline);
     }
@@ -131,9 +129,20 @@ class DumpReader {
         const int64_t latchNs = std::max(queuedNs, row.presentNs - periodNs);
         if (mRows++ == 0) mTimeline.startNs = queuedNs;
         mTimeline.endNs = std::max(mTimeline.endNs, row.presentNs);
-        mBuilder.addFrame({queuedNs, ++mPosition}, 0, 0);
-        mBuilder.addLatch({latchNs, ++mPosition}, 0, 0);
-        mBuilder.addVsync({row.presentNs, ++mPosition});
+        mFrames.push_back({queuedNs, ++mPosition});
+        mLatches.push_back({latchNs, ++mPosition});
+        mPresents.push_back({row.presentNs, ++mPosition});
+    }
+
+    void mergeRows(int64_t periodNs) {
+        using Kind = TimelineEvent::Kind;
+        EventSources sources;
+        sources.push_back(periodEvents({{mTimeline.startNs, periodNs}}));
+        sources.push_back(compositionEvents(compositionsOf(mLatches)));
+        sources.push_back(pointEvents(Kind::Frame, std::move(mFrames)));
+        sources.push_back(pointEvents(Kind::Depth, std::move(mLatches)));
+        sources.push_back(pointEvents(Kind::Vsync, std::move(mPresents)));
+        mTimeline.events = mergeEvents(std::move(sources));
     }
 
     /** The depths follow from the order of the events. */
@@ -148,8 +157,10 @@ class DumpReader {
     LineReader mLines;
     const std::string& mPath;
     Timeline mTimeline;
-    TimelineBuilder mBuilder;
-    int64_t mRows = 0;
+    int32_t mRows = 0;
+    std::deque<TracePoint> mFrames;
+    std::deque<TracePoint> mLatches;
+    std::deque<TracePoint> mPresents;
     int64_t mPosition = 0;  // orders events of the same time
     int64_t mQueuedNs = 0;  // of the last row
     LineCount mStrayRows;

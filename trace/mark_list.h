@@ -13,7 +13,7 @@ namespace brevold::trace {
 
 /**
  * Merges marks that come in runs, such as the bundles of each processor, in the order of time.
- * Takes 24 bytes for each mark, and the names.
+ * Takes 24 bytes for each mark until it is taken, and the names.
  */
 class MarkList {
   public:
@@ -50,24 +50,31 @@ class MarkList {
         uint32_t label;
     };
     struct Run {
-        int64_t timeNs;  // of its next entry
         size_t next;
         size_t end;
     };
 
-    static bool isLater(const Run& a, const Run& b);
+    const Entry& entryAt(size_t position) const { return mEntries[position - mFreed]; }
+    bool isLater(size_t runA, size_t runB) const;
     uint32_t labelOf(const TraceMark& mark);
     void startMerge();
+    void freeTaken();
 
-    // Deques, because they do not move their elements; labels are views of the names.
+    // Deques, because they do not move their elements and can be freed from the front; labels are
+    // views of the names.
     std::deque<Entry> mEntries;
     std::deque<std::string> mNames;
     std::vector<Label> mLabels;
     std::unordered_map<Label, uint32_t, LabelHash> mLabelIndices;
 
     size_t mRunBegin = 0;
-    std::vector<Run> mRuns;    // not begun; once the merge has started, the earliest is the last
-    std::vector<Run> mActive;  // a heap with the earliest at its front
+    std::vector<Run> mRuns;  // in the order of their positions
+    size_t mFreed = 0;       // entries freed, which were the first ones
+    size_t mFirstRun = 0;    // that is not freed
+    // Indices of runs whose marks are not yet merged, the earliest run last, and of those whose
+    // marks are: a heap with the earliest at its front.
+    std::vector<size_t> mWaiting;
+    std::vector<size_t> mActive;
     bool mIsMerging = false;
     int64_t mTaken = 0;
 };

@@ -40,6 +40,7 @@ constexpr size_t kMaxDumpBytes = 4 * 1024 * 1024;
 constexpr size_t kTailBytes = 64;
 /** Each step of the parser sees this much of the page, so that it never has to start again. */
 constexpr size_t kWindowBytes = kMaxTagBytes + kHeadBytes;
+static_assert(kWindowBytes < kBlockBytes, "a block is filled up to a whole window");
 
 /** Appends the characters of a string literal up to its quote. Returns the bytes parsed. */
 size_t unescape(std::string_view literal, std::string* text) {
@@ -69,7 +70,7 @@ bool isPage(std::string_view head) {
 }
 
 PageSource::PageSource(std::unique_ptr<ByteSource> page, std::string name)
-      : mInput(std::move(page)), mName(std::move(name)) {}
+      : mInput(std::move(page)), mName(std::move(name)), mBlock(kBlockBytes, '\0') {}
 
 size_t PageSource::read(char* text, size_t size) {
     while (mGiven == mText.size()) {
@@ -91,8 +92,7 @@ size_t PageSource::read(char* text, size_t size) {
 
 void PageSource::rewind() {
     mInput->rewind();
-    mPage.clear();
-    mBegin = mElement = mString = 0;
+    mBegin = mEnd = mElement = mString = 0;
     mIsAtEnd = false;
     mPlace = Place::Outside;
     mHasTrace = false;
@@ -102,17 +102,14 @@ void PageSource::rewind() {
     mLast = '\n';
 }
 
+/** Reads at least one byte, unless the page is at its end. */
 void PageSource::fill() {
-    mPage.erase(0, mBegin);
+    const size_t kept = rest().size();
+    std::copy(mBlock.data() + mBegin, mBlock.data() + mEnd, mBlock.data());
     mBegin = mElement = mString = 0;
-    size_t size = mPage.size();
-    mPage.resize(kBlockBytes);
-    while (size < kBlockBytes && !mIsAtEnd) {
-        const size_t count = mInput->read(mPage.data() + size, kBlockBytes - size);
-        size += count;
-        mIsAtEnd = count == 0;
-    }
-    mPage.resize(size);
+    const size_t count = mInput->read(mBlock.data() + kept, mBlock.size() - kept);
+    mEnd = kept + count;
+    mIsAtEnd = count == 0;
 }
 
 /** Parses at least one byte of the page. */
@@ -133,13 +130,14 @@ void PageSource::advance() {
 }
 
 void PageSource::findTrace() {
+    const std::string_view block(mBlock.data(), mEnd);
     // A position that was found is used again, because a block may have many of the other kind.
-    if (mElement <= mBegin) mElement = std::min(mPage.find(kElement, mBegin), mPage.size());
-    if (mString <= mBegin) mString = std::min(mPage.find(kString, mBegin), mPage.size());
+    if (mElement <= mBegin) mElement = std::min(block.find(kElement, mBegin), mEnd);
+    if (mString <= mBegin) mString = std::min(block.find(kString, mBegin), mEnd);
     const size_t next = std::min(mElement, mString);
-    if (next == mPage.size()) {
+    if (next == mEnd) {
         const size_t kept = mIsAtEnd ? 0 : kElement.size() - 1;
-        mBegin = mPage.size() - kept;
+        mBegin = mEnd - kept;
         return;
     }
     mBegin = next;
@@ -158,7 +156,7 @@ void PageSource::enterElement() {
         return;
     }
     mBegin += tagEnd + 1;
-    mBegin = std::min(mPage.find_first_not_of("\r\n", mBegin), mPage.size());
+    mBegin += std::min(rest().find_first_not_of("\r\n"), rest().size());
     const std::string_view head = rest().substr(0, kHeadBytes);
     const bool isTrace = beginsAsFtrace(head.substr(0, head.find(kElementEnd)));
     mPlace = isTrace               ? Place::TraceElement
@@ -201,7 +199,7 @@ void PageSource::takeString() {
     const bool isWhole = length < rest().size() && rest()[length] == '"';
     finishText(isWhole);
     // At the end of the page, a backslash may be left.
-    mBegin = isWhole ? mBegin + length + 1 : mIsAtEnd ? mPage.size() : mBegin + length;
+    mBegin = isWhole ? mBegin + length + 1 : mIsAtEnd ? mEnd : mBegin + length;
     if (isWhole) mPlace = Place::Outside;
 }
 

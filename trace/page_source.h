@@ -33,7 +33,7 @@ class PageSource : public ByteSource {
   private:
     enum class Place : uint8_t { Outside, TraceElement, ProcessDump, OtherElement, String };
 
-    std::string_view rest() const { return std::string_view(mPage).substr(mBegin); }
+    std::string_view rest() const { return {mBlock.data() + mBegin, mEnd - mBegin}; }
     void fill();
     void advance();
     void findTrace();
@@ -46,10 +46,12 @@ class PageSource : public ByteSource {
 
     const std::unique_ptr<ByteSource> mInput;
     const std::string mName;
-    std::string mPage;  // the part of the page that is being parsed
-    size_t mBegin = 0;  // of the bytes in mPage that are not yet parsed
+    std::string mBlock;  // of the page
+    // Where the bytes of the block begin and end that are not yet parsed.
+    size_t mBegin = 0;
+    size_t mEnd = 0;
     bool mIsAtEnd = false;
-    // Where the next element and string begin in mPage, at or after mBegin.
+    // Where the next element and string begin in the block, at or after mBegin.
     size_t mElement = 0;
     size_t mString = 0;
     Place mPlace = Place::Outside;

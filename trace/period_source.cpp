@@ -8,50 +8,59 @@
 namespace brevold::trace {
 namespace {
 
-using Changes = Compositor::Changes;
-
 bool isPeriod(int32_t value) {
     return value >= kMinPeriodNs && value <= kMaxPeriodNs;
 }
 
-std::vector<PeriodChange> statedPeriods(const Changes& values) {
+std::vector<PeriodChange> statedPeriods(const ChangeList& values) {
     std::vector<PeriodChange> changes;
-    for (const CounterChange& value : values) {
-        if (!isPeriod(value.value)) continue;
+    values.forEach([&](const CounterChange& value) {
+        if (!isPeriod(value.value)) return;
         const int64_t periodNs = snapPeriod(value.value);
-        if (!changes.empty() && changes.back().periodNs == periodNs) continue;
+        if (!changes.empty() && changes.back().periodNs == periodNs) return;
         changes.push_back({value.timeNs, periodNs});
-    }
+    });
     return changes;
 }
 
 /** The ticks that a predicted period leads to, as far as they matter to followPeriod(). */
-std::vector<Interval> predictedTicks(const Changes& values) {
+std::vector<Interval> predictedTicks(const ChangeList& values) {
     std::vector<Interval> ticks;
-    for (const CounterChange& value : values) {
-        if (!isPeriod(value.value)) continue;
-        const bool isLast = &value == &values.back();
-        const int64_t heldNs =
-                isLast ? std::numeric_limits<int64_t>::max() : (&value)[1].timeNs - value.timeNs;
-        const auto count = std::clamp<int64_t>(heldNs / value.value, 1, kDisplayTicksToFollow);
+    std::optional<PeriodChange> last;
+    const auto addTicksUntil = [&](int64_t timeNs) {
+        if (!last) return;
+        const auto count = std::clamp<int64_t>((timeNs - last->timeNs) / last->periodNs, 1,
+                                               kDisplayTicksToFollow);
         for (int64_t i = 1; i <= count; ++i)
-            ticks.push_back({value.timeNs + i * value.value, value.value});
-    }
+            ticks.push_back({last->timeNs + i * last->periodNs, last->periodNs});
+    };
+    values.forEach([&](const CounterChange& value) {
+        addTicksUntil(value.timeNs);
+        last.reset();
+        if (isPeriod(value.value)) last = PeriodChange{value.timeNs, value.value};
+    });
+    addTicksUntil(std::numeric_limits<int64_t>::max());
     return ticks;
 }
 
-std::vector<Interval> toggleIntervals(const Changes& toggles) {
+std::vector<Interval> toggleIntervals(const ChangeList& toggles) {
     std::vector<Interval> intervals;
-    for (size_t i = 1; i < toggles.size(); ++i) {
-        const int64_t endNs = toggles[i].timeNs;
-        intervals.push_back({endNs, endNs - toggles[i - 1].timeNs});
-    }
+    intervals.reserve(toggles.size());
+    std::optional<int64_t> lastNs;
+    toggles.forEach([&](const CounterChange& toggle) {
+        if (lastNs) intervals.push_back({toggle.timeNs, toggle.timeNs - *lastNs});
+        lastNs = toggle.timeNs;
+    });
     return intervals;
 }
 
 /** The intervals between the frames of each layer, in the order of their ends. */
-std::vector<Interval> frameIntervals(const std::vector<QueuedLayer>& layers) {
+std::vector<Interval> frameIntervals(const std::deque<QueuedLayer>& layers) {
+    size_t frames = 0;
+    for (const QueuedLayer& layer : layers)
+        frames += static_cast<size_t>(layer.layer.frames);
     std::vector<Interval> intervals;
+    intervals.reserve(frames);
     for (const QueuedLayer& layer : layers) {
         std::optional<int64_t> lastNs;
         layer.forEachDepth([&](const DepthChange& change) {
@@ -61,13 +70,16 @@ std::vector<Interval> frameIntervals(const std::vector<QueuedLayer>& layers) {
             lastNs = timeNs;
         });
     }
-    std::stable_sort(intervals.begin(), intervals.end(),
-                     [](const Interval& a, const Interval& b) { return a.endNs < b.endNs; });
+    const auto endsEarlier = [](const Interval& a, const Interval& b) { return a.endNs < b.endNs; };
+    // A sort takes memory, which one layer does not need.
+    if (!std::is_sorted(intervals.begin(), intervals.end(), endsEarlier)) {
+        std::stable_sort(intervals.begin(), intervals.end(), endsEarlier);
+    }
     return intervals;
 }
 
 std::vector<PeriodChange> periodsOf(const PeriodCounter& counter) {
-    const Changes& changes = counter.track->changes;
+    const ChangeList& changes = counter.track->changes;
     switch (counter.source) {
         case PeriodSource::SetPeriod:
         case PeriodSource::DisplayMode:
@@ -82,7 +94,7 @@ std::vector<PeriodChange> periodsOf(const PeriodCounter& counter) {
 }  // namespace
 
 RefreshPeriods findRefreshPeriods(const Compositor& compositor,
-                                  const std::vector<QueuedLayer>& layers,
+                                  const std::deque<QueuedLayer>& layers,
                                   std::optional<double> rateHz) {
     if (rateHz) return {PeriodSource::Option, "", {{0, periodOfRate(*rateHz)}}};
 

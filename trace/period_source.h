@@ -20,7 +20,7 @@ struct RefreshPeriods {
 
 /** Takes the periods from the best source that the trace has, or from `rateHz` if given. */
 RefreshPeriods findRefreshPeriods(const Compositor& compositor,
-                                  const std::vector<QueuedLayer>& layers,
+                                  const std::deque<QueuedLayer>& layers,
                                   std::optional<double> rateHz);
 
 }  // namespace brevold::trace

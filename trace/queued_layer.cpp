@@ -1,5 +1,9 @@
 #include "trace/queued_layer.h"
 
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
 namespace brevold::trace {
 namespace {
 
@@ -9,38 +13,36 @@ enum class LayerRule : uint8_t { BufferTx, Slots, CrossesThreads };
 LayerRule ruleOf(const Compositor& compositor) {
     LayerRule rule = LayerRule::CrossesThreads;
     for (const CounterTrack& track : compositor.tracks()) {
-        if (compositor.changesOf(track).empty()) continue;
+        if (track.changes.isEmpty()) continue;
         if (track.role == CounterRole::BufferTx) return LayerRule::BufferTx;
         if (track.role == CounterRole::Candidate && track.hasSlots) rule = LayerRule::Slots;
     }
     return rule;
 }
 
-bool risesElsewhere(const Compositor::Changes& changes, int32_t compositorTid) {
+struct Threads {
+    bool risesElsewhere = false;  // than on the compositor's thread
+    bool fallsHere = false;
+};
+
+Threads threadsOf(const ChangeList& changes, int32_t compositorTid) {
+    Threads threads;
     int64_t last = 0;
-    return std::any_of(changes.begin(), changes.end(), [&](const CounterChange& change) {
-        const bool isRise = change.value > last;
+    changes.forEach([&](const CounterChange& change) {
+        const bool isHere = change.tid == compositorTid;
+        threads.risesElsewhere |= change.value > last && !isHere;
+        threads.fallsHere |= change.value < last && isHere;
         last = change.value;
-        return isRise && change.tid != compositorTid;
     });
+    return threads;
 }
 
-bool fallsHere(const Compositor::Changes& changes, int32_t compositorTid) {
-    int64_t last = 0;
-    return std::any_of(changes.begin(), changes.end(), [&](const CounterChange& change) {
-        const bool isFall = change.value < last;
-        last = change.value;
-        return isFall && change.tid == compositorTid;
-    });
-}
-
-bool isLayer(const CounterTrack& track, const Compositor& compositor, LayerRule rule) {
+bool isLayer(const CounterTrack& track, LayerRule rule, Threads threads) {
     if (rule == LayerRule::BufferTx) return track.role == CounterRole::BufferTx;
     if (track.role != CounterRole::Candidate) return false;
     if (rule == LayerRule::Slots) return track.hasSlots;
     // Applications queue on other threads than the one on which the compositor takes the frames.
-    return risesElsewhere(track.changes, compositor.tid()) &&
-           fallsHere(track.changes, compositor.tid());
+    return threads.risesElsewhere && threads.fallsHere;
 }
 
 std::string nameOf(const CounterTrack& track) {
@@ -48,45 +50,77 @@ std::string nameOf(const CounterTrack& track) {
     return numberedName(track.name.substr(hasPrefix ? kBufferTxPrefix.size() : 0));
 }
 
-QueuedLayer layerOf(const CounterTrack& track) {
-    QueuedLayer layer{nameOf(track), {}, {}, &track.changes, {}};
-    int32_t last = 0;
-    for (const CounterChange& change : track.changes) {
-        const int32_t depth = std::max(change.value, 0);
-        if (change.value < 0) layer.belowZero.add(change.line);
-        // The first value may be any, as the recording starts at any moment.
-        const bool isFirst = &change == track.changes.data();
-        if (!isFirst && (depth > last ? depth - last : last - depth) > 1) {
-            layer.jumps.add(change.line);
-        }
-        last = depth;
-    }
-    return layer;
+bool changesDepth(const ChangeList& changes) {
+    bool hasDepth = false;
+    changes.forEach([&](const CounterChange& change) { hasDepth |= change.value > 0; });
+    return hasDepth;
 }
 
-bool changesDepth(const Compositor::Changes& changes) {
-    return std::any_of(changes.begin(), changes.end(),
-                       [](const CounterChange& change) { return change.value > 0; });
+/** Lines of several layers do not come in their order. */
+void addLine(int64_t line, LineCount* lines) {
+    lines->add(LineCount{1, line});
+}
+
+void addOddities(const ChangeList& changes, QueuedLayers* layers) {
+    // The first value may be any, as the recording starts at any moment.
+    std::optional<int32_t> last;
+    changes.forEach([&](const CounterChange& change) {
+        const int32_t depth = std::max(change.value, 0);
+        const int32_t lastDepth = last.value_or(depth);
+        if (change.value < 0) addLine(change.line, &layers->belowZero);
+        if (std::abs(depth - lastDepth) > 1) addLine(change.line, &layers->jumps);
+        last = depth;
+    });
+}
+
+void countFrames(QueuedLayer* queued) {
+    Layer& layer = queued->layer;
+    queued->forEachDepth([&](const DepthChange& change) {
+        if (change.kind != DepthChange::Kind::Frame) return;
+        if (layer.frames++ == 0) layer.firstFrameNs = change.at.timeNs;
+        layer.lastFrameNs = change.at.timeNs;
+    });
 }
 
 }  // namespace
 
-std::vector<QueuedLayer> findLayers(const Compositor& compositor) {
+bool QueuedLayer::takeDepth(DepthChange* change) {
+    while (!changes.isEmpty()) {
+        if (const auto next = follow(changes.takeFirst(), &depth)) {
+            *change = *next;
+            return true;
+        }
+    }
+    return false;
+}
+
+std::optional<DepthChange> QueuedLayer::follow(const CounterChange& change, int32_t* last) const {
+    using Kind = DepthChange::Kind;
+    const int32_t newDepth = std::max(change.value, 0);
+    const int32_t oldDepth = std::exchange(*last, newDepth);
+    if (newDepth == oldDepth) return {};
+    const Kind rise = change.tid == compositorTid ? Kind::Other : Kind::Frame;
+    return DepthChange{newDepth > oldDepth ? rise : Kind::Latch, change.at(), newDepth};
+}
+
+QueuedLayers takeLayers(Compositor& compositor) {
     const LayerRule rule = ruleOf(compositor);
-    std::vector<QueuedLayer> layers;
+    QueuedLayers found;
     // A rise on the compositor's own thread is its own doing, not a frame of an application. But a
     // trace that was converted from a log without threads has everything on one thread.
     bool hasThreads = false;
-    for (const CounterTrack& track : compositor.tracks()) {
-        const Compositor::Changes& changes = compositor.changesOf(track);
-        if (!isLayer(track, compositor, rule) || !changesDepth(changes)) continue;
-        layers.push_back(layerOf(track));
-        hasThreads = hasThreads || risesElsewhere(changes, compositor.tid());
+    for (CounterTrack& track : compositor.tracks()) {
+        const Threads threads = threadsOf(track.changes, compositor.tid());
+        if (!isLayer(track, rule, threads) || !changesDepth(track.changes)) continue;
+        addOddities(track.changes, &found);
+        found.layers.push_back({{nameOf(track), 0}, std::move(track.changes), {}});
+        hasThreads |= threads.risesElsewhere;
     }
-    for (QueuedLayer& layer : layers) {
+    for (QueuedLayer& layer : found.layers) {
         if (hasThreads) layer.compositorTid = compositor.tid();
+        countFrames(&layer);
     }
-    return layers;
+    return found;
 }
 
 std::string numberedName(std::string layer) {

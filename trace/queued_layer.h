@@ -1,13 +1,14 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
+#include <deque>
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "base/line_count.h"
+#include "trace/change_list.h"
 #include "trace/compositor.h"
+#include "trace/timeline.h"
 #include "trace/trace_point.h"
 
 namespace brevold::trace {
@@ -24,35 +25,37 @@ struct DepthChange {
     int32_t depth;  // after the change, at least 0
 };
 
-/** A layer and the changes of its queue depth. The compositor's marks have to outlive it. */
+/** A layer and the changes of its queue depth, which is initially 0. */
 struct QueuedLayer {
-    std::string name;
-    LineCount belowZero;  // taken as 0
-    LineCount jumps;      // changes by more than one
-    const Compositor::Changes* changes;
+    Layer layer;
+    ChangeList changes;
     /** A rise on this thread is not a frame. */
     std::optional<int32_t> compositorTid;
+    int32_t depth = 0;  // before `changes`
 
-    /** Calls visit(DepthChange) for each change of the depth, which is initially 0. */
     template <typename Visit>
     void forEachDepth(Visit visit) const {
-        int32_t last = 0;
-        for (const CounterChange& change : *changes) {
-            const int32_t depth = std::max(change.value, 0);
-            if (depth > last) {
-                const bool isFrame = change.tid != compositorTid;
-                visit(DepthChange{isFrame ? DepthChange::Kind::Frame : DepthChange::Kind::Other,
-                                  change.at(), depth});
-            } else if (depth < last) {
-                visit(DepthChange{DepthChange::Kind::Latch, change.at(), depth});
-            }
-            last = depth;
-        }
+        int32_t last = depth;
+        changes.forEach([&](const CounterChange& change) {
+            if (const auto depthChange = follow(change, &last)) visit(*depthChange);
+        });
     }
+
+    /** Removes the first change of the depth from `changes`. Returns false if none is left. */
+    bool takeDepth(DepthChange* change);
+
+  private:
+    std::optional<DepthChange> follow(const CounterChange& change, int32_t* last) const;
 };
 
-/** Returns the layers whose depth changes, in the order of their first mention. */
-std::vector<QueuedLayer> findLayers(const Compositor& compositor);
+struct QueuedLayers {
+    std::deque<QueuedLayer> layers;
+    LineCount belowZero;  // taken as 0
+    LineCount jumps;      // changes by more than one
+};
+
+/** Finds the layers whose depth changes, in the order of their first mention. */
+QueuedLayers takeLayers(Compositor& compositor);
 
 /** Returns the name with its number: appends "#0" to a name without one. */
 std::string numberedName(std::string layer);

@@ -3,15 +3,17 @@
 #include <algorithm>
 #include <iterator>
 #include <limits>
+#include <map>
+#include <utility>
 
 #include "trace/compositor.h"
+#include "trace/event_sources.h"
 #include "trace/focused_layer.h"
 #include "trace/latency_dump.h"
 #include "trace/perfetto_reader.h"
 #include "trace/period_source.h"
 #include "trace/queued_layer.h"
 #include "trace/text_mark_reader.h"
-#include "trace/timeline_builder.h"
 #include "trace/vsync_counters.h"
 
 namespace brevold::trace {
@@ -29,54 +31,24 @@ bool isLibraryMark(const TraceMark& mark) {
                        });
 }
 
-void addLayers(const std::vector<QueuedLayer>& layers, TimelineBuilder& builder,
-               std::vector<TraceWarning>* warnings) {
-    LineCount belowZero;
-    LineCount jumps;
+std::deque<TracePoint> latchesOf(const std::deque<QueuedLayer>& layers) {
+    std::deque<TracePoint> latches;
     for (const QueuedLayer& layer : layers) {
-        const int32_t index = builder.addLayer(layer.name);
         layer.forEachDepth([&](const DepthChange& change) {
-            switch (change.kind) {
-                case DepthChange::Kind::Frame:
-                    builder.addFrame(change.at, index, change.depth);
-                    break;
-                case DepthChange::Kind::Latch:
-                    builder.addLatch(change.at, index, change.depth);
-                    break;
-                case DepthChange::Kind::Other:
-                    builder.addDepth(change.at, index, change.depth);
-                    break;
-            }
+            if (change.kind == DepthChange::Kind::Latch) latches.push_back(change.at);
         });
-        belowZero.add(layer.belowZero);
-        jumps.add(layer.jumps);
     }
-    addWarning(TraceWarning::Kind::NegativeDepth, belowZero, warnings);
-    addWarning(TraceWarning::Kind::DepthJump, jumps, warnings);
+    return latches;
 }
 
-CompositionSource addCompositions(const Compositor& compositor, TimelineBuilder& builder) {
-    const std::vector<const Section*> sections = compositor.compositions();
-    if (sections.empty()) {
-        builder.addCompositionsFromLatches();
-        return CompositionSource::Latches;
-    }
-    constexpr auto kSectionKinds = static_cast<size_t>(CompositionSource::Latches);
-    int64_t counts[kSectionKinds] = {};
-    for (const Section* section : sections) {
-        ++counts[static_cast<size_t>(section->kind)];
-        builder.addComposition(section->begin, section->end);
-    }
-    const auto max = std::max_element(std::begin(counts), std::end(counts));
-    return static_cast<CompositionSource>(max - std::begin(counts));
-}
-
-VsyncSource addVsyncs(const Compositor& compositor, TimelineBuilder& builder) {
-    const Vsyncs vsyncs = findVsyncs(compositor);
-    if (vsyncs.toggles == nullptr) return vsyncs.source;
-    for (const CounterChange& toggle : *vsyncs.toggles)
-        builder.addVsync(toggle.at());
-    return vsyncs.source;
+CompositionSource sourceOf(const std::deque<Section>& compositions) {
+    std::map<CompositionSource, int64_t> counts;
+    for (const Section& composition : compositions)
+        ++counts[composition.kind];
+    const auto max =
+            std::max_element(counts.begin(), counts.end(),
+                             [](const auto& a, const auto& b) { return a.second < b.second; });
+    return max == counts.end() ? CompositionSource::Latches : max->first;
 }
 
 Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOptions& options,
@@ -93,25 +65,36 @@ Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOp
     timeline.endNs = reader.endNs();
     timeline.warnings = reader.warnings();
 
-    const Compositor compositor(marks, path);
+    Compositor compositor(std::move(marks), path);
     if (compositor.rivalWarning()) timeline.warnings.push_back(*compositor.rivalWarning());
-    const std::vector<QueuedLayer> layers = findLayers(compositor);
-    // This takes much memory for a moment, so do it before there are events.
-    RefreshPeriods periods = findRefreshPeriods(compositor, layers, options.refreshRateHz);
-    TimelineBuilder builder(timeline);
-    addLayers(layers, builder, &timeline.warnings);
+    auto [layers, belowZero, jumps] = takeLayers(compositor);
+    addWarning(TraceWarning::Kind::NegativeDepth, belowZero, &timeline.warnings);
+    addWarning(TraceWarning::Kind::DepthJump, jumps, &timeline.warnings);
+    for (const QueuedLayer& layer : layers)
+        timeline.layers.push_back(layer.layer);
     const FocusedLayer focused = findFocusedLayer(timeline.layers, options.layer, path);
     timeline.focusedLayer = focused.layer;
     timeline.passedOverLayer = focused.passedOver;
-    timeline.compositionSource = addCompositions(compositor, builder);
-    timeline.vsyncSource = addVsyncs(compositor, builder);
 
+    RefreshPeriods periods = findRefreshPeriods(compositor, layers, options.refreshRateHz);
     timeline.periodSource = periods.source;
     timeline.periodCounter = std::move(periods.counter);
     periods.changes.front().timeNs = timeline.startNs;
-    for (const PeriodChange& change : periods.changes)
-        builder.addPeriod(change.timeNs, change.periodNs);
-    builder.finish();
+
+    std::deque<Section> compositions = compositor.takeCompositions();
+    if (compositions.empty()) compositions = compositionsOf(latchesOf(layers));
+    timeline.compositionSource = sourceOf(compositions);
+    Vsyncs vsyncs = takeVsyncs(compositor);
+    timeline.vsyncSource = vsyncs.source;
+
+    EventSources sources;
+    int32_t index = 0;
+    sources.push_back(periodEvents(std::move(periods.changes)));
+    sources.push_back(compositionEvents(std::move(compositions)));
+    sources.push_back(pointEvents(TimelineEvent::Kind::Vsync, std::move(vsyncs.toggles)));
+    for (QueuedLayer& layer : layers)
+        sources.push_back(layerEvents(layer, index++));
+    timeline.events = mergeEvents(std::move(sources));
     if (options.followsFocus && !options.layer) followFocus(timeline);
 
     if (form != nullptr) {

@@ -107,7 +107,10 @@ bool TextMarkReader::parseMark(std::string_view payload, TraceMark* mark) {
 
 void TextMarkReader::noteThread(const EventLine& line) {
     mForm.style.decimals = std::max(mForm.style.decimals, line.decimals);
-    std::string& name = mForm.threads[line.tid];
+    if (mLastThread == nullptr || mLastThread->first != line.tid) {
+        mLastThread = &*mForm.threads.try_emplace(line.tid).first;
+    }
+    std::string& name = mLastThread->second;
     // A process that starts is renamed more than once; viewers show the last name.
     if (line.task != kUnknownTask && line.task != name) name = line.task;
 }

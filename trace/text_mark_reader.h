@@ -3,6 +3,7 @@
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "base/line_count.h"
 #include "trace/event_line.h"
@@ -58,6 +59,7 @@ class TextMarkReader : public MarkReader {
     bool mHasStyle = false;
     bool mHasEnd = false;
     TraceForm mForm;
+    std::pair<const int32_t, std::string>* mLastThread = nullptr;  // in mForm
 };
 
 }  // namespace brevold::trace

@@ -66,7 +66,7 @@ void TraceMarks::addValue(const TraceMark& mark) {
     if (track.values++ > 0 && track.lastValue == mark.value) return;
     track.lastValue = mark.value;
     const int64_t value = std::clamp<int64_t>(mark.value, Limits::min(), Limits::max());
-    track.changes.push_back({mark.timeNs, mark.line, mark.tid, static_cast<int32_t>(value)});
+    track.changes.add({mark.timeNs, mark.line, mark.tid, static_cast<int32_t>(value)});
 }
 
 size_t TraceMarks::trackOf(int32_t pid, std::string_view name) {

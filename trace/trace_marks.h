@@ -4,8 +4,10 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <utility>
 #include <vector>
 
+#include "trace/change_list.h"
 #include "trace/counter_role.h"
 #include "trace/timeline.h"
 #include "trace/trace_mark.h"
@@ -13,28 +15,18 @@
 
 namespace brevold::trace {
 
-/** A change of a counter. A trace may have millions, so it has no field that could be derived. */
-struct CounterChange {
-    int64_t timeNs;
-    int64_t line;
-    int32_t tid;
-    int32_t value;  // clamped to 32 bits
-
-    TracePoint at() const { return {timeNs, line, tid}; }
-};
-
 /** A counter of one process. */
 struct CounterTrack {
     int32_t pid;
     std::string name;
     CounterRole role;
-    bool hasSlots;                       // the process has sections "name: <slot>"
-    int64_t values;                      // including those equal to the previous one
-    int64_t lastValue;                   // not clamped
-    std::vector<CounterChange> changes;  // in the order of time; the first is the first value
+    bool hasSlots;      // the process has sections "name: <slot>"
+    int64_t values;     // including those equal to the previous one
+    int64_t lastValue;  // not clamped
+    ChangeList changes;
 };
 
-/** A section in which the compositor composes or commits. */
+/** A section in which the compositor composes or commits, or a group of latches in its place. */
 struct Section {
     CompositionSource kind;
     int32_t pid;
@@ -55,7 +47,11 @@ class TraceMarks {
      * commits inside commits are omitted. If the trace lost the end of a section, the section ends
      * where the thread composes or commits again.
      */
-    const std::vector<Section>& sections() const { return mSections; }
+    const std::deque<Section>& sections() const { return mSections; }
+
+    // Move them out; add no marks after that.
+    std::deque<CounterTrack> takeTracks() { return std::move(mTracks); }
+    std::deque<Section> takeSections() { return std::move(mSections); }
 
   private:
     struct TrackKey {
@@ -89,7 +85,7 @@ class TraceMarks {
     std::deque<CounterTrack> mTracks;
     std::unordered_map<TrackKey, size_t, TrackHash> mTrackIndices;
     std::unordered_map<int32_t, Thread> mThreads;
-    std::vector<Section> mSections;
+    std::deque<Section> mSections;
 };
 
 }  // namespace brevold::trace

@@ -1,6 +1,7 @@
 #include "trace/vsync_counters.h"
 
 #include <algorithm>
+#include <map>
 #include <tuple>
 
 namespace brevold::trace {
@@ -21,8 +22,8 @@ struct RankedCounter {
     enum Rank : uint8_t { SetPeriod, DisplayMode, Predicted, Hardware, Vsync, VsyncApp, None };
 
     Rank rank;
-    int64_t displayVsyncs;
-    int64_t changes;
+    size_t displayVsyncs;
+    size_t changes;
     PeriodCounter counter;
 };
 
@@ -66,27 +67,39 @@ PeriodSource sourceOf(RankedCounter::Rank rank) {
 
 }  // namespace
 
-Vsyncs findVsyncs(const Compositor& compositor) {
+Vsyncs takeVsyncs(Compositor& compositor) {
     for (const auto& [name, source] : kVsyncCounters) {
-        const Compositor::Changes& toggles = compositor.changesOf(name);
-        if (!toggles.empty()) return {source, &toggles};
+        for (CounterTrack& track : compositor.tracks()) {
+            if (track.name != name || track.changes.isEmpty()) continue;
+            Vsyncs vsyncs = {source, {}};
+            while (!track.changes.isEmpty())
+                vsyncs.toggles.push_back(track.changes.takeFirst().at());
+            return vsyncs;
+        }
     }
-    return {VsyncSource::None, nullptr};
+    return {};
 }
 
 std::vector<PeriodCounter> findPeriodCounters(const Compositor& compositor) {
+    std::map<std::string_view, size_t> displayVsyncs;
+    for (const CounterTrack& track : compositor.tracks()) {
+        if (isHardwareVsync(track.name)) {
+            displayVsyncs[displayIdOf(track.name)] = track.changes.size();
+        }
+    }
     std::vector<RankedCounter> found;
     for (const CounterTrack& track : compositor.tracks()) {
-        const auto changes = static_cast<int64_t>(compositor.changesOf(track).size());
+        const size_t changes = track.changes.size();
         const RankedCounter::Rank rank = rankOf(track);
         if (changes == 0 || rank == RankedCounter::None) continue;
-        const std::string display(displayIdOf(track.name));
-        const std::string vsync = std::string(kHardwareVsync) + display;
-        const auto vsyncs = static_cast<int64_t>(compositor.changesOf(vsync).size());
+        const auto vsyncs = displayVsyncs.find(displayIdOf(track.name));
         const IntervalKind intervals = rank == RankedCounter::Hardware
                                                ? IntervalKind::DisplayTick
                                                : IntervalKind::RequestedTick;
-        found.push_back({rank, vsyncs, changes, {sourceOf(rank), intervals, &track}});
+        found.push_back({rank,
+                         vsyncs == displayVsyncs.end() ? 0 : vsyncs->second,
+                         changes,
+                         {sourceOf(rank), intervals, &track}});
     }
     std::stable_sort(found.begin(), found.end(),
                      [](const RankedCounter& a, const RankedCounter& b) {

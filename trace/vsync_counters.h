@@ -1,20 +1,23 @@
 #pragma once
 
+#include <deque>
 #include <vector>
 
 #include "trace/compositor.h"
 #include "trace/refresh_period.h"
 #include "trace/timeline.h"
+#include "trace/trace_point.h"
 
 namespace brevold::trace {
 
 /** The toggles of the counter that shows when the compositor's vsyncs are due. */
 struct Vsyncs {
-    VsyncSource source;
-    const Compositor::Changes* toggles;  // null if the source is VsyncSource::None
+    VsyncSource source = VsyncSource::None;
+    std::deque<TracePoint> toggles;
 };
 
-Vsyncs findVsyncs(const Compositor& compositor);
+/** Moves the toggles out of the compositor's counter. */
+Vsyncs takeVsyncs(Compositor& compositor);
 
 /** A counter that shows the refresh period. */
 struct PeriodCounter {

@@ -1,0 +1,208 @@
+// Explores every order in which two compositor threads and the library's workers can lock, unlock,
+// wait, signal and call the service. All four are fibers of one thread, and this program supplies
+// the platform to the library. Preemptions are not limited: if several schedules reach the same
+// state, the exploration continues from it only once.
+
+#include <link.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <stdexcept>
+#include <unordered_map>
+
+#include "brevold/brevold.h"
+#include "brevold/frame_rate.h"
+#include "tests/schedule_state.h"
+
+using namespace brevold::test;
+
+namespace {
+
+constexpr int64_t kPeriodNs = 16666666;
+// Short enough for a string without a heap block.
+constexpr char kLayer[] = "a.b/c#1", kOtherLayer[] = "d.e/f#1";
+
+void tick(int64_t intervalNs) {
+    gWorld.timeNs += intervalNs;
+    brevoldRefresh();
+}
+
+// A frame with a headroom of 8 ms: a DOWN with two queued frames, an UP with one.
+void frame(int32_t queuedFrames, int64_t intervalMs, const char* layer = kLayer) {
+    LayerFrameInfo info = {};
+    info.layerName = info.peerLayerName = layer;
+    info.lastMaxQueuedFrames = queuedFrames;
+    info.refreshPeriod = kPeriodNs;
+    info.sfTime = gWorld.timeNs;
+    info.qbTime = info.sfTime + 2 * (kPeriodNs - 1000000) - 8000000;
+    info.lastQbTime = info.qbTime - intervalMs * 1000000;
+    brevoldOnFrameAvailable(&info);
+}
+
+constexpr uint32_t wordOf(float scale, bool isQb) {
+    const bool isDown = scale < 1.0f;
+    return android::packTypeWord(scale, isDown ? android::kDirectionDown : android::kDirectionUp,
+                                 isDown ? android::kNoBoost : android::kBoost) |
+           (isQb ? android::kQbChannelBit : 0);
+}
+
+const Call kTick = {"a tick", [] { tick(kPeriodNs); }};
+const Call kIdleTick = {"an idle tick", [] { tick(android::kIdleGapNs); }};
+const Call kRelease = {"a release", [] { android::releaseScaling(); }};
+const Call kVsync = {"a vsync", [] { brevoldMonitor(2, kPeriodNs); }};
+const Call kBoost = {"a boost", [] { brevoldScaling(2, 0); }, kSf, wordOf(10.0f, false)};
+const Call kDown = {"a DOWN frame", [] { frame(2, 2); }, kQb, wordOf(0.25f, true)};
+const Call kUp = {"an UP frame", [] { frame(1, 10); }, kQb, wordOf(1.25f, true)};
+const Call kNewLayer = {"a frame of another layer", [] { frame(2, 4, kOtherLayer); }, kQb,
+                        wordOf(0.5f, true)};
+const Call kRequest = {"a request", [] { android::energyScaling(0.125f, 1, 0, kQb); }, kQb,
+                       wordOf(0.125f, true)};
+
+// All programs in which each thread makes a number of calls from its list. Only the first thread
+// reports frames, and only the second one ticks.
+struct Programs {
+    int calls;
+    std::vector<const Call*> choices[kFibers - kWorkers];
+};
+const Programs kPrograms[] = {
+        {2,
+         {{&kDown, &kUp, &kNewLayer, &kBoost, &kVsync, &kRequest, &kRelease},
+          {&kTick, &kIdleTick, &kBoost, &kVsync, &kRequest, &kRelease}}},
+        {3, {{&kDown, &kNewLayer}, {&kTick, &kBoost}}},
+        {4, {{&kBoost, &kRelease}, {&kTick, &kBoost}}},
+        {4, {{&kDown, &kUp}, {&kTick, &kRequest}}},
+};
+
+void makeCalls(void* calls) {
+    Fiber& self = gWorld.fibers[gCurrent];
+    for (int left = *static_cast<const int*>(calls); left > 0; --left) {
+        pause(Operation::Call);
+        self.call->run();
+        self.call = nullptr;
+    }
+}
+
+class Explorer {
+  public:
+    explicit Explorer(const Programs& programs) : mPrograms(programs) {}
+
+    // Returns the number of schedules that start in the present state.
+    double explore() {
+        const Snapshot present;
+        const auto [known, isNew] = mSchedules.try_emplace(present.hash(), 0.0);
+        if (!isNew) return known->second;
+        double schedules = 0.0;
+        for (size_t fiber = 0; fiber < kFibers; ++fiber) {
+            if (!gWorld.canContinue(fiber)) continue;
+            const Fiber& self = gWorld.fibers[fiber];
+            for (const Call* call : self.next == Operation::Call
+                                            ? mPrograms.choices[fiber - kWorkers]
+                                            : std::vector<const Call*>{self.call}) {
+                schedules += take({fiber, self.next, call});
+                present.restore();
+            }
+        }
+        if (schedules == 0.0) {
+            for (size_t fiber = 0; fiber < kFibers; ++fiber) {
+                const Operation end = fiber < kWorkers ? Operation::WakeUp : Operation::End;
+                if (gWorld.fibers[fiber].next != end) fail("a deadlock");
+            }
+            schedules = 1.0;
+        }
+        return mSchedules[present.hash()] = schedules;
+    }
+
+    size_t states() const { return mSchedules.size(); }
+
+  private:
+    struct Step {
+        size_t fiber;
+        Operation operation;
+        const Call* call;
+    };
+
+    double take(const Step& step) {
+        mPath.push_back(step);
+        gWorld.fibers[step.fiber].call = step.call;
+        resume(step.fiber);
+        if (gWorld.violation != nullptr) fail(gWorld.violation);
+        const double schedules = explore();
+        mPath.pop_back();
+        return schedules;
+    }
+
+    [[noreturn]] void fail(const char* violation) const {
+        constexpr const char* kFiberNames[] = {"SF", "QB", "thread 1", "thread 2"};
+        constexpr const char* kNames[] = {"call", "lock",   "unlock",  "wait",
+                                          "wake", "signal", "service", "end"};
+        for (const auto& [fiber, operation, call] : mPath) {
+            printf("%s: %s%s%s\n", kFiberNames[fiber], kNames[static_cast<size_t>(operation)],
+                   call == nullptr ? "" : " in ", call == nullptr ? "" : call->name);
+        }
+        throw std::runtime_error(violation);
+    }
+
+    const Programs& mPrograms;
+    std::unordered_map<size_t, double> mSchedules;  // by the hash of a state
+    std::vector<Step> mPath;
+};
+
+// Adds the library's data, except the part that is read-only after relocation.
+int addVariables(dl_phdr_info* info, size_t, void*) {
+    if (strstr(info->dlpi_name, "libbrevold.so") == nullptr) return 0;
+    constexpr uintptr_t kPageBytes = 4096;
+    uintptr_t start = 0, end = 0;
+    for (int i = 0; i < info->dlpi_phnum; ++i) {
+        const ElfW(Phdr)& segment = info->dlpi_phdr[i];
+        const uintptr_t segmentEnd = info->dlpi_addr + segment.p_vaddr + segment.p_memsz;
+        if (segment.p_type == PT_GNU_RELRO) start = segmentEnd / kPageBytes * kPageBytes;
+        if (segment.p_type == PT_LOAD && (segment.p_flags & PF_W) != 0) end = segmentEnd;
+    }
+    gLibraryMemory.push_back({reinterpret_cast<char*>(start), end - start});
+    return 1;
+}
+
+// Initialises the library and measures 60 fps. The second tick afterwards ends a window.
+void setUp() {
+    dl_iterate_phdr(addVariables, nullptr);
+    std::fill_n(gWorld.owners, kLocks, kNoFiber);
+    gWorld.timeNs = kPeriodNs;
+    brevoldInit();
+    for (size_t worker = 0; worker < kWorkers; ++worker) {
+        while (gWorld.canContinue(worker))
+            resume(worker);
+    }
+    brevoldMonitor(0, 0);
+    gLocks[kGLock] = gLastLock;
+    frame(1, 0);
+    while (gLoggedMode != android::kMode60Fps)
+        tick(kPeriodNs);
+    for (int i = 0; i < 60; ++i)
+        tick(kPeriodNs);
+    gWindows = 0;
+}
+
+}  // namespace
+
+int main() {
+    setUp();
+    const Snapshot initial;
+    try {
+        for (const Programs& programs : kPrograms) {
+            int calls = programs.calls;
+            for (size_t fiber = kWorkers; fiber < kFibers; ++fiber)
+                start(fiber, makeCalls, &calls);
+            Explorer explorer(programs);
+            const double schedules = explorer.explore();
+            printf("%d calls a thread: %.2g schedules in %zu states\n", calls, schedules,
+                   explorer.states());
+            initial.restore();
+        }
+    } catch (const std::exception& violation) {
+        printf("%s\n", violation.what());
+        return 1;
+    }
+    printf("%zu boosts, %zu releases, %zu requests, %zu measuring windows\n", gBoosts, gReleases,
+           gRequests, gWindows);
+    return gBoosts == 0 || gReleases == 0 || gRequests == 0 || gWindows == 0 ? 1 : 0;
+}
