@@ -19,6 +19,7 @@ constexpr char kTraceGroup[] = "Trace";
 constexpr char kVerifyGroup[] = "Verification";
 constexpr double kMinRefreshRateHz = 1.0;
 constexpr double kMaxRefreshRateHz = 1000.0;
+constexpr double kMaxTimeS = 1e9;
 
 void addTraceOptions(CLI::App& app, ReplayOptions& options) {
     const auto layer =
@@ -43,9 +44,11 @@ void addTraceOptions(CLI::App& app, ReplayOptions& options) {
                    "report only from this time on, in seconds since the first event; the library "
                    "sees the whole trace")
             ->type_name("S")
+            ->check(numberFrom(0.0, kMaxTimeS))
             ->group(kTraceGroup);
     app.add_option("--to", options.window.toS, "report only up to this time, in seconds")
             ->type_name("S")
+            ->check(numberFrom(0.0, kMaxTimeS))
             ->group(kTraceGroup);
 }
 
