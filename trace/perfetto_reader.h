@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "trace/activity.h"
 #include "trace/byte_source.h"
 #include "trace/clock_offsets.h"
 #include "trace/expansion_limit.h"
@@ -20,8 +21,11 @@ namespace brevold::trace {
  */
 class PerfettoReader : public MarkReader {
   public:
-    /** `trace` has to outlive the reader. Error messages begin with `path`. */
-    PerfettoReader(ByteSource& trace, std::string path);
+    /**
+     * `trace` has to outlive the reader. Error messages begin with `path`. Unless `activity` is
+     * null, the events of the scheduler are added to it.
+     */
+    PerfettoReader(ByteSource& trace, std::string path, Activity* activity = nullptr);
 
     /**
      * The first call reads the whole trace, because each processor has bundles of its own. A packet
@@ -47,6 +51,7 @@ class PerfettoReader : public MarkReader {
 
     ByteSource& mTrace;
     const std::string mPath;
+    Activity* const mActivity;
     bool mIsRead = false;
     ClockOffsets mClocks;
     FtraceBundles mBundles;
