@@ -144,6 +144,6 @@ int main(int argc, char** argv) {
             },
             [&](std::ostream& out) {
                 run(options, setup, out);
-                return true;
+                return ExitStatus::Success;
             });
 }

@@ -56,7 +56,7 @@ class PerfettoReader : public MarkReader {
 
     ByteSource& mTrace;
     const std::string mPath;
-    Activity* const mActivity;
+    Activity* const mActivity = nullptr;
     bool mIsRead = false;
     ClockOffsets mClocks;
     FtraceBundles mBundles;
