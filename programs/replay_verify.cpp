@@ -2,7 +2,6 @@
 
 #include "base/error.h"
 #include "brevold/protocol.h"
-#include "plot/plot.h"
 #include "programs/trace_replay.h"
 #include "replay/isolated_play.h"
 #include "trace/read_timeline.h"
