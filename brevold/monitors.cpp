@@ -5,6 +5,7 @@
 
 #include "brevold/brevold.h"
 #include "brevold/frame_rate.h"
+#include "brevold/headroom.h"
 #include "brevold/layer_name.h"
 #include "brevold/platform.h"
 #include "brevold/protocol.h"
@@ -32,10 +33,6 @@ struct FrameTiming {
     int64_t frameBudgetNs;
 };
 
-float ratio(int64_t dividend, int64_t divisor) {
-    return static_cast<float>(dividend) / static_cast<float>(divisor);
-}
-
 void markScaling(const char* direction, const FrameTiming& frame, int64_t headRoom, float scale) {
     if (!gDebug) return;
     traceMarker("[%s_SCALING]mode \t%d \tscale \t%f" BREVOLD_GAP53
@@ -47,8 +44,7 @@ void markScaling(const char* direction, const FrameTiming& frame, int64_t headRo
 
 void scaleDown(const FrameTiming& frame) {
     const int64_t headRoom = checkedSub(frame.frameBudgetNs * frame.queuedFrames, frame.diffSFToQB);
-    const float quotient = ratio(frame.diffQB, headRoom);
-    const float scale = quotient > 1.0f ? 1.0f : quotient;  // NaN stays NaN
+    const float scale = downScale(frame.diffQB, headRoom);
     markScaling("DOWN", frame, headRoom, scale);
     if (!gPfarDownEnabled) return;
     energyScaling(scale, kDirectionDown, kNoBoost, kQbChannel);
@@ -58,7 +54,7 @@ void scaleDown(const FrameTiming& frame) {
 void scaleUp(const FrameTiming& frame) {
     const int64_t headRoom = checkedSub(frame.frameBudgetNs, frame.diffSFToQB);
     const float scale = ratio(frame.diffQB, checkedAdd(headRoom, frame.frameBudgetNs));
-    if (!(scale > 1.0f)) return;
+    if (!isUpDue(scale)) return;
     markScaling("UP", frame, headRoom, scale);
     energyScaling(scale, kDirectionUp, kBoost, kQbChannel);
     gUpCount = checkedAdd(gUpCount, 1);
@@ -95,9 +91,9 @@ void reportWindow() {
     if (!gDebug) return;
     traceMarker(BREVOLD_WINDOW_TAG " \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d" BREVOLD_GAP45
                                    "\tIdle:\t%d",
-                gMode, static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
-    BREVOLD_LOGE(BREVOLD_WINDOW_TAG " \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d \tIdle:\t%d", gMode,
-                 static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
+                modeWithoutLock(), static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
+    BREVOLD_LOGE(BREVOLD_WINDOW_TAG " \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d \tIdle:\t%d",
+                 modeWithoutLock(), static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
 }
 
 // Keep the order of the conditions: the last one aborts if the stamps are extreme.
@@ -163,15 +159,15 @@ void brevoldLayerStatusCheck(bool skip, std::string layerName, int keyA, int key
 void brevoldBufferMonitor(int lastMaxQueuedFrames, std::string peerLayerName, std::string layerName,
                           int64_t diffSFToQB, int64_t diffQB, int64_t sfTime, int64_t /*reserved*/,
                           int64_t refreshPeriod) {
-    gVsyncPeriod = refreshPeriod;
-    if (gScalingEnabled && gTargetApp && peerLayerName == layerName && gLastFrameStamp != 0 &&
-        lastMaxQueuedFrames >= 1) {
-        const int32_t mode = gMode;
+    setVsyncPeriodWithoutLock(refreshPeriod);
+    if (gScalingEnabled && isTargetAppWithoutLock() && peerLayerName == layerName &&
+        gLastFrameStamp != 0 && lastMaxQueuedFrames >= 1) {
+        const int32_t mode = modeWithoutLock();
         const RefreshBand* const band = refreshBandOf(refreshPeriod);
         if (band != nullptr && band->mode == mode) {
             const FrameTiming frame = {mode, lastMaxQueuedFrames, diffSFToQB, diffQB,
-                                       refreshPeriod - kPeriodMarginNs};
-            if (lastMaxQueuedFrames >= 2) {
+                                       frameBudgetOf(refreshPeriod)};
+            if (lastMaxQueuedFrames >= kMinDepthForDown) {
                 scaleDown(frame);
             } else {
                 scaleUp(frame);
@@ -280,6 +276,6 @@ void brevoldRefresh() {
     if (!gScalingEnabled && !gJr10Enabled) return;
     const nsecs_t nowNs = systemTime(SYSTEM_TIME_MONOTONIC);
     if (gLastRefreshTime != 0) modeMonitor(checkedSub(nowNs, gLastRefreshTime));
-    gLastRefreshTime = nowNs;
+    setLastRefreshTimeWithoutLock(nowNs);
     if (gScalingEnabled) gSFThread->withdrawBoost();
 }

@@ -1,5 +1,6 @@
 #include "programs/trace_replay.h"
 
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 
@@ -25,25 +26,16 @@ using trace::TraceInput;
 
 constexpr size_t kShownDivergences = 5;
 
-void writeHints(const std::string& path, const Recording& recording, const TimeWindow& window) {
+void writeHints(const std::string& path, const trace::Timeline& timeline,
+                const Recording& recording, const TimeWindow& window) {
     OutputFile file(path);
-    report::writeHintsCsv(recording.hints, window, file.stream());
+    report::writeHintsCsv(timeline, recording, window, file.stream());
     file.commit();
 }
 
-void writeTrace(const std::string& path, TraceInput& input, const trace::Timeline& timeline,
-                const trace::TraceForm& form, const Recording& recording) {
+void writePlot(const std::string& path, const plot::Plot& plot) {
     OutputFile file(path);
-    const bool isPerfetto = input.kind() == TraceInput::Kind::Perfetto;
-    const auto write = isPerfetto ? report::writePerfetto : report::writeTrace;
-    write(input.open(), input.name(), timeline, form, recording, file.stream());
-    file.commit();
-}
-
-void writePlot(const std::string& path, const std::string& trace, const trace::Timeline& timeline,
-               const Recording& recording, const TimeWindow& window) {
-    OutputFile file(path);
-    plot::drawPlot(trace, timeline, recording, window, plot::plotTerminal(path), file.stream());
+    plot::drawPlot(plot, plot::plotTerminal(path), file.stream());
     file.commit();
 }
 
@@ -60,20 +52,26 @@ std::string replayInput(TraceInput& input, const OutputFiles& files, const Repla
 
     const Recording recording = playIsolated(timeline, {}, play);
     report::TraceResult result = {report::summarise(trace, timeline, recording, window), {}};
+    std::optional<Recording> other;
     std::vector<Divergence> divergences;
     if (!options.common.vsSettings.empty()) {
         play.hasMarks = false;
-        const Recording other = playIsolated(timeline, options.common.vsSettings, play);
-        result.vs = report::summarise(trace, timeline, other, window);
-        divergences = firstDivergences(recording, other, window, kShownDivergences);
+        other = playIsolated(timeline, options.common.vsSettings, play);
+        result.vs = report::summarise(trace, timeline, *other, window);
+        divergences = firstDivergences(recording, *other, window, kShownDivergences);
     }
-    if (!files.hints.empty()) writeHints(files.hints, recording, window);
-    if (!files.traceOut.empty()) writeTrace(files.traceOut, input, timeline, form, recording);
-    if (!files.plot.empty()) writePlot(files.plot, trace, timeline, recording, window);
+    if (!files.hints.empty()) writeHints(files.hints, timeline, recording, window);
+    if (!files.traceOut.empty()) {
+        writeMarkedTrace(files.traceOut, input, timeline, form, recording, {});
+    }
+    if (!files.plot.empty()) {
+        writePlot(files.plot, {trace, timeline, recording, window, other ? &*other : nullptr,
+                               options.common.vsSettings});
+    }
     if (combinesResults(options)) return report::toBytes(result);
 
     std::ostringstream text;
-    report::print(result.summary, text);
+    report::print(result.summary, text, options.legend);
     if (result.vs) {
         report::printComparison(result.summary, *result.vs, divergences, timeline.startNs, text);
     }
@@ -81,6 +79,16 @@ std::string replayInput(TraceInput& input, const OutputFiles& files, const Repla
 }
 
 }  // namespace
+
+void writeMarkedTrace(const std::string& path, TraceInput& input, const trace::Timeline& timeline,
+                      const trace::TraceForm& form, const Recording& recording,
+                      const std::vector<report::AddedTrack>& tracks) {
+    OutputFile file(path);
+    const bool isPerfetto = input.kind() == TraceInput::Kind::Perfetto;
+    const auto write = isPerfetto ? report::writePerfetto : report::writeTrace;
+    write(input.open(), input.name(), timeline, form, recording, file.stream(), tracks);
+    file.commit();
+}
 
 bool combinesResults(const ReplayOptions& options) {
     return !options.layers && (options.common.json || options.traces.size() > 1);

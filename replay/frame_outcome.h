@@ -32,4 +32,8 @@ constexpr FrameOutcome kFrameOutcomes[] = {
         FrameOutcome::DownOff,     FrameOutcome::ScaleNotAboveOne,
 };
 
+constexpr bool isRequest(FrameOutcome outcome) {
+    return outcome == FrameOutcome::AskedDown || outcome == FrameOutcome::AskedUp;
+}
+
 }  // namespace brevold::replay

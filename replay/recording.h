@@ -16,6 +16,11 @@ struct ModeChange {
     int32_t mode;
 };
 
+/** The reason why Recording::modes is empty. */
+constexpr char kNoModesText[] =
+        "not reported: needs jank boost or energy scaling allowed, and "
+        "vendor.perf.brevold.debug=1";
+
 /** A frame of the layer in focus. */
 struct DecidedFrame {
     int64_t timeNs;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "base/text.h"
 #include "report/added_marks.h"
 #include "trace/event_line.h"
 #include "trace/line_reader.h"
@@ -12,7 +13,6 @@ namespace brevold::report {
 
 namespace {
 
-constexpr int64_t kNsPerSecond = 1000000000;
 constexpr size_t kTaskWidth = 16;
 const std::string kUnknownTask = "<...>";
 
@@ -62,9 +62,9 @@ void writeProcessNames(const trace::TraceForm& form, int64_t timeNs, std::ostrea
 }  // namespace
 
 void writeTrace(trace::ByteSource& text, const std::string& path, const trace::Timeline& timeline,
-                const trace::TraceForm& form, const replay::Recording& recording,
-                std::ostream& out) {
-    const AddedMarks added = addedMarks(recording, form, timeline.endNs);
+                const trace::TraceForm& form, const replay::Recording& recording, std::ostream& out,
+                const std::vector<AddedTrack>& tracks) {
+    const AddedMarks added = addedMarks(recording, form, timeline.endNs, tracks);
     auto next = added.marks.begin();
     const auto writeNext = [&] {
         out << lineOf(added.threads[next->thread], form.compositorPid, next->timeNs,

@@ -6,7 +6,7 @@
 #include <cmath>
 
 #include "plot/gnuplot.h"
-#include "sim/result_text.h"
+#include "sim/result_parts.h"
 
 namespace brevold::sim {
 
