@@ -18,8 +18,13 @@ namespace {
 constexpr int64_t kSecondNs = 1'000'000'000;
 
 std::string csvOf(const std::vector<host::Hint>& hints) {
+    trace::Timeline timeline;
+    timeline.layers = {{"", 0}};
+    replay::Recording recording;
+    recording.hints = hints;
+    recording.hintLayers.resize(hints.size());
     std::ostringstream csv;
-    report::writeHintsCsv(hints, {0, kNever}, csv);
+    report::writeHintsCsv(timeline, recording, {0, kNever}, csv);
     return csv.str();
 }
 
