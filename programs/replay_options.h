@@ -6,6 +6,7 @@
 
 #include "programs/common_options.h"
 #include "replay/time_window.h"
+#include "report/legend.h"
 #include "trace/read_timeline.h"
 
 namespace brevold {
@@ -17,6 +18,7 @@ struct ReplayOptions {
     /** Like `common.plot`, a file, or a folder for one file per trace; see outputFiles(). */
     std::string hints;
     bool layers = false;
+    report::Legend legend = report::Legend::Hidden;
     replay::WindowOptions window;
     trace::TimelineOptions timeline;
 };
