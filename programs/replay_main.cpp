@@ -4,6 +4,7 @@
 #include "base/process_pool.h"
 #include "programs/program.h"
 #include "programs/replay_options.h"
+#include "programs/replay_verify.h"
 #include "programs/trace_replay.h"
 #include "report/result_bytes.h"
 #include "report/summary_json.h"
@@ -33,17 +34,20 @@ std::vector<JobResult> replayAll(const ReplayOptions& options) {
 }
 
 /** If a trace fails, the others are replayed nevertheless. */
-int run(const CLI::App& app, const ReplayOptions& options, std::ostream& out) {
+ExitStatus run(const CLI::App& app, const ReplayOptions& options, std::ostream& out) {
+    if (options.verify) {
+        return verifyTrace(options, out) ? ExitStatus::Success : ExitStatus::VerdictNotGood;
+    }
     createFolders(options);
     const std::vector<JobResult> jobs = replayAll(options);
     std::vector<report::TraceResult> results;
-    int status = kSuccess;
+    ExitStatus status = ExitStatus::Success;
     for (size_t i = 0; i < jobs.size(); ++i) {
         const JobResult& job = jobs[i];
         // A reader of standard output, such as head, has ended: this process ends as silently.
         if (job.signal == SIGPIPE) raise(SIGPIPE);
         if (!job.error.empty()) {
-            status = kFailure;
+            status = ExitStatus::Failure;
             const std::string& trace = options.traces[i];
             printError(app, job.signal == 0
                                     ? job.error

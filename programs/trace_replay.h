@@ -1,8 +1,13 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "programs/replay_options.h"
+#include "replay/recording.h"
+#include "report/added_marks.h"
+#include "trace/trace_form.h"
+#include "trace/trace_input.h"
 
 namespace brevold {
 
@@ -16,6 +21,15 @@ bool combinesResults(const ReplayOptions& options);
  */
 std::string replayTrace(const std::string& path, const OutputFiles& files,
                         const ReplayOptions& options);
+
+/**
+ * Writes a trace with the marks of its replay and further tracks. The input has to allow repeated
+ * reading. Throws InputError or OutputError.
+ */
+void writeMarkedTrace(const std::string& path, trace::TraceInput& input,
+                      const trace::Timeline& timeline, const trace::TraceForm& form,
+                      const replay::Recording& recording,
+                      const std::vector<report::AddedTrack>& tracks);
 
 /** Returns the list of a trace's layers. Throws InputError. */
 std::string listLayers(const std::string& path, const ReplayOptions& options);

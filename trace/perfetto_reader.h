@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,6 +12,7 @@
 #include "trace/frame_timeline.h"
 #include "trace/ftrace_bundles.h"
 #include "trace/mark_reader.h"
+#include "trace/track_events.h"
 
 namespace brevold::trace {
 
@@ -20,8 +22,11 @@ namespace brevold::trace {
  */
 class PerfettoReader : public MarkReader {
   public:
-    /** `trace` has to outlive the reader. Error messages begin with `path`. */
-    PerfettoReader(ByteSource& trace, std::string path);
+    /**
+     * `trace` and `sections` have to outlive the reader. Error messages begin with `path`. Adds the
+     * library's sections in track events to `sections` unless it is null.
+     */
+    PerfettoReader(ByteSource& trace, std::string path, LibrarySections* sections = nullptr);
 
     /**
      * The first call reads the whole trace, because each processor has bundles of its own. A packet
@@ -51,6 +56,7 @@ class PerfettoReader : public MarkReader {
     ClockOffsets mClocks;
     FtraceBundles mBundles;
     FrameTimeline mFrames;
+    std::optional<TrackEvents> mTrackEvents;
     TraceForm mForm;
     ExpansionLimit mExpansion;
     bool mIsCompressed = false;  // the packets now being read
