@@ -1,6 +1,5 @@
 #include "replay/library_switches.h"
 
-#include "brevold/perf_client.h"
 #include "brevold/protocol.h"
 #include "brevold/settings.h"
 #include "host/device_profile.h"
@@ -14,8 +13,7 @@ bool isOn(const char* property) {
 }
 
 std::vector<std::string> debugLayers() {
-    const std::string list = host::profileProperty(android::kDebugLayersProperty, "NONE")
-                                     .substr(0, android::kSettingSize - 1);
+    const std::string list = host::profileProperty(android::kDebugLayersProperty, "NONE");
     std::vector<std::string> layers;
     if (android::isLayerList(list)) android::splitLayerList(list, layers);
     return layers;
