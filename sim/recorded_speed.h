@@ -10,7 +10,7 @@
 namespace brevold::sim {
 
 /**
- * How fast the processors of a recording ran, as a share of the maximum speed of the application's
+ * The speed of the processors in a recording, as a share of the maximum speed of the application's
  * cluster. Where the recording has no frequencies, or the device file does not name the processor's
  * cluster, it is Device::recordedSpeed.
  */

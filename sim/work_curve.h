@@ -6,7 +6,7 @@
 
 namespace brevold::sim {
 
-/** What ran up to a point in time, in nanoseconds. */
+/** Totals up to a point in time, in nanoseconds. */
 struct Progress {
     double runNs;   // of running time
     double workNs;  // of work at the maximum frequency

@@ -1,4 +1,4 @@
-// What processors ran, how fast, and the calls of the buffer queue, from text and from Perfetto.
+// Threads, frequencies and calls of the buffer queue, from text and from Perfetto.
 
 #include "trace/activity.h"
 

@@ -10,8 +10,8 @@ namespace brevold::trace {
 class TraceInput;
 
 /**
- * What the processors ran, how fast, and when applications took and returned buffers. Times are
- * those of the Timeline of the same trace.
+ * The threads and frequencies of the processors, and the calls of the buffer queue. Times are those
+ * of the Timeline of the same trace.
  */
 struct Activity {
     /** A processor switches to this thread; 0 is the idle thread. */
