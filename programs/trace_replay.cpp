@@ -33,12 +33,6 @@ void writeHints(const std::string& path, const trace::Timeline& timeline,
     file.commit();
 }
 
-void writePlot(const std::string& path, const plot::Plot& plot) {
-    OutputFile file(path);
-    plot::drawPlot(plot, plot::plotTerminal(path), file.stream());
-    file.commit();
-}
-
 std::string replayInput(TraceInput& input, const OutputFiles& files, const ReplayOptions& options) {
     const std::string& trace = input.name();
     if (!files.traceOut.empty() && input.kind() == TraceInput::Kind::LatencyDump) {
@@ -87,6 +81,12 @@ void writeMarkedTrace(const std::string& path, TraceInput& input, const trace::T
     const bool isPerfetto = input.kind() == TraceInput::Kind::Perfetto;
     const auto write = isPerfetto ? report::writePerfetto : report::writeTrace;
     write(input.open(), input.name(), timeline, form, recording, file.stream(), tracks);
+    file.commit();
+}
+
+void writePlot(const std::string& path, const plot::Plot& plot) {
+    OutputFile file(path);
+    plot::drawPlot(plot, plot::plotTerminal(path), file.stream());
     file.commit();
 }
 
