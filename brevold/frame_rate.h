@@ -45,9 +45,6 @@ constexpr const RefreshBand* refreshBandOf(int64_t periodNs) {
     return nullptr;
 }
 
-/** The frame budget is the refresh period less this margin. */
-constexpr int64_t kPeriodMarginNs = 1000000;
-
 // Two events reset the mode to kModeUnclassified: an idle gap between refresh ticks, and a frame of
 // a tracked layer that is not the current one.
 

@@ -5,6 +5,7 @@
 
 #include "brevold/brevold.h"
 #include "brevold/frame_rate.h"
+#include "brevold/headroom.h"
 #include "brevold/layer_name.h"
 #include "brevold/platform.h"
 #include "brevold/protocol.h"
@@ -32,10 +33,6 @@ struct FrameTiming {
     int64_t frameBudgetNs;
 };
 
-float ratio(int64_t dividend, int64_t divisor) {
-    return static_cast<float>(dividend) / static_cast<float>(divisor);
-}
-
 void markScaling(const char* direction, const FrameTiming& frame, int64_t headRoom, float scale) {
     if (!gDebug) return;
     traceMarker("[%s_SCALING]mode \t%d \tscale \t%f" BREVOLD_GAP53
@@ -47,8 +44,7 @@ void markScaling(const char* direction, const FrameTiming& frame, int64_t headRo
 
 void scaleDown(const FrameTiming& frame) {
     const int64_t headRoom = checkedSub(frame.frameBudgetNs * frame.queuedFrames, frame.diffSFToQB);
-    const float quotient = ratio(frame.diffQB, headRoom);
-    const float scale = quotient > 1.0f ? 1.0f : quotient;  // NaN stays NaN
+    const float scale = downScale(frame.diffQB, headRoom);
     markScaling("DOWN", frame, headRoom, scale);
     if (!gPfarDownEnabled) return;
     energyScaling(scale, kDirectionDown, kNoBoost, kQbChannel);
@@ -58,7 +54,7 @@ void scaleDown(const FrameTiming& frame) {
 void scaleUp(const FrameTiming& frame) {
     const int64_t headRoom = checkedSub(frame.frameBudgetNs, frame.diffSFToQB);
     const float scale = ratio(frame.diffQB, checkedAdd(headRoom, frame.frameBudgetNs));
-    if (!(scale > 1.0f)) return;
+    if (!isUpDue(scale)) return;
     markScaling("UP", frame, headRoom, scale);
     energyScaling(scale, kDirectionUp, kBoost, kQbChannel);
     gUpCount = checkedAdd(gUpCount, 1);
@@ -170,8 +166,8 @@ void brevoldBufferMonitor(int lastMaxQueuedFrames, std::string peerLayerName, st
         const RefreshBand* const band = refreshBandOf(refreshPeriod);
         if (band != nullptr && band->mode == mode) {
             const FrameTiming frame = {mode, lastMaxQueuedFrames, diffSFToQB, diffQB,
-                                       refreshPeriod - kPeriodMarginNs};
-            if (lastMaxQueuedFrames >= 2) {
+                                       frameBudgetOf(refreshPeriod)};
+            if (lastMaxQueuedFrames >= kMinDepthForDown) {
                 scaleDown(frame);
             } else {
                 scaleUp(frame);

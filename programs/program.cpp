@@ -11,10 +11,6 @@ namespace brevold {
 
 namespace {
 
-constexpr int kSuccess = 0;
-constexpr int kFailure = 1;
-constexpr int kWrongUse = 2;
-
 /** The parser takes the next argument as the value of "--option=". */
 void requireValues(int argc, char** argv) {
     for (int i = 1; i < argc && strcmp(argv[i], "--") != 0; ++i) {
@@ -33,30 +29,30 @@ void printError(const CLI::App& app, const std::string& message) {
 }
 
 int runProgram(CLI::App& app, int argc, char** argv, const std::function<void()>& check,
-               const std::function<bool(std::ostream& out)>& run) {
-    int failure = kFailure;
+               const std::function<ExitStatus(std::ostream& out)>& run) {
+    ExitStatus failure = ExitStatus::Failure;
     try {
         OutputFile out(kStandardStream);
-        failure = kWrongUse;
-        bool isComplete = true;
+        failure = ExitStatus::WrongUse;
+        ExitStatus status = ExitStatus::Success;
         try {
             requireValues(argc, argv);
             app.parse(argc, argv);
             check();
-            failure = kFailure;
-            isComplete = run(out.stream());
+            failure = ExitStatus::Failure;
+            status = run(out.stream());
         } catch (const CLI::Success& request) {
-            failure = kFailure;
+            failure = ExitStatus::Failure;
             app.exit(request, out.stream());  // prints the help or the version
         }
         out.commit();
-        return isComplete ? kSuccess : kFailure;
+        return static_cast<int>(status);
     } catch (const CLI::ParseError& error) {
         printError(app, error.what() + std::string("\nRun with --help for more information."));
     } catch (const std::exception& error) {
         printError(app, error.what());
     }
-    return failure;
+    return static_cast<int>(failure);
 }
 
 }  // namespace brevold

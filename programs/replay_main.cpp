@@ -1,8 +1,10 @@
+#include <csignal>
 #include <filesystem>
 
 #include "base/process_pool.h"
 #include "programs/program.h"
 #include "programs/replay_options.h"
+#include "programs/replay_verify.h"
 #include "programs/trace_replay.h"
 #include "report/result_bytes.h"
 #include "report/summary_json.h"
@@ -31,19 +33,25 @@ std::vector<JobResult> replayAll(const ReplayOptions& options) {
     return runInProcesses(jobs, options.common.jobs, "replaying");
 }
 
-/** Returns false if a trace failed; the others are replayed nevertheless. */
-bool run(const CLI::App& app, const ReplayOptions& options, std::ostream& out) {
+/** If a trace fails, the others are replayed nevertheless. */
+ExitStatus run(const CLI::App& app, const ReplayOptions& options, std::ostream& out) {
+    if (options.verify) {
+        return verifyTrace(options, out) ? ExitStatus::Success : ExitStatus::VerdictNotGood;
+    }
     createFolders(options);
     const std::vector<JobResult> jobs = replayAll(options);
     std::vector<report::TraceResult> results;
-    bool isComplete = true;
+    ExitStatus status = ExitStatus::Success;
     for (size_t i = 0; i < jobs.size(); ++i) {
         const JobResult& job = jobs[i];
+        // A reader of standard output, such as head, has ended: this process ends as silently.
+        if (job.signal == SIGPIPE) raise(SIGPIPE);
         if (!job.error.empty()) {
-            isComplete = false;
-            const std::string trace = options.traces[i];
-            printError(app,
-                       job.signal == 0 ? job.error : trace + ": the program ended: " + job.error);
+            status = ExitStatus::Failure;
+            const std::string& trace = options.traces[i];
+            printError(app, job.signal == 0
+                                    ? job.error
+                                    : trace + ": the replay was ended by a signal: " + job.error);
         } else if (combinesResults(options)) {
             results.push_back(report::toResult(job.bytes));
         } else if (printsSummary(options)) {
@@ -55,7 +63,7 @@ bool run(const CLI::App& app, const ReplayOptions& options, std::ostream& out) {
     } else if (!results.empty()) {
         report::printRows(results, out, options.legend);
     }
-    return isComplete;
+    return status;
 }
 
 }  // namespace

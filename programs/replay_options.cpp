@@ -15,19 +15,13 @@ namespace brevold {
 
 namespace {
 
-constexpr char kTraceGroup[] = "Trace";
+constexpr char kVerifyGroup[] = "Verification";
 constexpr double kMinRefreshRateHz = 1.0;
 constexpr double kMaxRefreshRateHz = 1000.0;
+constexpr double kMaxTimeS = 1e9;
 
 void addTraceOptions(CLI::App& app, ReplayOptions& options) {
-    const auto layer =
-            app.add_option("--layer", options.timeline.layer,
-                           "focused layer: its name, or a part that no other layer's name has; "
-                           "without it, the application's layer with the most frames; for a "
-                           "latency dump, the name of its layer")
-                    ->type_name("NAME")
-                    ->check(notEmpty())
-                    ->group(kTraceGroup);
+    const auto layer = addLayer(app, options.timeline.layer);
     app.add_flag("--follow-focus", options.timeline.followsFocus,
                  "move the focus each second to the application's layer with the most frames in "
                  "that second")
@@ -42,9 +36,11 @@ void addTraceOptions(CLI::App& app, ReplayOptions& options) {
                    "report only from this time on, in seconds since the first event; the library "
                    "sees the whole trace")
             ->type_name("S")
+            ->check(numberFrom(0.0, kMaxTimeS))
             ->group(kTraceGroup);
     app.add_option("--to", options.window.toS, "report only up to this time, in seconds")
             ->type_name("S")
+            ->check(numberFrom(0.0, kMaxTimeS))
             ->group(kTraceGroup);
 }
 
@@ -74,6 +70,24 @@ void addOutputOptions(CLI::App& app, ReplayOptions& options) {
         layers->excludes(app.get_option(output));
 }
 
+void addVerifyOptions(CLI::App& app, ReplayOptions& options) {
+    const auto verify =
+            app.add_flag("--verify", options.verify,
+                         "compare the decisions of the library on the device, which its marks in "
+                         "the trace show, with those of the replay")
+                    ->group(kVerifyGroup);
+    for (const char* other : {"--layers", "--vs", "--from", "--to", "--hints"})
+        verify->excludes(app.get_option(other));
+    app.add_option("--tolerance", options.tolerancePercent,
+                   fmt::format("share of the decisions that may differ after the first two "
+                               "measuring windows (default: {})",
+                               options.tolerancePercent))
+            ->type_name("PERCENT")
+            ->check(numberFrom(0.0, 100.0))
+            ->needs(verify)
+            ->group(kVerifyGroup);
+}
+
 /** Returns the file for a trace: `option`, or a file in the folder that it names. */
 std::string outputFile(const std::string& option, const std::vector<std::string>& traces,
                        size_t index, const char* extension) {
@@ -93,6 +107,7 @@ void checkNumbers(const ReplayOptions& options) {
         throw std::runtime_error("standard input can only be one of the traces");
     }
     if (traces == 1) return;
+    if (options.verify) throw std::runtime_error("--verify takes one trace");
     if (!options.common.traceOut.empty()) throw std::runtime_error("--trace-out takes one trace");
     for (const auto& [name, value] :
          {NamedFile{"--hints", options.hints}, {"--plot", options.common.plot}}) {
@@ -115,10 +130,11 @@ void addOptions(CLI::App& app, ReplayOptions& options) {
     addTraceOptions(app, options);
     addCommonOptions(app, options.common);
     addOutputOptions(app, options);
+    addVerifyOptions(app, options);
     app.footer(
             "Exit status: 0 if all traces were replayed, 1 if a trace or an output failed, 2 if "
-            "the "
-            "options or the profile are wrong; nothing was done then.");
+            "the options or the profile are wrong; nothing was done then. With --verify, 3 if the "
+            "decisions differ or there is nothing to verify.");
 }
 
 bool namesFolder(const std::string& name) {

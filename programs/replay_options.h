@@ -18,6 +18,8 @@ struct ReplayOptions {
     /** Like `common.plot`, a file, or a folder for one file per trace; see outputFiles(). */
     std::string hints;
     bool layers = false;
+    bool verify = false;
+    double tolerancePercent = 1.0;
     report::Legend legend = report::Legend::Hidden;
     replay::WindowOptions window;
     trace::TimelineOptions timeline;

@@ -6,7 +6,6 @@
 
 #include "base/error.h"
 #include "base/output_file.h"
-#include "plot/plot.h"
 #include "replay/divergence.h"
 #include "replay/isolated_play.h"
 #include "report/comparison_text.h"
@@ -33,21 +32,6 @@ void writeHints(const std::string& path, const trace::Timeline& timeline,
     file.commit();
 }
 
-void writeTrace(const std::string& path, TraceInput& input, const trace::Timeline& timeline,
-                const trace::TraceForm& form, const Recording& recording) {
-    OutputFile file(path);
-    const bool isPerfetto = input.kind() == TraceInput::Kind::Perfetto;
-    const auto write = isPerfetto ? report::writePerfetto : report::writeTrace;
-    write(input.open(), input.name(), timeline, form, recording, file.stream());
-    file.commit();
-}
-
-void writePlot(const std::string& path, const plot::Plot& plot) {
-    OutputFile file(path);
-    plot::drawPlot(plot, plot::plotTerminal(path), file.stream());
-    file.commit();
-}
-
 std::string replayInput(TraceInput& input, const OutputFiles& files, const ReplayOptions& options) {
     const std::string& trace = input.name();
     if (!files.traceOut.empty() && input.kind() == TraceInput::Kind::LatencyDump) {
@@ -70,7 +54,9 @@ std::string replayInput(TraceInput& input, const OutputFiles& files, const Repla
         divergences = firstDivergences(recording, *other, window, kShownDivergences);
     }
     if (!files.hints.empty()) writeHints(files.hints, timeline, recording, window);
-    if (!files.traceOut.empty()) writeTrace(files.traceOut, input, timeline, form, recording);
+    if (!files.traceOut.empty()) {
+        writeMarkedTrace(files.traceOut, input, timeline, form, recording, {});
+    }
     if (!files.plot.empty()) {
         writePlot(files.plot, {trace, timeline, recording, window, other ? &*other : nullptr,
                                options.common.vsSettings});
@@ -86,6 +72,16 @@ std::string replayInput(TraceInput& input, const OutputFiles& files, const Repla
 }
 
 }  // namespace
+
+void writeMarkedTrace(const std::string& path, TraceInput& input, const trace::Timeline& timeline,
+                      const trace::TraceForm& form, const Recording& recording,
+                      const std::vector<report::AddedTrack>& tracks) {
+    OutputFile file(path);
+    const bool isPerfetto = input.kind() == TraceInput::Kind::Perfetto;
+    const auto write = isPerfetto ? report::writePerfetto : report::writeTrace;
+    write(input.open(), input.name(), timeline, form, recording, file.stream(), tracks);
+    file.commit();
+}
 
 bool combinesResults(const ReplayOptions& options) {
     return !options.layers && (options.common.json || options.traces.size() > 1);
@@ -104,6 +100,12 @@ std::string replayTrace(const std::string& path, const OutputFiles& files,
     } catch (const std::exception& error) {
         throw std::runtime_error(input.name() + ": " + error.what());
     }
+}
+
+void writePlot(const std::string& path, const plot::Plot& plot) {
+    OutputFile file(path);
+    plot::drawPlot(plot, plot::plotTerminal(path), file.stream());
+    file.commit();
 }
 
 std::string listLayers(const std::string& path, const ReplayOptions& options) {

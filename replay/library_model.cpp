@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "brevold/headroom.h"
 #include "replay/window_line.h"
 
 namespace brevold::replay {
@@ -11,10 +12,9 @@ namespace {
 constexpr int64_t kNoPreviousFrame = -1;
 
 float upScale(const LayerFrameInfo& info) {
-    const int64_t budgetNs = info.refreshPeriod - android::kPeriodMarginNs;
+    const int64_t budgetNs = android::frameBudgetOf(info.refreshPeriod);
     const int64_t headroomNs = budgetNs - (info.qbTime - info.sfTime);
-    return static_cast<float>(info.qbTime - info.lastQbTime) /
-           static_cast<float>(headroomNs + budgetNs);
+    return android::ratio(info.qbTime - info.lastQbTime, headroomNs + budgetNs);
 }
 
 }  // namespace
@@ -55,10 +55,10 @@ FrameOutcome LibraryModel::decide(const LayerFrameInfo& info) const {
     if (!mode()) return FrameOutcome::UnknownMode;
     if (mMode == android::kModeUnclassified) return FrameOutcome::UnclassifiedMode;
     if (mMode != band->mode) return FrameOutcome::OtherMode;
-    if (info.lastMaxQueuedFrames >= 2) {
+    if (info.lastMaxQueuedFrames >= android::kMinDepthForDown) {
         return mSwitches.scalingDown ? FrameOutcome::AskedDown : FrameOutcome::DownOff;
     }
-    return upScale(info) > 1.0f ? FrameOutcome::AskedUp : FrameOutcome::ScaleNotAboveOne;
+    return android::isUpDue(upScale(info)) ? FrameOutcome::AskedUp : FrameOutcome::ScaleNotAboveOne;
 }
 
 void LibraryModel::refresh(int64_t timeNs) {

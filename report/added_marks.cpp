@@ -13,7 +13,6 @@ namespace {
 constexpr size_t kCompositor = 0;
 // The largest thread id that a kernel assigns.
 constexpr int32_t kMaxThreadId = 1 << 22;
-constexpr const char* kReplayedSuffix = " (replayed)";
 
 /** The names of a channel's tracks. */
 struct ChannelNames {
@@ -61,10 +60,12 @@ bool hasLibraryMarks(const trace::TraceForm& form, const replay::Recording& reco
 
 class MarkBuilder {
   public:
-    MarkBuilder(const replay::Recording& recording, const trace::TraceForm& form, int64_t endNs)
+    MarkBuilder(const replay::Recording& recording, const trace::TraceForm& form, int64_t endNs,
+                const std::vector<AddedTrack>& tracks)
           : mRecording(recording),
             mForm(form),
             mEndNs(endNs),
+            mTracks(tracks),
             mIsMarked(hasLibraryMarks(form, recording)) {}
 
     AddedMarks build() {
@@ -73,6 +74,8 @@ class MarkBuilder {
         const std::vector<replay::HintSpan> spans = replay::hintSpans(mRecording.hints, mEndNs);
         for (const replay::Channel channel : replay::kChannels)
             addHints(spans, channel);
+        for (const AddedTrack& track : mTracks)
+            addTrack(track);
         std::stable_sort(
                 mAdded.marks.begin(), mAdded.marks.end(),
                 [](const AddedMark& a, const AddedMark& b) { return a.timeNs < b.timeNs; });
@@ -86,14 +89,16 @@ class MarkBuilder {
     }
 
     std::string trackName(const std::string& name) const {
-        return mIsMarked ? name + kReplayedSuffix : name;
+        return mIsMarked ? name + std::string(trace::kReplayedSuffix) : name;
     }
 
-    size_t addThread(const std::string& name) {
+    size_t addThread(const std::string& name) { return addNamedThread(trackName(name)); }
+
+    size_t addNamedThread(const std::string& name) {
         do {
             ++mLastTid;
         } while (mForm.threads.count(mLastTid) != 0);
-        mAdded.threads.push_back({mLastTid, trackName(name)});
+        mAdded.threads.push_back({mLastTid, name});
         return mAdded.threads.size() - 1;
     }
 
@@ -144,6 +149,14 @@ class MarkBuilder {
         }
     }
 
+    void addTrack(const AddedTrack& track) {
+        const size_t thread = addNamedThread(track.name);
+        for (const AddedTrack::Section& section : track.sections) {
+            addBegin(section.beginNs, thread, section.name);
+            addEnd(section.endNs, thread);
+        }
+    }
+
     void addBegin(int64_t timeNs, size_t thread, const std::string& name) {
         mAdded.marks.push_back({timeNs, AddedMark::Kind::Begin, thread, name, 0});
     }
@@ -159,6 +172,7 @@ class MarkBuilder {
     const replay::Recording& mRecording;
     const trace::TraceForm& mForm;
     const int64_t mEndNs;
+    const std::vector<AddedTrack>& mTracks;
     const bool mIsMarked;
     int32_t mLastTid = kMaxThreadId;
     std::map<int32_t, size_t> mCallers;  // indices of their threads, by their ids in the trace
@@ -168,8 +182,8 @@ class MarkBuilder {
 }  // namespace
 
 AddedMarks addedMarks(const replay::Recording& recording, const trace::TraceForm& form,
-                      int64_t traceEndNs) {
-    return MarkBuilder(recording, form, traceEndNs).build();
+                      int64_t traceEndNs, const std::vector<AddedTrack>& tracks) {
+    return MarkBuilder(recording, form, traceEndNs, tracks).build();
 }
 
 }  // namespace brevold::report

@@ -44,8 +44,23 @@ struct AddedMarks {
     std::vector<AddedMark> marks;
 };
 
-/** `traceEndNs` ends the hints that hold at the end of the trace. */
+/** A thread with sections that follow one another. */
+struct AddedTrack {
+    struct Section {
+        int64_t beginNs;
+        int64_t endNs;
+        std::string name;
+    };
+
+    std::string name;
+    std::vector<Section> sections;
+};
+
+/**
+ * Returns the marks of a replay and of further tracks. `traceEndNs` ends the hints that hold at the
+ * end of the trace.
+ */
 AddedMarks addedMarks(const replay::Recording& recording, const trace::TraceForm& form,
-                      int64_t traceEndNs);
+                      int64_t traceEndNs, const std::vector<AddedTrack>& tracks = {});
 
 }  // namespace brevold::report

@@ -137,11 +137,12 @@ class SequenceWriter {
 
 void writePerfetto(trace::ByteSource& packets, const std::string& path,
                    const trace::Timeline& timeline, const trace::TraceForm& form,
-                   const replay::Recording& recording, std::ostream& out) {
+                   const replay::Recording& recording, std::ostream& out,
+                   const std::vector<AddedTrack>& tracks) {
     trace::PacketReader reader(packets, path);
     for (std::string_view packet; reader.next(&packet);)
         out << reader.bytes();
-    SequenceWriter(form, out).write(addedMarks(recording, form, timeline.endNs));
+    SequenceWriter(form, out).write(addedMarks(recording, form, timeline.endNs, tracks));
 }
 
 }  // namespace brevold::report

@@ -62,9 +62,9 @@ void writeProcessNames(const trace::TraceForm& form, int64_t timeNs, std::ostrea
 }  // namespace
 
 void writeTrace(trace::ByteSource& text, const std::string& path, const trace::Timeline& timeline,
-                const trace::TraceForm& form, const replay::Recording& recording,
-                std::ostream& out) {
-    const AddedMarks added = addedMarks(recording, form, timeline.endNs);
+                const trace::TraceForm& form, const replay::Recording& recording, std::ostream& out,
+                const std::vector<AddedTrack>& tracks) {
+    const AddedMarks added = addedMarks(recording, form, timeline.endNs, tracks);
     auto next = added.marks.begin();
     const auto writeNext = [&] {
         out << lineOf(added.threads[next->thread], form.compositorPid, next->timeNs,

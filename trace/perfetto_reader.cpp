@@ -8,14 +8,24 @@
 #include "trace/perfetto_fields.h"
 #include "trace/perfetto_metadata.h"
 #include "trace/perfetto_packets.h"
+#include "trace/scheduler_events.h"
 #include "trace/string_source.h"
 
 namespace brevold::trace {
 
 using perfetto::TracePacket;
 
-PerfettoReader::PerfettoReader(ByteSource& trace, std::string path)
-      : mTrace(trace), mPath(std::move(path)), mExpansion(mPath) {}
+PerfettoReader::PerfettoReader(ByteSource& trace, std::string path, LibrarySections* sections)
+      : mTrace(trace), mPath(std::move(path)), mExpansion(mPath) {
+    if (sections != nullptr) mTrackEvents.emplace(*sections);
+}
+
+PerfettoReader::PerfettoReader(ByteSource& trace, std::string path, Activity* activity)
+      : mTrace(trace),
+        mPath(std::move(path)),
+        mActivity(activity),
+        mBundles(activity),
+        mExpansion(mPath) {}
 
 bool PerfettoReader::next(TraceMark* mark) {
     if (!mIsRead) readAll();
@@ -49,15 +59,20 @@ void PerfettoReader::readFields(std::string_view packet) {
     uint64_t timeNs = 0;
     uint32_t clockId = perfetto::kBootClock;
     std::string_view frame;
+    std::string_view trackDescriptor;
+    std::string_view trackEvent;
     protozero::pbf_message<TracePacket> fields(packet);
     while (fields.next()) {
         switch (fields.tag_and_type()) {
             case bytes(TracePacket::FtraceEvents):
                 mBundles.add(fields.get_view(), mClocks);
                 break;
-            case bytes(TracePacket::ProcessTree):
-                addProcessTree(fields.get_view(), &mForm.threads);
+            case bytes(TracePacket::ProcessTree): {
+                const std::string_view tree = fields.get_view();
+                addProcessTree(tree, &mForm.threads);
+                if (mActivity != nullptr) addThreadProcesses(tree, mActivity);
                 break;
+            }
             case bytes(TracePacket::ClockSnapshot):
                 mClocks.add(fields.get_view());
                 break;
@@ -69,7 +84,10 @@ void PerfettoReader::readFields(std::string_view packet) {
                 readCompressed(fields.get_view());
                 break;
             case bytes(TracePacket::TrackDescriptor):
-                addTrackThread(fields.get_view(), &mForm.threads);
+                trackDescriptor = fields.get_view();
+                break;
+            case bytes(TracePacket::TrackEvent):
+                trackEvent = fields.get_view();
                 break;
             case bytes(TracePacket::FrameTimelineEvent):
                 frame = fields.get_view();
@@ -87,9 +105,16 @@ void PerfettoReader::readFields(std::string_view packet) {
                 fields.skip();
         }
     }
-    if (frame.empty()) return;
+    if (!trackDescriptor.empty()) {
+        addTrackThread(trackDescriptor, &mForm.threads);
+        if (mTrackEvents) mTrackEvents->addTrack(trackDescriptor);
+    }
+    const bool hasSectionMark = mTrackEvents && !trackEvent.empty();
+    if (frame.empty() && !hasSectionMark) return;
     const auto offsetNs = static_cast<uint64_t>(mClocks.offsetToBootNs(clockId).value_or(0));
-    mFrames.add(static_cast<int64_t>(timeNs + offsetNs), frame);
+    const auto bootNs = static_cast<int64_t>(timeNs + offsetNs);
+    if (!frame.empty()) mFrames.add(bootNs, frame);
+    if (hasSectionMark) mTrackEvents->addEvent(bootNs, trackEvent);
 }
 
 void PerfettoReader::readCompressed(std::string_view bytes) {

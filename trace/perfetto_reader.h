@@ -1,16 +1,19 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "trace/activity.h"
 #include "trace/byte_source.h"
 #include "trace/clock_offsets.h"
 #include "trace/expansion_limit.h"
 #include "trace/frame_timeline.h"
 #include "trace/ftrace_bundles.h"
 #include "trace/mark_reader.h"
+#include "trace/track_events.h"
 
 namespace brevold::trace {
 
@@ -20,8 +23,14 @@ namespace brevold::trace {
  */
 class PerfettoReader : public MarkReader {
   public:
-    /** `trace` has to outlive the reader. Error messages begin with `path`. */
-    PerfettoReader(ByteSource& trace, std::string path);
+    /**
+     * `trace` and `sections` have to outlive the reader. Error messages begin with `path`. Adds the
+     * library's sections in track events to `sections` unless it is null.
+     */
+    PerfettoReader(ByteSource& trace, std::string path, LibrarySections* sections = nullptr);
+
+    /** Adds the events of the scheduler to `activity`, which has to outlive the reader. */
+    PerfettoReader(ByteSource& trace, std::string path, Activity* activity);
 
     /**
      * The first call reads the whole trace, because each processor has bundles of its own. A packet
@@ -47,10 +56,12 @@ class PerfettoReader : public MarkReader {
 
     ByteSource& mTrace;
     const std::string mPath;
+    Activity* const mActivity = nullptr;
     bool mIsRead = false;
     ClockOffsets mClocks;
     FtraceBundles mBundles;
     FrameTimeline mFrames;
+    std::optional<TrackEvents> mTrackEvents;
     TraceForm mForm;
     ExpansionLimit mExpansion;
     bool mIsCompressed = false;  // the packets now being read

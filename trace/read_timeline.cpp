@@ -19,18 +19,6 @@
 namespace brevold::trace {
 namespace {
 
-/** The beginnings of the labels of the library's sections. */
-constexpr std::string_view kLibrarySections[] = {"[DOWN_SCALING]mode", "[UP_SCALING]mode",
-                                                 "energyScaling[", "[FM]gMode:"};
-
-bool isLibraryMark(const TraceMark& mark) {
-    return mark.kind == TraceMark::Kind::Begin &&
-           std::any_of(std::begin(kLibrarySections), std::end(kLibrarySections),
-                       [&](std::string_view label) {
-                           return mark.name.substr(0, label.size()) == label;
-                       });
-}
-
 std::deque<TracePoint> latchesOf(const std::deque<QueuedLayer>& layers) {
     std::deque<TracePoint> latches;
     for (const QueuedLayer& layer : layers) {
@@ -52,12 +40,13 @@ CompositionSource sourceOf(const std::deque<Section>& compositions) {
 }
 
 Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOptions& options,
-                   TraceForm* form) {
+                   TraceForm* form, LibrarySections* sections) {
     TraceMarks marks;
     bool hasLibraryMarks = false;
     for (TraceMark mark; reader.next(&mark);) {
         marks.add(mark);
-        hasLibraryMarks |= isLibraryMark(mark);
+        hasLibraryMarks |= mark.kind == TraceMark::Kind::Begin && isLibraryLabel(mark.name);
+        if (sections != nullptr) sections->add(mark);
     }
 
     Timeline timeline;
@@ -127,9 +116,9 @@ std::vector<JudgedFrame> judgedFramesInFocus(const FrameTimeline& frameTimeline,
 }
 
 Timeline readPerfetto(ByteSource& trace, const std::string& path, const TimelineOptions& options,
-                      TraceForm* form) {
-    PerfettoReader reader(trace, path);
-    Timeline timeline = readMarks(reader, path, options, form);
+                      TraceForm* form, LibrarySections* sections) {
+    PerfettoReader reader(trace, path, sections);
+    Timeline timeline = readMarks(reader, path, options, form, sections);
     for (TraceWarning& warning : timeline.warnings)
         warning.lines.firstLine = 0;
     if (reader.frameTimeline().hasEvents()) {
@@ -140,16 +129,17 @@ Timeline readPerfetto(ByteSource& trace, const std::string& path, const Timeline
 
 }  // namespace
 
-Timeline readTimeline(TraceInput& input, const TimelineOptions& options, TraceForm* form) {
+Timeline readTimeline(TraceInput& input, const TimelineOptions& options, TraceForm* form,
+                      LibrarySections* sections) {
     ByteSource& text = input.open();
     if (input.kind() == TraceInput::Kind::LatencyDump) {
         return readLatencyDump(text, input.name(), options);
     }
     if (input.kind() == TraceInput::Kind::Perfetto) {
-        return readPerfetto(text, input.name(), options, form);
+        return readPerfetto(text, input.name(), options, form, sections);
     }
     TextMarkReader reader(text, input.name());
-    Timeline timeline = readMarks(reader, input.name(), options, form);
+    Timeline timeline = readMarks(reader, input.name(), options, form, sections);
     if (form != nullptr) form->processes = input.processes();
     return timeline;
 }

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <unordered_map>
 
 #include "trace/process_dump.h"
@@ -16,6 +17,14 @@ struct MarkStyle {
     bool endHasProcess = true;  // "E|pid" rather than "E"
     int32_t decimals = 0;       // the maximum number of decimals in an event's time
 };
+
+/** Ends the names of the tracks that a replay adds to a trace with marks of the library. */
+constexpr std::string_view kReplayedSuffix = " (replayed)";
+
+inline bool isReplayedTrack(std::string_view name) {
+    return name.size() >= kReplayedSuffix.size() &&
+           name.substr(name.size() - kReplayedSuffix.size()) == kReplayedSuffix;
+}
 
 /** The notation and the threads of a trace, for a writer that adds marks to it. */
 struct TraceForm {

@@ -1,0 +1,66 @@
+#include "programs/replay_verify.h"
+
+#include "base/error.h"
+#include "brevold/protocol.h"
+#include "programs/trace_replay.h"
+#include "replay/isolated_play.h"
+#include "trace/read_timeline.h"
+#include "verify/difference_track.h"
+#include "verify/verification.h"
+#include "verify/verification_json.h"
+#include "verify/verification_text.h"
+#include "verify/words.h"
+
+namespace brevold {
+
+namespace {
+
+std::vector<plot::PlotMark> differenceMarks(const verify::Verification& verification) {
+    std::vector<plot::PlotMark> marks;
+    for (const verify::Difference& difference : verification.differences.list())
+        marks.push_back({difference.timeNs, verify::describe(difference)});
+    return marks;
+}
+
+}  // namespace
+
+bool verifyTrace(const ReplayOptions& options, std::ostream& out) {
+    const std::string& traceOut = options.common.traceOut;
+    trace::TraceInput input(options.traces.front(),
+                            traceOut.empty() ? trace::Reading::Once : trace::Reading::Repeated);
+    if (input.kind() == trace::TraceInput::Kind::LatencyDump) {
+        throw InputError(input.name() + ": is a latency dump, and --verify needs a trace");
+    }
+    verify::DeviceTrace device;
+    device.name = input.name();
+    device.timeline = trace::readTimeline(input, options.timeline, &device.form, &device.sections);
+    // The marks of the replay are the library's debug output.
+    const auto play = [&](const replay::PlayOptions& playOptions) {
+        const std::string debugOutput = playOptions.hasMarks ? "=1" : "=0";
+        return replay::playIsolated(device.timeline, {android::kDebugProperty + debugOutput},
+                                    playOptions);
+    };
+    const verify::Verification result =
+            verify::verify(device, options.common.boostDepth, options.tolerancePercent, play);
+    if (!traceOut.empty()) {
+        writeMarkedTrace(traceOut, input, device.timeline, device.form, result.replay,
+                         {verify::differenceTrack(result)});
+    }
+    if (!options.common.plot.empty()) {
+        writePlot(options.common.plot, {device.name,
+                                        device.timeline,
+                                        result.replay,
+                                        {device.timeline.startNs, device.timeline.endNs},
+                                        nullptr,
+                                        {},
+                                        differenceMarks(result)});
+    }
+    if (options.common.json) {
+        verify::printJson(result, out);
+    } else if (printsSummary(options)) {
+        verify::print(result, out);
+    }
+    return result.verdict == verify::Verdict::AsExpected;
+}
+
+}  // namespace brevold

@@ -1,0 +1,66 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "replay/play_options.h"
+#include "replay/recording.h"
+#include "trace/library_sections.h"
+#include "trace/timeline.h"
+#include "trace/trace_form.h"
+#include "verify/boosts.h"
+#include "verify/differences.h"
+#include "verify/library_marks.h"
+#include "verify/workers.h"
+
+namespace brevold::verify {
+
+enum class Verdict : uint8_t {
+    AsExpected,
+    Differs,      // more than the tolerance
+    TooShort,     // the trace has differences, and no decision after the first two windows
+    NoDecisions,  // neither the recording nor the replay has one
+    NoMarks,      // the trace has no marks of the library
+};
+
+/** The comparison of a recording with its replay. Times are the trace's own. */
+struct Verification {
+    std::string trace;
+    std::string layer;  // in focus at the start
+    int64_t startNs;
+    int64_t endNs;
+    double tolerancePercent;
+    LibraryMarks marks;  // those in the trace
+    std::vector<trace::TraceWarning> warnings;
+    Verdict verdict = Verdict::NoMarks;
+    // The rest is empty if there are no marks.
+    Differences differences;
+    /** For the boost depth of the replay and, if boosts differ, for the other one. */
+    std::vector<BoostFit> boostFits;
+    Latencies latencies;
+    /** The refresh period that holds longest. */
+    int64_t periodNs = 0;
+    replay::Recording replay;
+};
+
+/** A recording of a device that runs the library. */
+struct DeviceTrace {
+    std::string name;
+    trace::Timeline timeline;
+    trace::TraceForm form;
+    trace::LibrarySections sections;
+};
+
+/** Plays the timeline of a trace. */
+using Play = std::function<replay::Recording(const replay::PlayOptions&)>;
+
+/**
+ * Compares a recording with its replay. Takes the sections of `device`. Calls `play` once, and
+ * again with the other boost depth if boosts differ, but not without marks of the library.
+ */
+Verification verify(DeviceTrace& device, replay::BoostDepth boostDepth, double tolerancePercent,
+                    const Play& play);
+
+}  // namespace brevold::verify

@@ -1,0 +1,154 @@
+#include "verify/words.h"
+
+namespace brevold::verify {
+
+namespace {
+
+struct Words {
+    const char* text;  // for readers
+    const char* word;  // for programs
+};
+
+Words wordsOf(Cause cause) {
+    switch (cause) {
+        case Cause::OtherVersion:
+            return {"the library decides differently from the same figures: another version",
+                    "other-version"};
+        case Cause::OtherLayer:
+            return {"another layer has the focus, or the application is no target", "other-layer"};
+        case Cause::OtherPeer:
+            return {"peerLayerName is not the name of the layer", "other-peer"};
+        case Cause::NotReported:
+            return {"a frame is not reported", "not-reported"};
+        case Cause::ReportedTwice:
+            return {"a frame is reported twice", "reported-twice"};
+        case Cause::DepthPlusOne:
+            return {"the queue depth is one too high", "depth-plus-one"};
+        case Cause::DepthMinusOne:
+            return {"the queue depth is one too low", "depth-minus-one"};
+        case Cause::DepthBeforeLatch:
+            return {"the queue depth is counted before the latest latch", "depth-before-latch"};
+        case Cause::DepthAfterLatch:
+            return {"the queue depth is counted after the next latch", "depth-after-latch"};
+        case Cause::DepthOther:
+            return {"the queue depth is counted in another way", "depth-other"};
+        case Cause::StampVsync:
+            return {"the stamp is that of the vsync", "stamp-vsync"};
+        case Cause::StampPrevious:
+            return {"the stamp is that of the composition before the latest", "stamp-previous"};
+        case Cause::StampZero:
+            return {"the stamp is 0", "stamp-zero"};
+        case Cause::StampOther:
+            return {"the stamp is not that of the latest composition", "stamp-other"};
+        case Cause::PeriodInNoBand:
+            return {"the refresh period is in no band", "period-in-no-band"};
+        case Cause::PeriodOfOtherDisplay:
+            return {"the refresh period is that of another display", "period-of-other-display"};
+        case Cause::WindowStart:
+            return {"the measuring windows begin at other times", "window-start"};
+        case Cause::TickRate:
+            return {"brevoldRefresh is called at another rate than compositions begin",
+                    "tick-rate"};
+        case Cause::BoostDepthLeft:
+            return {"brevoldScaling gets the frames that are queued at the call (left)",
+                    "boost-depth-left"};
+        case Cause::BoostDepthFound:
+            return {"brevoldScaling gets the maximum since the previous call (found)",
+                    "boost-depth-found"};
+        case Cause::BoostDepthOther:
+            return {"brevoldScaling gets another number of frames", "boost-depth-other"};
+        case Cause::RequestLate:
+            return {"the worker sends the request more than a refresh period later",
+                    "request-late"};
+        case Cause::RequestNotSent:
+            return {"the worker does not send the request", "request-not-sent"};
+        case Cause::BoostNotReleased:
+            return {"the boost is not released", "boost-not-released"};
+        case Cause::QueueTimes:
+            return {"the queue times are not those of the trace", "queue-times"};
+        case Cause::Unexplained:
+            return {"unexplained", "unexplained"};
+    }
+    return {"", ""};
+}
+
+Words wordsOf(LatencyKind kind) {
+    switch (kind) {
+        case LatencyKind::HandOver:
+            return {"from decision to worker", "hand_over"};
+        case LatencyKind::RequestCall:
+            return {"service call, DOWN or UP", "request_call"};
+        case LatencyKind::BoostCall:
+            return {"service call, boost", "boost_call"};
+        case LatencyKind::ReleaseCall:
+            return {"service call, release", "release_call"};
+        case LatencyKind::BoostHold:
+            return {"from boost to release", "boost_hold"};
+        case LatencyKind::ReporterWait:
+            return {"wait of the reporting thread", "reporter_wait"};
+    }
+    return {"", ""};
+}
+
+}  // namespace
+
+const char* textOf(Cause cause) {
+    return wordsOf(cause).text;
+}
+
+std::string describe(const Difference& difference) {
+    return wordOf(difference.subject) + std::string(": ") + textOf(difference.causes, " or ");
+}
+
+std::string textOf(const CauseSet& causes, const std::string& separator) {
+    std::string text;
+    causes.forEach([&](Cause cause) {
+        if (!text.empty()) text += separator;
+        text += textOf(cause);
+    });
+    return text;
+}
+
+const char* textOf(LatencyKind kind) {
+    return wordsOf(kind).text;
+}
+
+const char* wordOf(Cause cause) {
+    return wordsOf(cause).word;
+}
+
+const char* wordOf(Subject subject) {
+    switch (subject) {
+        case Subject::Decision:
+            return "decisions";
+        case Subject::Boost:
+            return "boosts";
+        case Subject::Request:
+            return "requests";
+        case Subject::Release:
+            return "releases";
+    }
+    return "";
+}
+
+const char* wordOf(LatencyKind kind) {
+    return wordsOf(kind).word;
+}
+
+const char* wordOf(Verdict verdict) {
+    switch (verdict) {
+        case Verdict::AsExpected:
+            return "as-expected";
+        case Verdict::Differs:
+            return "differs";
+        case Verdict::TooShort:
+            return "too-short";
+        case Verdict::NoDecisions:
+            return "no-decisions";
+        case Verdict::NoMarks:
+            return "no-marks";
+    }
+    return "";
+}
+
+}  // namespace brevold::verify

@@ -1,0 +1,132 @@
+#include "verify/workers.h"
+
+#include <algorithm>
+#include <cmath>
+#include <iterator>
+
+namespace brevold::verify {
+
+namespace {
+
+/** Half of the last decimal of a request's scale, and the rounding of the decision's. */
+constexpr double kScaleRounding = 0.005001;
+
+/** Returns true if a request may have the scale of a decision. Both are rounded in labels. */
+bool isScaleOf(double request, double decision) {
+    if (!std::isfinite(request) || !std::isfinite(decision)) {
+        return std::isnan(request) ? std::isnan(decision) : request == decision;
+    }
+    return std::abs(request - decision) <= kScaleRounding;
+}
+
+/**
+ * Assigns requests to the decisions that post them. A newer decision replaces one that has not been
+ * sent; the scale in a request shows which one it is for. Returns the times from the first decision
+ * that waits to the section that sends its or a newer request.
+ */
+std::vector<Latency> checkRequests(const std::vector<const DecisionMark*>& posted,
+                                   const std::vector<ServiceSection>& requests,
+                                   const WorkerContext& context, Differences* differences) {
+    std::vector<Latency> waits;
+    auto waiting = posted.begin();
+    for (const ServiceSection& request : requests) {
+        auto sent = std::find_if(waiting, posted.end(), [&](const DecisionMark* decision) {
+            return decision->timeNs > request.beginNs;
+        });
+        while (sent != waiting && !isScaleOf(request.scale, (*std::prev(sent))->label.scale))
+            --sent;
+        if (sent == waiting) continue;
+        waits.push_back({(*waiting)->timeNs, request.beginNs - (*waiting)->timeNs});
+        for (; waiting != sent; ++waiting) {
+            const int64_t postedNs = (*waiting)->timeNs;
+            if (request.beginNs - postedNs > context.periodNs) {
+                differences->add(Subject::Request, postedNs, Cause::RequestLate);
+            } else {
+                differences->addAgreement(Subject::Request, postedNs);
+            }
+        }
+    }
+    // A request in the last period may be sent after the trace.
+    for (; waiting != posted.end() && (*waiting)->timeNs < context.traceEndNs - context.periodNs;
+         ++waiting) {
+        differences->add(Subject::Request, (*waiting)->timeNs, Cause::RequestNotSent);
+    }
+    return waits;
+}
+
+/** Returns the times from boosts to their releases. */
+std::vector<Latency> checkReleases(const LibraryMarks& marks, const WorkerContext& context,
+                                   Differences* differences) {
+    std::vector<Latency> holds;
+    auto release = marks.releases.begin();
+    for (auto boost = marks.boosts.begin(); boost != marks.boosts.end(); ++boost) {
+        const auto next = std::next(boost);
+        const bool hasNext = next != marks.boosts.end();
+        release = std::find_if(release, marks.releases.end(), [&](const ServiceSection& section) {
+            return section.beginNs >= boost->beginNs;
+        });
+        if (release != marks.releases.end() && (!hasNext || release->beginNs <= next->beginNs)) {
+            holds.push_back({boost->beginNs, release->beginNs - boost->beginNs});
+            differences->addAgreement(Subject::Release, boost->beginNs);
+            ++release;
+            continue;
+        }
+        // The next composition releases a boost. The trace may end before.
+        const auto tick = std::upper_bound(context.compositionsNs.begin(),
+                                           context.compositionsNs.end(), boost->beginNs);
+        const bool isDue = tick != context.compositionsNs.end() &&
+                           *tick + context.periodNs <= context.traceEndNs;
+        if (hasNext || isDue) {
+            differences->add(Subject::Release, boost->beginNs, Cause::BoostNotReleased);
+        }
+    }
+    return holds;
+}
+
+std::vector<Latency> lengthsOf(const std::vector<ServiceSection>& sections) {
+    std::vector<Latency> lengths;
+    for (const ServiceSection& section : sections)
+        lengths.push_back({section.beginNs, section.endNs - section.beginNs});
+    return lengths;
+}
+
+/** A decision in a section of the worker may wait until its end. */
+std::vector<Latency> reporterWaits(const std::vector<const DecisionMark*>& posted,
+                                   const std::vector<ServiceSection>& requests) {
+    std::vector<Latency> waits;
+    auto request = requests.begin();
+    for (const DecisionMark* decision : posted) {
+        request = std::find_if(request, requests.end(), [&](const ServiceSection& section) {
+            return section.endNs > decision->timeNs;
+        });
+        if (request == requests.end()) break;
+        if (request->beginNs < decision->timeNs) {
+            waits.push_back({decision->timeNs, request->endNs - decision->timeNs});
+        }
+    }
+    return waits;
+}
+
+}  // namespace
+
+Latencies checkWorkers(const LibraryMarks& marks, const WorkerContext& context,
+                       Differences* differences) {
+    std::vector<const DecisionMark*> posted;
+    for (const DecisionMark& decision : marks.decisions) {
+        const bool isUp = decision.label.direction == Direction::Up;
+        if (isUp || context.sendsDown) posted.push_back(&decision);
+    }
+    Latencies latencies;
+    const auto set = [&](LatencyKind kind, std::vector<Latency> values) {
+        latencies[static_cast<size_t>(kind)] = summarise(std::move(values));
+    };
+    set(LatencyKind::HandOver, checkRequests(posted, marks.requests, context, differences));
+    set(LatencyKind::RequestCall, lengthsOf(marks.requests));
+    set(LatencyKind::BoostCall, lengthsOf(marks.boosts));
+    set(LatencyKind::ReleaseCall, lengthsOf(marks.releases));
+    set(LatencyKind::BoostHold, checkReleases(marks, context, differences));
+    set(LatencyKind::ReporterWait, reporterWaits(posted, marks.requests));
+    return latencies;
+}
+
+}  // namespace brevold::verify
