@@ -1,9 +1,7 @@
 #include "bench/device.h"
 
 #include <fcntl.h>
-#include <pthread.h>
 #include <sched.h>
-#include <sys/mman.h>
 #include <unistd.h>
 
 #include <array>
@@ -12,7 +10,6 @@
 #include <cstring>
 #include <stdexcept>
 #include <thread>
-#include <vector>
 
 #include "bench/floors.h"
 #include "brevold/frame_rate.h"
@@ -28,28 +25,18 @@ using host::ServiceCall;
 
 constexpr auto kWindow = std::chrono::milliseconds(1001);
 
-std::atomic<int> gDelayMs;
 std::atomic<int> gHintsStarted;
-std::atomic<int> gHintsFinished;
 std::atomic<int64_t> gHintStartNs;
 cpu_set_t gProcessors;
 std::array<std::atomic<pid_t>, 2> gWorkers;
-std::array<std::atomic<pthread_t>, 2> gWorkerThreads;
 
 void onServiceCall(const ServiceCall& call, void* /*context*/) {
-    const bool isScaling =
-            call.kind == ServiceCall::Kind::Hint && call.identifier == android::kScalingHint;
-    if (isScaling) {
-        const bool isQb = android::unpackTypeWord(static_cast<uint32_t>(call.type)).isQb;
-        const size_t channel = isQb ? android::kQbChannel : android::kSfChannel;
-        gWorkers[channel] = gettid();
-        gWorkerThreads[channel] = pthread_self();
-        gHintStartNs = call.timeNs;
-        ++gHintsStarted;
-    }
-    const int delayMs = gDelayMs;
-    if (delayMs != 0) std::this_thread::sleep_for(std::chrono::milliseconds(delayMs));
-    if (isScaling) ++gHintsFinished;
+    if (call.kind != ServiceCall::Kind::Hint || call.identifier != android::kScalingHint) return;
+    const bool isQb = android::unpackTypeWord(static_cast<uint32_t>(call.type)).isQb;
+    const size_t channel = isQb ? android::kQbChannel : android::kSfChannel;
+    gWorkers[channel] = gettid();
+    gHintStartNs = call.timeNs;
+    ++gHintsStarted;
 }
 
 }  // namespace
@@ -81,12 +68,8 @@ void startDevice() {
     android::releaseScaling();
 }
 
-size_t processorCount() {
-    return static_cast<size_t>(CPU_COUNT(&gProcessors));
-}
-
 void useProcessor(size_t index) {
-    size_t skip = index % processorCount();
+    size_t skip = index % static_cast<size_t>(CPU_COUNT(&gProcessors));
     size_t processor = 0;
     for (;; ++processor) {
         if (CPU_ISSET(processor, &gProcessors) && skip-- == 0) break;
@@ -121,10 +104,6 @@ LayerFrameInfo frameOf(const std::string& layerName) {
     return info;
 }
 
-void setServiceDelayMs(int delayMs) {
-    gDelayMs = delayMs;
-}
-
 int hintsStarted() {
     return gHintsStarted;
 }
@@ -133,30 +112,8 @@ int64_t hintStartNs() {
     return gHintStartNs;
 }
 
-bool isHintInProgress() {
-    return gHintsStarted != gHintsFinished;
-}
-
 pid_t workerOf(Channel channel) {
     return gWorkers.at(static_cast<size_t>(channel));
-}
-
-StackBytes stackOf(Channel channel) {
-    pthread_attr_t attributes;
-    pthread_getattr_np(gWorkerThreads.at(static_cast<size_t>(channel)), &attributes);
-    void* stack = nullptr;
-    StackBytes bytes = {};
-    pthread_attr_getstack(&attributes, &stack, &bytes.reserved);
-    pthread_attr_destroy(&attributes);
-
-    const auto pageBytes = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-    std::vector<unsigned char> pages(bytes.reserved / pageBytes);
-    if (mincore(stack, bytes.reserved, pages.data()) != 0) {
-        throw std::runtime_error("mincore failed");
-    }
-    for (const unsigned char page : pages)
-        bytes.used += (page & 1u) * pageBytes;
-    return bytes;
 }
 
 SleepWatch::SleepWatch(pid_t thread)

@@ -13,7 +13,6 @@
 namespace brevold::bench {
 
 constexpr int64_t kPeriod60Ns = 16666666;
-constexpr int64_t kPeriod90Ns = 11111111;
 constexpr char kLayer[] = "SurfaceView - com.example.game/com.example.game.MainActivity#0";
 
 enum class Channel { Sf = android::kSfChannel, Qb = android::kQbChannel };
@@ -24,8 +23,6 @@ enum class Channel { Sf = android::kSfChannel, Qb = android::kQbChannel };
  * processor would run before the caller continues. Throws std::runtime_error.
  */
 void startDevice();
-
-size_t processorCount();
 
 /** Keeps the calling thread and those it starts on one processor; the index wraps around. */
 void useProcessor(size_t index);
@@ -39,24 +36,13 @@ void measureRate(int64_t intervalNs);
 /** Returns a frame that needs no request: one frame is queued and it is on time. */
 LayerFrameInfo frameOf(const std::string& layerName);
 
-/** Sets how long each call of the service takes. */
-void setServiceDelayMs(int delayMs);
-
 /** Number of scaling hints started so far. */
 int hintsStarted();
 /** Start of the last scaling hint. */
 int64_t hintStartNs();
-bool isHintInProgress();
 
 /** Returns the thread that last sent a hint on a channel, or 0. */
 pid_t workerOf(Channel channel);
-
-/** Bytes of a worker's stack: reserved, and used at any time so far. */
-struct StackBytes {
-    size_t reserved;
-    size_t used;
-};
-StackBytes stackOf(Channel channel);
 
 /** Blocks until the condition holds, without yielding the processor. */
 template <typename Condition>

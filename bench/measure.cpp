@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <chrono>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <new>
-#include <thread>
 
 namespace {
 
@@ -31,60 +32,44 @@ void operator delete(void* memory, size_t /*size*/) noexcept {
 
 namespace brevold::bench {
 
-namespace {
-
-constexpr int kRounds = 60;
-constexpr int kMeasurements = 3;
-constexpr auto kPause = std::chrono::seconds(2);
-
-double allocationsPerCall(const Costs& costs) {
-    return static_cast<double>(costs.allocations) / static_cast<double>(costs.calls);
-}
-
-double ratioOf(const Comparison& comparison, double quantile) {
-    return quantileOf(comparison.subject.ns, quantile) / quantileOf(comparison.floor.ns, quantile);
-}
-
-bool meets(const Comparison& comparison, Target target) {
-    const double ownAllocations =
-            allocationsPerCall(comparison.subject) - allocationsPerCall(comparison.floor);
-    return ownAllocations <= static_cast<double>(target.allocations) &&
-           ratioOf(comparison, target.quantile) <= target.ratio;
-}
-
-}  // namespace
-
-Comparison compare(const Round& subject, const Round& floor) {
-    Costs warmUp;
-    subject(warmUp);
-    floor(warmUp);
-    Comparison comparison;
-    for (int i = 0; i < kRounds; ++i) {
-        if (i % 2 == 0) subject(comparison.subject);
-        floor(comparison.floor);
-        if (i % 2 != 0) subject(comparison.subject);
-    }
-    return comparison;
+/** The number of values below a median is binomial, so two of the values bound it. */
+Spread spreadOf(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    const auto count = static_cast<double>(values.size());
+    const auto below = static_cast<size_t>(std::max(0.0, (count - 2.58 * std::sqrt(count)) / 2));
+    return {quantileOf(values, 0.5), values[below], values[values.size() - 1 - below]};
 }
 
 void printCostHeader() {
-    printf("%-41s %10s %10s %6s %8s %7s %9s\n", "entry", "ns", "floor ns", "ratio", "max", "allocs",
-           "of floor");
+    printf("%-36s %10s %10s %6s %13s %6s %7s %8s\n", "", "ns", "floor ns", "ratio", "spread", "max",
+           "allocs", "of floor");
 }
 
-bool printCost(const char* entry, const Round& subject, const Round& floor, Target target) {
-    Comparison comparison;
-    bool isMet = false;
-    for (int i = 0; i < kMeasurements && !isMet; ++i) {
-        if (i != 0) std::this_thread::sleep_for(kPause);
-        comparison = compare(subject, floor);
-        isMet = meets(comparison, target);
+bool printCost(const char* entry, const Round& subject, const Round& floor, Target target,
+               int rounds) {
+    subject();
+    floor();
+    std::vector<double> ns;
+    std::vector<double> floorNs;
+    std::vector<double> ratios;
+    double own = 0;
+    double ofFloor = 0;
+    for (int i = 0; i < rounds; ++i) {
+        Costs first = i % 2 == 0 ? subject() : floor();
+        Costs second = i % 2 == 0 ? floor() : subject();
+        if (i % 2 != 0) std::swap(first, second);
+        ns.push_back(first.ns);
+        floorNs.push_back(second.ns);
+        ratios.push_back(first.ns / second.ns);
+        own += first.allocations / rounds;
+        ofFloor += second.allocations / rounds;
     }
-    printf("%-41s %10.1f %10.1f %6.3f %8.2f %7.1f %9.1f%s\n", entry,
-           quantileOf(comparison.subject.ns, target.quantile),
-           quantileOf(comparison.floor.ns, target.quantile), ratioOf(comparison, target.quantile),
-           target.ratio, allocationsPerCall(comparison.subject),
-           allocationsPerCall(comparison.floor), isMet ? "" : "  MISSED");
+    const Spread ratio = spreadOf(ratios);
+    const bool isMet = ratio.low <= target.ratio && own - ofFloor <= target.allocations + 0.001;
+    printf("%-36s %10.1f %10.1f %6.2f %6.2f-%6.2f %6.2f %7.1f %8.1f%s\n", entry,
+           quantileOf(ns, 0.5), quantileOf(floorNs, 0.5), ratio.median, ratio.low, ratio.high,
+           target.ratio, own, ofFloor, isMet ? "" : "  MISSED");
+    fflush(stdout);
     return isMet;
 }
 
@@ -95,16 +80,18 @@ double quantileOf(std::vector<double> values, double quantile) {
     return *at;
 }
 
-double medianOf(const std::vector<double>& values) {
-    return quantileOf(values, 0.5);
-}
-
 uint64_t allocations() {
     return tAllocations;
 }
 
 int64_t nowNs() {
     return std::chrono::steady_clock::now().time_since_epoch() / std::chrono::nanoseconds(1);
+}
+
+int64_t processorNs() {
+    timespec time = {};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+    return int64_t{time.tv_sec} * 1000000000 + time.tv_nsec;
 }
 
 }  // namespace brevold::bench

@@ -200,5 +200,6 @@ bool brevoldInit() {
 }
 
 bool brevoldCheck(const char* name) {
-    return gScalingEnabled && gTargetApp && name != nullptr && strncmp(name, "sf", 2) == 0;
+    return gScalingEnabled && isTargetAppWithoutLock() && name != nullptr &&
+           strncmp(name, "sf", 2) == 0;
 }

@@ -5,6 +5,7 @@
 /** The arithmetic of DOWN and UP requests. Times in nanoseconds. */
 namespace android {
 
+/** The frame budget is the refresh period less this margin. */
 constexpr int64_t kPeriodMarginNs = 1000000;
 
 /** DOWN needs this many queued frames, UP exactly one. */

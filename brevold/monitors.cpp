@@ -89,10 +89,11 @@ void resetWindow() {
 
 void reportWindow() {
     if (!gDebug) return;
-    traceMarker("[FM]gMode:%d \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d" BREVOLD_GAP45 "\tIdle:\t%d",
-                gMode, static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
-    BREVOLD_LOGE("[FM]gMode:%d \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d \tIdle:\t%d", gMode,
-                 static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
+    traceMarker(BREVOLD_WINDOW_TAG " \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d" BREVOLD_GAP45
+                                   "\tIdle:\t%d",
+                modeWithoutLock(), static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
+    BREVOLD_LOGE(BREVOLD_WINDOW_TAG " \tFPS:\t%.2F \tDown:\t%d \tUp:\t%d \tIdle:\t%d",
+                 modeWithoutLock(), static_cast<double>(gFps), gDownCount, gUpCount, gIdleCount);
 }
 
 // Keep the order of the conditions: the last one aborts if the stamps are extreme.
@@ -158,10 +159,10 @@ void brevoldLayerStatusCheck(bool skip, std::string layerName, int keyA, int key
 void brevoldBufferMonitor(int lastMaxQueuedFrames, std::string peerLayerName, std::string layerName,
                           int64_t diffSFToQB, int64_t diffQB, int64_t sfTime, int64_t /*reserved*/,
                           int64_t refreshPeriod) {
-    gVsyncPeriod = refreshPeriod;
-    if (gScalingEnabled && gTargetApp && peerLayerName == layerName && gLastFrameStamp != 0 &&
-        lastMaxQueuedFrames >= 1) {
-        const int32_t mode = gMode;
+    setVsyncPeriodWithoutLock(refreshPeriod);
+    if (gScalingEnabled && isTargetAppWithoutLock() && peerLayerName == layerName &&
+        gLastFrameStamp != 0 && lastMaxQueuedFrames >= 1) {
+        const int32_t mode = modeWithoutLock();
         const RefreshBand* const band = refreshBandOf(refreshPeriod);
         if (band != nullptr && band->mode == mode) {
             const FrameTiming frame = {mode, lastMaxQueuedFrames, diffSFToQB, diffQB,
@@ -275,6 +276,6 @@ void brevoldRefresh() {
     if (!gScalingEnabled && !gJr10Enabled) return;
     const nsecs_t nowNs = systemTime(SYSTEM_TIME_MONOTONIC);
     if (gLastRefreshTime != 0) modeMonitor(checkedSub(nowNs, gLastRefreshTime));
-    gLastRefreshTime = nowNs;
+    setLastRefreshTimeWithoutLock(nowNs);
     if (gScalingEnabled) gSFThread->withdrawBoost();
 }

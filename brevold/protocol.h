@@ -102,6 +102,9 @@ constexpr char kDebugProperty[] = "vendor.perf.brevold.debug";
 constexpr char kScalingDownProperty[] = "vendor.perf.pfar.down.enable";
 constexpr char kDebugLayersProperty[] = "vendor.perf.brevold.debug.layers";
 
+/** The start of the debug output that reports a measuring window, with the frame-rate mode. */
+#define BREVOLD_WINDOW_TAG "[FM]gMode:%d"
+
 /** The frame rates of each frame-rate mode. */
 constexpr const char* kModeLabels[] = {"27 fps and less",         "27 to 32 fps",
                                        "47 to 62 fps (60 Hz)",    "77 to 92 fps (90 Hz)",

@@ -144,7 +144,7 @@ void energyScaling(float scale, unsigned int direction, unsigned int boostLevel,
     if (channel == kSfChannel) {
         gSFThread->post(scale, direction, boostLevel, kSfDuration);
     } else if (channel == kQbChannel) {
-        gQBThread->post(scale, direction, boostLevel, qbDurationOf(gMode));
+        gQBThread->post(scale, direction, boostLevel, qbDurationOf(modeWithoutLock()));
     }
 }
 

@@ -15,6 +15,9 @@
 // none is atomic: a late value costs one frame's decision, but a lock would make compositor threads
 // wait for each other. The compositor does not run brevoldInit or clearConfigs concurrently with
 // other entry points. Lock order: gLock, then a worker's own lock.
+//
+// Functions named ...WithoutLock access a variable outside its lock on purpose. The race detector's
+// suppressions (tests/tsan.supp) name them, and any other unlocked access is a bug.
 
 namespace android {
 
@@ -55,11 +58,17 @@ extern bool gLayerUnchanged GUARDED_BY(gLock);
 
 /** Written by the application check without a lock, read under gLock. */
 extern int32_t gAppType;
-/** Written under gLock. brevoldCheck and the buffer monitor read it without. */
-extern bool gTargetApp;
+extern bool gTargetApp GUARDED_BY(gLock);
+/** Frame-rate mode. */
+extern int32_t gMode GUARDED_BY(gLock);
 
-/** Frame-rate mode. Written under gLock. Requests and the buffer monitor read it without. */
-extern int32_t gMode;
+inline bool isTargetAppWithoutLock() NO_THREAD_SAFETY_ANALYSIS {
+    return gTargetApp;
+}
+
+inline int32_t modeWithoutLock() NO_THREAD_SAFETY_ANALYSIS {
+    return gMode;
+}
 
 // The frame-rate window. Only the thread of the refresh ticks uses it. Times in nanoseconds.
 extern bool gFpsWindowActive;
@@ -82,6 +91,14 @@ extern int64_t gLastRefreshTime;
 /** Written by frame reports without a lock, read by brevoldScaling under gLock. Nanoseconds. */
 extern int64_t gVsyncPeriod;
 extern bool gPrevQueueBusy GUARDED_BY(gLock);
+
+inline void setLastRefreshTimeWithoutLock(int64_t timeNs) {
+    gLastRefreshTime = timeNs;
+}
+
+inline void setVsyncPeriodWithoutLock(int64_t periodNs) {
+    gVsyncPeriod = periodNs;
+}
 
 // The refresh-rate hint in force. Only frame reports use it.
 extern int32_t gRefreshRate;

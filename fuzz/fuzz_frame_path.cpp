@@ -1,22 +1,25 @@
-// Initialisation and the frame path: switches and debug layers follow the settings, and hints
-// follow the posted requests, for any reports of the compositor and any answers of the service.
+// The frame path. Half of the inputs are frames of steady rates, for which every call of the
+// service is known. The others are any settings, calls of the compositor and answers of the
+// service.
 
 #include <cutils/properties.h>
 #include <fuzzer/FuzzedDataProvider.h>
 #include <utils/Thread.h>
 
-#include <algorithm>
 #include <cstring>
+#include <functional>
 #include <map>
-#include <mutex>
+#include <utility>
 
 #include "brevold/brevold.h"
 #include "brevold/state.h"
 #include "fuzz/fuzz.h"
 #include "host/virtual_platform.h"
 #include "host/workers.h"
+#include "tests/account.h"
 
 using namespace android;
+using namespace brevold::test;
 using brevold::fuzz::require;
 namespace host = brevold::host;
 
@@ -28,89 +31,48 @@ constexpr const char* kNames[] = {"com.example.a/Main#0", "com.example.b#1", "1"
 /** Differences of stamps this far apart, and the differences of those, fit in 64 bits. */
 constexpr int64_t kFarNs = int64_t{1} << 61;
 
-constexpr const char* kSwitches[] = {kSmoothMotionProperty, kFpsSwitchProperty,
-                                     kJankBoostProperty,    kScalingProperty,
-                                     kDebugProperty,        kScalingDownProperty};
-
-/** Duration and type word. */
-using Hint = std::pair<int, uint32_t>;
-
-/** The service, its calls, and the requests posted to the two workers. */
+/** The service and its calls. */
 struct Service {
     std::map<std::string, std::string> settings;
-    bool allowed[2] = {true, true};
+    bool isAllowed = true;
     /** Feature and client library: 0 is missing, 1 lacks its functions, 2 is complete. */
     int found[2] = {2, 2};
-    int appType, nextHandle, heldHandle;
-    bool isCalled;
-    std::mutex lock;
-    std::vector<Hint> hints;
-    uint32_t sfType, qbType, sfCount;
-    bool isBoostHeld;
+    int appType, nextHandle;
+    std::string calls;
 };
 Service gService;
 int64_t gNowNs;
 
-/** Compares the hints that the workers sent with the requests. */
-void compareHints() {
-    host::settle();
-    for (const auto& [duration, type] : gService.hints) {
-        if (duration == 0) {
-            require(type == gService.sfCount, "releases count boosts");
-            gService.sfCount = 0;
-            gService.isBoostHeld = false;
-        } else if (duration == 2000) {
-            require(type == gService.sfType, "the boost's type word is that of the request");
-            require(!gService.isBoostHeld, "a boost is sent once");
-            gService.isBoostHeld = true;
-        } else {
-            require(type == gService.qbType && duration > 0,
-                    "the type word is that of the request");
-        }
-    }
-    gService.hints.clear();
-    require(gMode >= 0 && gMode <= 5, "the mode is one of six");
+template <typename... Values>
+void addCall(const char* format, Values... values) {
+    char text[200];
+    snprintf(text, sizeof(text), format, values...);
+    gService.calls += (gService.calls.empty() ? "" : "; ") + std::string(text);
 }
 
-/** Initialises with random settings. The workers of the first initialisation serve every input. */
-void initialise(FuzzedDataProvider& input) {
-    static const sp<ScalingSyncThread> workers[] = {gSFThread, gQBThread};
-    for (int& found : gService.found)
-        found = std::min(input.ConsumeIntegralInRange(0, 7), 2);
-    for (bool& allowed : gService.allowed)
-        allowed = input.ConsumeIntegralInRange(0, 3) != 0;
-    for (const char* setting : kSwitches)
-        gService.settings[setting] =
-                input.ConsumeIntegralInRange(0, 5) ? "1" : input.ConsumeRandomLengthString(100);
-    gService.settings[kDebugLayersProperty] = input.ConsumeRandomLengthString(100);
+/** Initialises with these settings. The workers of the first initialisation serve every input. */
+void initialise(const std::function<std::string(std::string)>& settingOf) {
+    for (const char* key :
+         {kSmoothMotionProperty, kFpsSwitchProperty, kJankBoostProperty, kScalingProperty,
+          kDebugProperty, kScalingDownProperty, kDebugLayersProperty})
+        gService.settings[key] = settingOf(key);
     clearConfigs();
     gPerfGetProp = nullptr;
-    const size_t listed = gDebugLayers.size();
     const bool isAnyOn = brevoldInit();
-
     require(isAnyOn == (gJr10Enabled || gScalingEnabled || gFpsSwitchEnabled), "any feature");
-    require((gSFThread != workers[0]) == gScalingEnabled, "workers with energy scaling only");
+    static const sp<ScalingSyncThread> workers[] = {gSFThread, gQBThread};
     gSFThread = workers[0];
     gQBThread = workers[1];
-    if (input.ConsumeBool()) gPerfLockRel = nullptr;
+}
 
-    const auto textOf = [](const char* setting) -> std::string {
-        return gService.settings[setting].substr(0, kSettingSize - 1).c_str();
-    };
-    const bool switches[] = {gSmoothMotion, gFpsSwitchEnabled == 1, gJr10Enabled, gScalingEnabled,
-                             gDebug,        gPfarDownEnabled};
-    for (size_t i = 0; i < std::size(switches); ++i)
-        require(!switches[i] || atoi(textOf(kSwitches[i]).c_str()) == 1, kSwitches[i]);
-    const bool readsList = gService.found[0] + gService.found[1] == 4 &&
-                           (gService.allowed[0] || gService.allowed[1]) &&
-                           textOf(kDebugLayersProperty).compare(0, 4, "NONE") != 0;
-    const std::string list = readsList ? textOf(kDebugLayersProperty) : "";
-    std::string joined;
-    for (size_t i = listed; i < gDebugLayers.size(); ++i) {
-        require(isDebugLayer(gDebugLayers[i]), "listed layers are debug layers");
-        joined += gDebugLayers[i] + " ";
-    }
-    require(joined == list || joined == list + " ", "the list is split at blanks and appended");
+void initialiseAnyhow(FuzzedDataProvider& input) {
+    for (int& found : gService.found)
+        found = std::min(input.ConsumeIntegralInRange(0, 7), 2);
+    gService.isAllowed = input.ConsumeIntegralInRange(0, 3) != 0;
+    initialise([&input](const std::string&) -> std::string {
+        return input.ConsumeIntegralInRange(0, 5) ? "1" : input.ConsumeRandomLengthString(100);
+    });
+    if (input.ConsumeBool()) gPerfLockRel = nullptr;
 }
 
 template <typename T, size_t N>
@@ -129,7 +91,7 @@ std::string anyName(FuzzedDataProvider& input) {
                                : input.ConsumeRandomLengthString(40);
 }
 
-void reportFrame(FuzzedDataProvider& input) {
+void reportAnything(FuzzedDataProvider& input) {
     LayerFrameInfo info = {};
     info.skipLayerCheck = input.ConsumeIntegralInRange<uint8_t>(0, 7) == 0 ? 1 : 0;
     info.layerKeyA = input.ConsumeIntegralInRange(0, 1);
@@ -152,8 +114,6 @@ void tick(FuzzedDataProvider& input) {
         host::setTimeNs(gNowNs += intervalNs);
         brevoldRefresh();
     }
-    compareHints();
-    require(!gScalingEnabled || !gService.isBoostHeld, "a tick releases every boost");
 }
 
 void step(FuzzedDataProvider& input) {
@@ -164,7 +124,7 @@ void step(FuzzedDataProvider& input) {
             return require(brevoldScaling(any(input, kQueues), input.ConsumeBool()) == 0, "0");
         case 2: {
             const int verdict = brevoldMonitor(any(input, kQueues), any(input, kPeriodsNs));
-            return require(verdict == 0 || (verdict == 1 && gMode <= 1), "verdict in low modes");
+            return require(verdict == 0 || (verdict == 1 && modeWithoutLock() <= 1), "verdict");
         }
         case 3:
             return energyScaling(
@@ -177,9 +137,66 @@ void step(FuzzedDataProvider& input) {
             gService.nextHandle = input.ConsumeIntegralInRange(-2, 9);
             return;
         case 6:
-            return initialise(input);
+            return initialiseAnyhow(input);
         default:
-            return reportFrame(input);
+            return reportAnything(input);
+    }
+}
+
+void playAnything(FuzzedDataProvider& input) {
+    initialiseAnyhow(input);
+    while (input.remaining_bytes() > 0) {
+        const bool isOff = !gScalingEnabled && !gJr10Enabled && gFpsSwitchEnabled == 0;
+        step(input);
+        host::settle();
+        const std::string calls = std::exchange(gService.calls, {});
+        require(!isOff || calls.empty(), "with every feature off the service is not called");
+        require(modeWithoutLock() >= 0 && modeWithoutLock() <= 5, "the mode is one of six");
+    }
+}
+
+void playSteadily(FuzzedDataProvider& input) {
+    Account account;
+    Switches switches = {};
+    for (bool* isOn : {&switches.scaling, &switches.scalingDown, &switches.jankBoost,
+                       &switches.smoothMotion, &switches.refreshRate})
+        *isOn = input.ConsumeIntegralInRange(0, 5) != 0;
+    gService.found[0] = gService.found[1] = 2;
+    gService.isAllowed = true;
+    initialise([&switches](const std::string& key) {
+        const std::map<std::string, bool> isOn = {{kScalingProperty, switches.scaling},
+                                                  {kScalingDownProperty, switches.scalingDown},
+                                                  {kJankBoostProperty, switches.jankBoost},
+                                                  {kSmoothMotionProperty, switches.smoothMotion},
+                                                  {kFpsSwitchProperty, switches.refreshRate},
+                                                  {kDebugProperty, false}};
+        return isOn.count(key) == 0 ? kDebugLayer.name : isOn.at(key) ? "1" : "0";
+    });
+    account.restart(switches);
+
+    Frame frame;
+    const auto requireDue = [&account](const char* entryPoint) {
+        host::settle();
+        require(std::exchange(gService.calls, {}) == account.takeDue(), entryPoint);
+    };
+    while (input.remaining_bytes() > 0) {
+        advance(frame, gNowNs,
+                [&](size_t below) { return input.ConsumeIntegralInRange<size_t>(0, below - 1); });
+        gService.appType = frame.layer->appType;
+        host::setTimeNs(frame.nowNs);
+        account.tick(frame);
+        brevoldRefresh();
+        requireDue("calls of a tick");
+        account.report(frame);
+        LayerFrameInfo info = infoOf(frame);
+        brevoldOnFrameAvailable(&info);
+        requireDue("calls of a report");
+        host::setTimeNs(frame.nowNs += input.ConsumeIntegralInRange(0, 2) * 9000000);
+        require(brevoldMonitor(frame.queued, frame.rate->periodNs) == account.vsync(frame),
+                "the verdict");
+        account.compose(frame);
+        brevoldScaling(frame.queued, frame.isSuppressed);
+        requireDue("calls of a composition");
     }
 }
 
@@ -189,21 +206,17 @@ extern "C" {
 
 // The service's functions, found by name in the program.
 int perf_hint(int hint, const char* package, int duration, int type) {
-    const std::lock_guard lock(gService.lock);
-    gService.isCalled = true;
     require(package == nullptr, "hints name no package");
-    if (hint == kRefreshRateHint) return gService.heldHandle = gService.nextHandle;
-    gService.hints.push_back({duration, static_cast<uint32_t>(type)});
-    return gService.nextHandle;
+    addCall("hint %d %d 0x%x", hint, duration, static_cast<unsigned>(type));
+    return gService.nextHandle > 0 ? gService.nextHandle++ : gService.nextHandle;
 }
 int perf_lock_rel(int handle) {
-    gService.isCalled = true;
-    require(handle > 0 && handle == gService.heldHandle,
-            "only the held handle is released, and once");
-    return gService.heldHandle = 0;
+    require(handle > 0, "only a held handle is released");
+    addCall("release %d", handle);
+    return 0;
 }
-int perf_get_feedback(int, const char*) {
-    gService.isCalled = true;
+int perf_get_feedback(int query, const char* package) {
+    addCall("query %d %s", query, package);
     return gService.appType;
 }
 /** Not terminated if the text fills the setting. */
@@ -212,8 +225,8 @@ PerfSetting perf_get_prop(const char* key, const char*) {
     strncpy(setting.text, gService.settings[key].c_str(), sizeof(setting.text));
     return setting;
 }
-int IsFeatureEnabled(int feature) {
-    return gService.allowed[feature == kEnergyScalingFeature ? 1 : 0];
+int IsFeatureEnabled(int) {
+    return gService.isAllowed;
 }
 
 // Replaces the library's call.
@@ -223,22 +236,6 @@ void* __wrap_dlopen(const char* name, int mode) {
     return found == 0 ? nullptr : __real_dlopen(found == 1 ? "libc.so.6" : nullptr, mode);
 }
 
-// Records the library's requests before it posts them.
-void __real__ZN7android13energyScalingEfjji(float, unsigned, unsigned, int);
-void __wrap__ZN7android13energyScalingEfjji(float scale, unsigned direction, unsigned boostLevel,
-                                            int channel) {
-    if (gScalingEnabled && direction != 0) {
-        const double thousandths = static_cast<double>(scale * 1000.0f);
-        const double bounded = !(thousandths > 0) ? 0 : std::min(thousandths, 4294967295.0);
-        const uint32_t word =
-                (static_cast<uint32_t>(bounded) & 0xffff) | direction << 16 | boostLevel << 19;
-        if (channel == 0) gService.sfType = word;
-        if (channel == 0 && boostLevel != 0) ++gService.sfCount;
-        if (channel == 1) gService.qbType = word | 1u << 22;
-    }
-    __real__ZN7android13energyScalingEfjji(scale, direction, boostLevel, channel);
-}
-
 // Workers of later initialisations do not run.
 int __real__ZN7android6Thread3runEPKcim(void*, const char*, int, size_t);
 int __wrap__ZN7android6Thread3runEPKcim(void* thread, const char* name, int priority, size_t size) {
@@ -246,34 +243,26 @@ int __wrap__ZN7android6Thread3runEPKcim(void* thread, const char* name, int prio
     return __real__ZN7android6Thread3runEPKcim(thread, name, priority, size);
 }
 
-int LLVMFuzzerInitialize(int*, char***) {
-    for (const char* setting : kSwitches)
-        gService.settings[setting] = "1";
-    require(brevoldInit(), "everything is on");
-    return 0;
-}
-
 int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    [[maybe_unused]] static const bool isStarted =
+            (initialise([](const std::string&) { return "1"; }), true);
     FuzzedDataProvider input(data, size);
     // The workers live as long as the process; everything else starts as after loading.
     releaseScaling();
-    compareHints();
-    require(!gService.isBoostHeld, "a withdrawn boost is released");
+    host::settle();
     gCurrentLayer.clear();
     gDebugLayers.clear();
-    gRefreshRate = gRefreshRateHandle = gService.heldHandle = 0;
+    gRefreshRate = gRefreshRateHandle = 0;
     host::takeLog();
     host::takeTraceMarks();
     host::setTimeNs(gNowNs = 100000000000);
     gService.appType = 2;
     gService.nextHandle = 1;
-    initialise(input);
-    while (input.remaining_bytes() > 0) {
-        gService.isCalled = false;
-        const bool isOff = !gScalingEnabled && !gJr10Enabled && gFpsSwitchEnabled == 0;
-        step(input);
-        compareHints();
-        require(!isOff || !gService.isCalled, "with every feature off the service is not called");
+    gService.calls.clear();
+    if (input.ConsumeBool()) {
+        playSteadily(input);
+    } else {
+        playAnything(input);
     }
     return 0;
 }

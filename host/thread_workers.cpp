@@ -121,10 +121,19 @@ void settle() {
     const auto isSettled = [](const Worker& worker) {
         return worker.hasEnded || (worker.isWaiting && !worker.hasWakeUp);
     };
-    const std::lock_guard lock(gGate);
-    for (const Worker& worker : gWorkers) {
-        while (!isSettled(worker))
-            gRealWait(&gGateChanged, gGate.native_handle());
+    std::vector<pthread_mutex_t*> mutexes;
+    {
+        const std::lock_guard lock(gGate);
+        for (const Worker& worker : gWorkers) {
+            while (!isSettled(worker))
+                gRealWait(&gGateChanged, gGate.native_handle());
+            if (!worker.hasEnded) mutexes.push_back(worker.mutex);
+        }
+    }
+    // A worker announces its wait while it still holds its mutex, which the wait releases.
+    for (pthread_mutex_t* mutex : mutexes) {
+        pthread_mutex_lock(mutex);
+        pthread_mutex_unlock(mutex);
     }
 }
 

@@ -2,115 +2,153 @@
 
 #include <fmt/format.h>
 
-#include <cmath>
-#include <filesystem>
+#include <algorithm>
+#include <iterator>
 
 #include "plot/gnuplot.h"
-#include "plot/plot_thinning.h"
+#include "plot/plot_style.h"
+#include "plot/plot_text.h"
 
 namespace brevold::plot {
 
 namespace {
 
 constexpr int kPageWidthPx = 1600;
-constexpr int kPageHeightPx = 1210;
-constexpr int kLeftPx = 110;
-constexpr int kPlotWidthPx = 1240;
-constexpr int kLegendLeftPx = kLeftPx + kPlotWidthPx + 15;
-constexpr int kPanelGapPx = 34;
-constexpr size_t kMaxNameLength = 110;
+constexpr int kLeftPx = 185;
+constexpr int kLegendLeftPx = kLeftPx + kPlotWidthPx + 10;
+constexpr int kPanelGapPx = 32;
+constexpr int kTimeAxisPx = 55;
+constexpr int kFirstLinePx = 24;
+constexpr int kLinePx = 19;
+constexpr int kHeadingFontSizes[] = {15, 13, 11};
+constexpr size_t kMaxLineLength = 150;
 
-std::string shortened(const std::string& name) {
-    if (name.size() <= kMaxNameLength) return name;
-    constexpr size_t kHalf = kMaxNameLength / 2;
-    return name.substr(0, kHalf) + "..." + name.substr(name.size() - kHalf);
-}
+class ScriptWriter {
+  public:
+    ScriptWriter(const PlotPage& page, const std::string& terminal)
+          : mPage(page), mTerminal(terminal) {}
 
-double screenX(int px) {
-    return static_cast<double>(px) / kPageWidthPx;
-}
+    std::string script() {
+        mTopPx = kFirstLinePx + static_cast<int>(mPage.heading.size()) * kLinePx + 16;
+        mPageHeightPx = mTopPx + kTimeAxisPx - kPanelGapPx;
+        for (const PlotPanel& panel : mPage.panels)
+            mPageHeightPx += panel.heightPx + kPanelGapPx;
+        add("set terminal {} size {},{} background 'white' noenhanced\n", mTerminal, kPageWidthPx,
+            mPageHeightPx);
+        add("set multiplot\nset tics nomirror font ',10'\nset grid back lc rgb '{}' lt 1\n"
+            "set border 3\nset format x ''\n",
+            kGridGrey);
+        add("set xrange [{:.9g}:{:.9g}]\n", mPage.beginS, mPage.endS);
+        const TimeAxis axis = timeAxis(mPage.beginS, mPage.endS);
+        addTicks('x', axis.ticks, false);
+        addHeading();
+        addShade();
+        for (const PlotPanel& panel : mPage.panels) {
+            if (&panel == &mPage.panels.back()) {
+                addTicks('x', axis.ticks, true);
+                add("set xlabel 'time since the start of the trace, {}' font ',11'\n", axis.unit);
+            }
+            addPanel(panel);
+        }
+        return std::move(mScript) + "unset multiplot\n";
+    }
 
-double screenY(int fromTopPx) {
-    return 1.0 - static_cast<double>(fromTopPx) / kPageHeightPx;
-}
+  private:
+    template <typename... Values>
+    void add(fmt::format_string<Values...> format, Values&&... values) {
+        fmt::format_to(std::back_inserter(mScript), format, std::forward<Values>(values)...);
+    }
 
-std::string label(int tag, const std::string& text, int fromTopPx, int fontSize) {
-    return fmt::format(
-            "set label {} {} at screen {:.4f}, screen {:.4f} left font ',{}' noenhanced\n", tag,
-            gnuplotString(text), screenX(kLeftPx), screenY(fromTopPx), fontSize);
-}
+    static double screenX(int px) { return static_cast<double>(px) / kPageWidthPx; }
+    double screenY(int fromTopPx) const {
+        return 1.0 - static_cast<double>(fromTopPx) / mPageHeightPx;
+    }
+
+    void addLabel(const std::string& text, int fromTopPx, int fontSize) {
+        add("set label {} at screen {:.4f}, screen {:.4f} left font ',{}'\n", gnuplotString(text),
+            screenX(kLeftPx), screenY(fromTopPx), fontSize);
+    }
+
+    void addHeading() {
+        for (size_t i = 0; i < mPage.heading.size(); ++i) {
+            const size_t size = std::min(i, std::size(kHeadingFontSizes) - 1);
+            addLabel(shortened(mPage.heading[i], kMaxLineLength),
+                     kFirstLinePx + static_cast<int>(i) * kLinePx, kHeadingFontSizes[size]);
+        }
+    }
+
+    /** Rectangles stay for all panels, and are drawn before the grid. */
+    void addShade() {
+        for (const PlotSpan& span : mPage.shaded) {
+            add("set object rectangle from {:.9g}, graph 0 to {:.9g}, graph 1 behind "
+                "fs solid noborder fc rgb '{}'\n",
+                span.fromS, span.toS, kShade);
+        }
+    }
+
+    void addTicks(char axis, const std::vector<AxisTick>& ticks, bool isLabelled) {
+        add("set {}tics (", axis);
+        for (const AxisTick& tick : ticks) {
+            add("{}{} {:.9g}", &tick == ticks.data() ? "" : ", ",
+                gnuplotString(isLabelled ? tick.label : ""), tick.value);
+        }
+        add(")\n");
+    }
+
+    void addPanel(const PlotPanel& panel) {
+        const int bottomPx = mTopPx + panel.heightPx;
+        add("{} logscale y\n", panel.isLogarithmic ? "set" : "unset");
+        add("set yrange [{:.9g}:{:.9g}]\n", panel.minY, panel.maxY);
+        if (panel.ticks.empty()) {
+            add("set ytics autofreq\n");
+        } else {
+            addTicks('y', panel.ticks, true);
+        }
+        add("set lmargin at screen {:.4f}\nset rmargin at screen {:.4f}\n", screenX(kLeftPx),
+            screenX(kLeftPx + kPlotWidthPx));
+        add("set tmargin at screen {:.4f}\nset bmargin at screen {:.4f}\n", screenY(mTopPx),
+            screenY(bottomPx));
+        add("set key at screen {:.4f}, screen {:.4f} left top Left reverse samplen 1.5 "
+            "spacing 1.2 font ',10'\n",
+            screenX(kLegendLeftPx), screenY(mTopPx - 6));
+        addLabel(panel.title, mTopPx - 9, kHeadingFontSizes[2]);
+        if (!panel.note.empty()) {
+            add("set label {} at graph 0.5, graph 0.6 center front\n", gnuplotString(panel.note));
+        }
+        addCurves(panel);
+        add("unset label\n");
+        mTopPx = bottomPx + kPanelGapPx;
+    }
+
+    void addCurves(const PlotPanel& panel) {
+        std::string plot = "plot NaN notitle";
+        for (const PlotCurve& curve : panel.curves) {
+            std::string source = "keyentry";
+            if (!curve.rows.empty()) {
+                const std::string block = fmt::format("$data{}", ++mBlocks);
+                add("{} << END\n{}END\n", block, curve.rows);
+                source = block + " using " + curve.columns;
+            }
+            if (curve.rows.empty() && curve.title.empty()) continue;
+            plot += fmt::format(
+                    ", {} with {} {}", source, curve.style,
+                    curve.title.empty() ? "notitle" : "title " + gnuplotString(curve.title));
+        }
+        add("{}\n", plot);
+    }
+
+    const PlotPage& mPage;
+    const std::string& mTerminal;
+    std::string mScript;
+    int mTopPx = 0;
+    int mPageHeightPx = 0;
+    int mBlocks = 0;
+};
 
 }  // namespace
 
-void PlotPage::beginPanel(const char* title, int heightPx, const std::string& settings) {
-    const int bottomPx = mTopPx + heightPx;
-    mPanels += "unset logscale y\nset ytics autofreq\n";
-    mPanels += fmt::format("set lmargin at screen {:.4f}\nset rmargin at screen {:.4f}\n",
-                           screenX(kLeftPx), screenX(kLeftPx + kPlotWidthPx));
-    mPanels += fmt::format("set tmargin at screen {:.4f}\nset bmargin at screen {:.4f}\n",
-                           screenY(mTopPx), screenY(bottomPx));
-    mPanels += fmt::format(
-            "set key at screen {:.4f}, screen {:.4f} left top Left reverse samplen 1.5 spacing 1.2 "
-            "font ',11'\n",
-            screenX(kLegendLeftPx), screenY(mTopPx - 6));
-    mPanels += label(4, title, mTopPx - 9, 11) + settings;
-    mTopPx = bottomPx + kPanelGapPx;
-    mCurves.clear();
-}
-
-void PlotPage::endPanel() {
-    mPanels += mCurves + "\nunset label\n";
-}
-
-void PlotPage::addCurve(const PlotPoints& points, const std::string& style,
-                        const std::string& title) {
-    const PlotPoints thinned = thin(points, mBeginS, mEndS, kPlotWidthPx);
-    mIsThinned |= thinned.size() < points.size();
-    std::string rows;
-    for (const PlotPoint& point : thinned) {
-        rows += std::isnan(point.value) ? "\n"
-                                        : fmt::format("{:.9g} {:.9g}\n", point.timeS, point.value);
-    }
-    addRows(rows, style, title);
-}
-
-void PlotPage::addRows(const std::string& rows, const std::string& style,
-                       const std::string& title) {
-    std::string source = "NaN";  // keeps an empty curve in the legend
-    if (!rows.empty()) {
-        source = fmt::format("$data{}", ++mBlocks);
-        mPanels += source + " << END\n" + rows + "END\n";
-    }
-    mCurves += fmt::format("{}{} with {} title {}", mCurves.empty() ? "plot " : ", ", source, style,
-                           gnuplotString(title));
-}
-
-void PlotPage::addNote(const std::string& text) {
-    mPanels += fmt::format("set label 5 {} at graph 0.5, graph 0.5 center noenhanced\n",
-                           gnuplotString(text));
-}
-
-std::string PlotPage::script(const PlotHeading& heading, const std::string& terminal) const {
-    return fmt::format(
-                   "set terminal {} size {},{} background 'white' noenhanced\nset multiplot\n"
-                   "set tics nomirror font ',11'\nset grid back lc rgb '#DDDDDD' lt 1\n"
-                   "set border 3\nset style fill solid noborder\n"
-                   "set format x ''\nset xrange [{:.9g}:{:.9g}]\n",
-                   terminal, kPageWidthPx, kPageHeightPx, mBeginS, mEndS) +
-           headingScript(heading) + mPanels + "unset multiplot\n";
-}
-
-std::string PlotPage::headingScript(const PlotHeading& heading) const {
-    std::string text =
-            fmt::format("{} frames in {:.2f} s; one pixel is {:.3g} ms wide", heading.frames,
-                        mEndS - mBeginS, (mEndS - mBeginS) * 1e3 / kPlotWidthPx);
-    if (mIsThinned) {
-        text += "; where a curve has more than four points in a pixel column, the first, last, "
-                "minimum and maximum are drawn";
-    }
-    const std::string trace = std::filesystem::path(heading.trace).filename().string();
-    return label(1, shortened(trace), 24, 15) + label(2, shortened(heading.layers), 44, 13) +
-           label(3, text, 62, 11);
+std::string gnuplotScript(const PlotPage& page, const std::string& terminal) {
+    return ScriptWriter(page, terminal).script();
 }
 
 }  // namespace brevold::plot

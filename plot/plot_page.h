@@ -1,55 +1,53 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
+#include <vector>
 
 #include "plot/plot_data.h"
+#include "plot/time_axis.h"
 
 namespace brevold::plot {
 
-struct PlotHeading {
-    std::string trace;
-    std::string layers;
-    int32_t frames;
+/** The width of the panels, which is that of the time axis. */
+constexpr int kPlotWidthPx = 1160;
+
+/** A curve in gnuplot's notation. */
+struct PlotCurve {
+    /** Lines of numbers. The legend has an entry for the curve even if there are none. */
+    std::string rows;
+    /** The columns that the style needs, as "1:2". */
+    std::string columns;
+    /** As "points pt 7". */
+    std::string style;
+    /** The text in the legend; without it, the legend has no entry. */
+    std::string title;
 };
 
-/**
- * The layout of a picture, as a gnuplot script: a heading, and panels one below the other with a
- * common time axis. Add the panels from top to bottom, each between beginPanel() and endPanel().
- */
-class PlotPage {
-  public:
-    /** The time axis is from `beginS` to `endS` seconds. */
-    PlotPage(double beginS, double endS) : mBeginS(beginS), mEndS(endS) {}
-
-    /** `settings` are lines of gnuplot for this panel. */
-    void beginPanel(const char* title, int heightPx, const std::string& settings);
-    void endPanel();
-
-    /** `style` is a gnuplot style, as "points pt 7". Long curves are thinned. */
-    void addCurve(const PlotPoints& points, const std::string& style, const std::string& title);
-
-    /** Adds a curve from data in gnuplot's notation, one point per line. */
-    void addRows(const std::string& rows, const std::string& style, const std::string& title);
-
-    /** Writes a text across the middle of the panel. */
-    void addNote(const std::string& text);
-
-    /** Returns the whole script. */
-    std::string script(const PlotHeading& heading, const std::string& terminal) const;
-
-  private:
-    static constexpr int kFirstPanelTopPx = 96;
-
-    std::string headingScript(const PlotHeading& heading) const;
-
-    const double mBeginS;
-    const double mEndS;
-    std::string mPanels;
-    std::string mCurves;
-    int mTopPx = kFirstPanelTopPx;
-    int mBlocks = 0;
-    bool mIsThinned = false;
+struct PlotPanel {
+    std::string title;
+    int heightPx;
+    double minY;
+    double maxY;
+    bool isLogarithmic = false;
+    /** Of the vertical axis; gnuplot chooses them if there are none. */
+    std::vector<AxisTick> ticks = {};
+    std::vector<PlotCurve> curves = {};
+    /** A text in the middle of the panel. */
+    std::string note = {};
 };
+
+/** A heading, and panels one below the other with a common time axis. */
+struct PlotPage {
+    /** The first line is the largest. */
+    std::vector<std::string> heading;
+    double beginS;
+    double endS;
+    /** Times that are grey in all panels. */
+    PlotSpans shaded;
+    std::vector<PlotPanel> panels;
+};
+
+/** Returns the script that draws a page. `terminal` is gnuplot's name and options of an output. */
+std::string gnuplotScript(const PlotPage& page, const std::string& terminal);
 
 }  // namespace brevold::plot

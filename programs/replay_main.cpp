@@ -7,7 +7,7 @@
 #include "programs/trace_replay.h"
 #include "report/result_bytes.h"
 #include "report/summary_json.h"
-#include "report/summary_text.h"
+#include "report/summary_rows.h"
 
 namespace {
 
@@ -57,7 +57,7 @@ ExitStatus run(const CLI::App& app, const ReplayOptions& options, std::ostream& 
     if (options.common.json && !results.empty()) {
         report::printJson(results, out);
     } else if (!results.empty()) {
-        report::printRows(results, out);
+        report::printRows(results, out, options.legend);
     }
     return status;
 }

@@ -63,11 +63,15 @@ void addOutputOptions(CLI::App& app, ReplayOptions& options) {
     app.get_option("--plot")
             ->description("draw the replay (needs gnuplot); DIR/ gets one .png file per trace")
             ->type_name("FILE.svg|FILE.png|DIR/");
+    app.add_flag_callback(
+               "--explain", [&options] { options.legend = report::Legend::Shown; },
+               "explain the terms below each block of the summary")
+            ->group(kOutputGroup);
     const auto layers = app.add_flag("--layers", options.layers,
                                      "list the layers that have frames instead of replaying")
                                 ->group(kOutputGroup);
     for (const char* output :
-         {"--vs", "--from", "--to", "--hints", "--trace-out", "--plot", "--json"})
+         {"--vs", "--from", "--to", "--hints", "--trace-out", "--plot", "--json", "--explain"})
         layers->excludes(app.get_option(output));
 }
 
@@ -77,7 +81,7 @@ void addVerifyOptions(CLI::App& app, ReplayOptions& options) {
                          "compare the decisions of the library on the device, which its marks in "
                          "the trace show, with those of the replay")
                     ->group(kVerifyGroup);
-    for (const char* other : {"--layers", "--vs", "--from", "--to", "--hints", "--plot"})
+    for (const char* other : {"--layers", "--vs", "--from", "--to", "--hints"})
         verify->excludes(app.get_option(other));
     app.add_option("--tolerance", options.tolerancePercent,
                    fmt::format("share of the decisions that may differ after the first two "

@@ -6,6 +6,7 @@
 
 #include "programs/common_options.h"
 #include "replay/time_window.h"
+#include "report/legend.h"
 #include "trace/read_timeline.h"
 
 namespace brevold {
@@ -19,6 +20,7 @@ struct ReplayOptions {
     bool layers = false;
     bool verify = false;
     double tolerancePercent = 1.0;
+    report::Legend legend = report::Legend::Hidden;
     replay::WindowOptions window;
     trace::TimelineOptions timeline;
 };

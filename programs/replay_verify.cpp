@@ -1,7 +1,10 @@
 #include "programs/replay_verify.h"
 
+#include <fmt/format.h>
+
 #include "base/error.h"
 #include "brevold/protocol.h"
+#include "plot/plot.h"
 #include "programs/trace_replay.h"
 #include "replay/isolated_play.h"
 #include "trace/read_timeline.h"
@@ -9,8 +12,32 @@
 #include "verify/verification.h"
 #include "verify/verification_json.h"
 #include "verify/verification_text.h"
+#include "verify/words.h"
 
 namespace brevold {
+
+namespace {
+
+/** Returns the differences with short labels: "decisions: depth-plus-one +1". */
+std::vector<plot::PlotMark> differenceMarks(const verify::Verification& verification) {
+    std::vector<plot::PlotMark> marks;
+    for (const verify::Difference& difference : verification.differences.list()) {
+        std::string label;
+        int32_t others = 0;
+        difference.causes.forEach([&](verify::Cause cause) {
+            if (label.empty()) {
+                label = fmt::format("{}: {}", wordOf(difference.subject), wordOf(cause));
+            } else {
+                ++others;
+            }
+        });
+        if (others > 0) label += fmt::format(" +{}", others);
+        marks.push_back({difference.timeNs, label});
+    }
+    return marks;
+}
+
+}  // namespace
 
 bool verifyTrace(const ReplayOptions& options, std::ostream& out) {
     const std::string& traceOut = options.common.traceOut;
@@ -33,6 +60,15 @@ bool verifyTrace(const ReplayOptions& options, std::ostream& out) {
     if (!traceOut.empty()) {
         writeMarkedTrace(traceOut, input, device.timeline, device.form, result.replay,
                          {verify::differenceTrack(result)});
+    }
+    if (!options.common.plot.empty()) {
+        writePlot(options.common.plot, {device.name,
+                                        device.timeline,
+                                        result.replay,
+                                        {device.timeline.startNs, device.timeline.endNs},
+                                        nullptr,
+                                        {},
+                                        differenceMarks(result)});
     }
     if (options.common.json) {
         verify::printJson(result, out);

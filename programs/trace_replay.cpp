@@ -1,5 +1,6 @@
 #include "programs/trace_replay.h"
 
+#include <optional>
 #include <sstream>
 #include <stdexcept>
 
@@ -25,16 +26,10 @@ using trace::TraceInput;
 
 constexpr size_t kShownDivergences = 5;
 
-void writeHints(const std::string& path, const Recording& recording, const TimeWindow& window) {
+void writeHints(const std::string& path, const trace::Timeline& timeline,
+                const Recording& recording, const TimeWindow& window) {
     OutputFile file(path);
-    report::writeHintsCsv(recording.hints, window, file.stream());
-    file.commit();
-}
-
-void writePlot(const std::string& path, const std::string& trace, const trace::Timeline& timeline,
-               const Recording& recording, const TimeWindow& window) {
-    OutputFile file(path);
-    plot::drawPlot(trace, timeline, recording, window, plot::plotTerminal(path), file.stream());
+    report::writeHintsCsv(timeline, recording, window, file.stream());
     file.commit();
 }
 
@@ -51,21 +46,26 @@ std::string replayInput(TraceInput& input, const OutputFiles& files, const Repla
 
     const Recording recording = playIsolated(timeline, {}, play);
     report::TraceResult result = {report::summarise(trace, timeline, recording, window), {}};
+    std::optional<Recording> other;
     std::vector<Divergence> divergences;
     if (!options.common.vsSettings.empty()) {
         play.hasMarks = false;
-        const Recording other = playIsolated(timeline, options.common.vsSettings, play);
-        result.vs = report::summarise(trace, timeline, other, window);
-        divergences = firstDivergences(recording, other, window, kShownDivergences);
+        other = playIsolated(timeline, options.common.vsSettings, play);
+        result.vs = report::summarise(trace, timeline, *other, window);
+        divergences = firstDivergences(recording, *other, window, kShownDivergences);
     }
-    if (!files.hints.empty()) writeHints(files.hints, recording, window);
-    if (!files.traceOut.empty())
+    if (!files.hints.empty()) writeHints(files.hints, timeline, recording, window);
+    if (!files.traceOut.empty()) {
         writeMarkedTrace(files.traceOut, input, timeline, form, recording, {});
-    if (!files.plot.empty()) writePlot(files.plot, trace, timeline, recording, window);
+    }
+    if (!files.plot.empty()) {
+        writePlot(files.plot, {trace, timeline, recording, window, other ? &*other : nullptr,
+                               options.common.vsSettings});
+    }
     if (combinesResults(options)) return report::toBytes(result);
 
     std::ostringstream text;
-    report::print(result.summary, text);
+    report::print(result.summary, text, options.legend);
     if (result.vs) {
         report::printComparison(result.summary, *result.vs, divergences, timeline.startNs, text);
     }
@@ -81,6 +81,12 @@ void writeMarkedTrace(const std::string& path, TraceInput& input, const trace::T
     const bool isPerfetto = input.kind() == TraceInput::Kind::Perfetto;
     const auto write = isPerfetto ? report::writePerfetto : report::writeTrace;
     write(input.open(), input.name(), timeline, form, recording, file.stream(), tracks);
+    file.commit();
+}
+
+void writePlot(const std::string& path, const plot::Plot& plot) {
+    OutputFile file(path);
+    plot::drawPlot(plot, plot::plotTerminal(path), file.stream());
     file.commit();
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "plot/plot.h"
 #include "programs/replay_options.h"
 #include "replay/recording.h"
 #include "report/added_marks.h"
@@ -30,6 +31,9 @@ void writeMarkedTrace(const std::string& path, trace::TraceInput& input,
                       const trace::Timeline& timeline, const trace::TraceForm& form,
                       const replay::Recording& recording,
                       const std::vector<report::AddedTrack>& tracks);
+
+/** Throws std::runtime_error, also OutputError. */
+void writePlot(const std::string& path, const plot::Plot& plot);
 
 /** Returns the list of a trace's layers. Throws InputError. */
 std::string listLayers(const std::string& path, const ReplayOptions& options);

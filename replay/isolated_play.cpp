@@ -44,14 +44,20 @@ void serialize(Archive& archive, ModeChange& change) {
 }
 
 template <typename Archive>
+void serialize(Archive& archive, DecidedFrame& frame) {
+    archive(frame.timeNs, frame.outcome);
+}
+
+template <typename Archive>
 void serialize(Archive& archive, RecordedMark& mark) {
     archive(mark.mark, mark.callerTid);
 }
 
 template <typename Archive>
 void serialize(Archive& archive, Recording& recording) {
-    archive(recording.options, recording.isAnyFeatureOn, recording.hints, recording.modes,
-            recording.verdictTimesNs, recording.log, recording.threads, recording.marks);
+    archive(recording.options, recording.isAnyFeatureOn, recording.hints, recording.hintLayers,
+            recording.frames, recording.modes, recording.verdictTimesNs, recording.log,
+            recording.threads, recording.marks);
 }
 
 Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::string>& settings,

@@ -33,7 +33,8 @@ int64_t MissedRefreshes::latch(int64_t timeNs, int64_t periodNs) {
     mLastLatchNs = timeNs;
     if (!isCounted) return 0;
     const int64_t expected =
-            mRecentNs.empty() ? refreshes : toRefreshes(medianOf(mRecentNs), periodNs);
+            mRecentNs.empty() ? refreshes
+                              : std::max<int64_t>(toRefreshes(medianOf(mRecentNs), periodNs), 1);
     mRecentNs.push_back(intervalNs);
     if (mRecentNs.size() > kMaxRecent) mRecentNs.pop_front();
     return std::max<int64_t>(refreshes - expected, 0);

@@ -1,16 +1,12 @@
 #include "replay/player.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 
 #include "base/progress.h"
 #include "brevold/brevold.h"
-#include "brevold/frame_rate.h"
-#include "brevold/protocol.h"
-#include "host/device_profile.h"
 #include "host/driver.h"
 #include "host/workers.h"
+#include "replay/library_model.h"
 
 namespace brevold::replay {
 
@@ -40,16 +36,14 @@ class Player {
 
     Recording play() {
         mRecording.isAnyFeatureOn = mDriver.init(mTimeline.startNs);
-        mReportsModes = (host::isFeatureAllowed(android::kJankBoostFeature) ||
-                         host::isFeatureAllowed(android::kEnergyScalingFeature)) &&
-                        atoi(host::profileProperty(android::kDebugProperty, "0").c_str()) == 1;
-        setMode(mTimeline.startNs, android::kModeUnclassified);
+        recordMode(mTimeline.startNs);
         Progress progress("replaying", static_cast<int64_t>(mTimeline.events.size()));
         int64_t played = 0;
         for (const TimelineEvent& event : mTimeline.events) {
             progress.update(played++);
             apply(event);
             takeOutput(event.tid);
+            recordMode(event.timeNs);
         }
         for (const host::StartedThread& thread : host::startedThreads())
             mRecording.threads.push_back(thread.name);
@@ -107,22 +101,30 @@ class Player {
         info.sfTime = mLastCompositionNs;
         info.lastMaxQueuedFrames = event.depth;
         info.refreshPeriod = mPeriodNs;
-        // The library resets its mode by the same rule, but does not report it.
-        const android::LayerIdentity reported = {info.layerName, info.layerKeyA, info.layerKeyB};
-        if (info.skipLayerCheck == 0 && !android::isSameLayer(reported, mCurrentLayer)) {
-            mCurrentLayer = reported;
-            setMode(event.timeNs, android::kModeUnclassified);
-        }
+        const size_t hintsBefore = mRecording.hints.size();
         mDriver.frame(event.timeNs, info);
+        takeServiceCalls();
+        const FrameOutcome outcome = mModel.frame(info);
+        if (layer == mFocus) {
+            mRecording.frames.push_back({event.timeNs, withHints(outcome, hintsBefore)});
+        }
         info.lastQbTime = event.timeNs;
     }
 
-    void beginComposition(int64_t timeNs) {
-        if (mLastCompositionNs != 0 && android::isIdleGap(timeNs - mLastCompositionNs)) {
-            setMode(timeNs, android::kModeUnclassified);
+    /** Returns the request that the library sent if the outcome depends on an unknown mode. */
+    FrameOutcome withHints(FrameOutcome outcome, size_t hintsBefore) const {
+        if (outcome != FrameOutcome::UnknownMode) return outcome;
+        for (size_t i = hintsBefore; i < mRecording.hints.size(); ++i) {
+            if (mRecording.hints[i].kind == host::HintKind::Down) return FrameOutcome::AskedDown;
+            if (mRecording.hints[i].kind == host::HintKind::Up) return FrameOutcome::AskedUp;
         }
+        return outcome;
+    }
+
+    void beginComposition(int64_t timeNs) {
         mLastCompositionNs = timeNs;
         mDriver.beginComposition(timeNs);
+        mModel.refresh(timeNs);
     }
 
     void endComposition(int64_t timeNs) {
@@ -133,22 +135,29 @@ class Player {
 
     int32_t focusedDepth() const { return mDepths[mFocus]; }
 
-    void setMode(int64_t timeNs, int32_t mode) {
+    void recordMode(int64_t timeNs) {
+        const std::optional<int32_t> mode = mModel.mode();
         std::vector<ModeChange>& modes = mRecording.modes;
-        if (mReportsModes && (modes.empty() || modes.back().mode != mode)) {
-            modes.push_back({timeNs, mode});
+        if (mode && (modes.empty() || modes.back().mode != *mode)) {
+            modes.push_back({timeNs, *mode});
+        }
+    }
+
+    void takeServiceCalls() {
+        for (const host::ServiceCall& call : mDriver.takeServiceCalls()) {
+            if (call.kind == host::ServiceCall::Kind::Hint) {
+                mRecording.hints.push_back(host::decodeHint(call));
+                mRecording.hintLayers.push_back(static_cast<int32_t>(mFocus));
+            } else if (call.kind == host::ServiceCall::Kind::Query) {
+                mModel.setAppType(call.result);
+            }
         }
     }
 
     void takeOutput(int32_t callerTid) {
-        for (const host::ServiceCall& call : mDriver.takeServiceCalls()) {
-            if (call.kind == host::ServiceCall::Kind::Hint) {
-                mRecording.hints.push_back(host::decodeHint(call));
-            }
-        }
+        takeServiceCalls();
         for (host::LogLine& line : host::takeLog()) {
-            int32_t mode = 0;
-            if (sscanf(line.text.c_str(), "[FM]gMode:%d", &mode) == 1) setMode(line.timeNs, mode);
+            mModel.readLog(line.text);
             mRecording.log.push_back(std::move(line));
         }
         for (host::TraceMark& mark : host::takeTraceMarks()) {
@@ -162,11 +171,10 @@ class Player {
     std::vector<int32_t> mDepths;
     std::vector<LayerFrameInfo> mFrames;
     size_t mFocus = 0;
-    android::LayerIdentity mCurrentLayer = {};
     int32_t mPeakDepth = 0;
     int64_t mPeriodNs = 0;
     int64_t mLastCompositionNs = 0;
-    bool mReportsModes = false;
+    LibraryModel mModel{readSwitches()};
 };
 
 }  // namespace

@@ -41,8 +41,10 @@ void printComparison(const Summary& first, const Summary& second,
                 second.of(host::HintKind::Down).meanScale);
     printFigure(out, "UP scale, mean", first.of(host::HintKind::Up).meanScale,
                 second.of(host::HintKind::Up).meanScale);
-    printFigure(out, "under a DOWN hint, s", toSeconds(first.downNs), toSeconds(second.downNs));
-    printFigure(out, "mean scale under it", first.meanDownScale, second.meanDownScale);
+    printFigure(out, "under a DOWN hint, s", toSeconds(first.of(host::HintKind::Down).heldNs),
+                toSeconds(second.of(host::HintKind::Down).heldNs));
+    printFigure(out, "mean scale under it", first.of(host::HintKind::Down).meanHeldScale,
+                second.of(host::HintKind::Down).meanHeldScale);
     printCount(out, "boost verdicts", first.boostVerdicts, second.boostVerdicts);
     printCount(out, "lines at error priority", first.errorLines, second.errorLines);
     if (divergences.empty()) {

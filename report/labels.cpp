@@ -10,7 +10,7 @@ namespace {
 
 struct Label {
     const char* text;
-    const char* word;  // in JSON
+    const char* word;  // in JSON and CSV
 };
 
 Label labelOf(trace::PeriodSource source) {
@@ -18,19 +18,19 @@ Label labelOf(trace::PeriodSource source) {
         case trace::PeriodSource::Option:
             return {"--refresh-rate", "option"};
         case trace::PeriodSource::SetPeriod:
-            return {"VSR-setPeriod", "set-period"};
+            return {"VSR-setPeriod", "set_period"};
         case trace::PeriodSource::DisplayMode:
-            return {"values", "display-mode"};
+            return {"values", "display_mode"};
         case trace::PeriodSource::PredictedPeriod:
-            return {"values", "predicted-period"};
+            return {"values", "predicted_period"};
         case trace::PeriodSource::VsyncToggles:
-            return {"toggles", "vsync-toggles"};
+            return {"toggles", "vsync_toggles"};
         case trace::PeriodSource::FrameIntervals:
-            return {"frame intervals, as no counter shows the display's vsyncs", "frame-intervals"};
+            return {"frame intervals, as no counter shows the display's vsyncs", "frame_intervals"};
         case trace::PeriodSource::Default:
             return {"the default, as neither a counter nor steady frames show the rate", "default"};
         case trace::PeriodSource::LatencyDump:
-            return {"the dump's first line", "latency-dump"};
+            return {"the dump's first line", "latency_dump"};
     }
     return {"", ""};
 }
@@ -38,19 +38,19 @@ Label labelOf(trace::PeriodSource source) {
 Label labelOf(trace::CompositionSource source) {
     switch (source) {
         case trace::CompositionSource::OnMessageRefresh:
-            return {"onMessageRefresh sections", "onMessageRefresh"};
+            return {"onMessageRefresh sections", "on_message_refresh"};
         case trace::CompositionSource::HandleMessageRefresh:
-            return {"handleMessageRefresh sections", "handleMessageRefresh"};
+            return {"handleMessageRefresh sections", "handle_message_refresh"};
         case trace::CompositionSource::Composite:
             return {"composite sections", "composite"};
         case trace::CompositionSource::PostFramebuffer:
-            return {"postFramebuffer sections", "postFramebuffer"};
+            return {"postFramebuffer sections", "post_framebuffer"};
         case trace::CompositionSource::Commit:
             return {"commit sections", "commit"};
         case trace::CompositionSource::Latches:
             return {"latches", "latches"};
         case trace::CompositionSource::PresentTimes:
-            return {"present times minus a refresh period", "present-times"};
+            return {"present times minus a refresh period", "present_times"};
     }
     return {"", ""};
 }
@@ -60,11 +60,11 @@ Label labelOf(trace::VsyncSource source) {
         case trace::VsyncSource::None:
             return {"none in the trace", "none"};
         case trace::VsyncSource::VsyncSf:
-            return {"VSYNC-sf", "VSYNC-sf"};
+            return {"VSYNC-sf", "vsync_sf"};
         case trace::VsyncSource::Vsync:
-            return {"VSYNC", "VSYNC"};
+            return {"VSYNC", "vsync"};
         case trace::VsyncSource::PresentTimes:
-            return {"present times", "present-times"};
+            return {"present times", "present_times"};
     }
     return {"", ""};
 }
@@ -79,41 +79,76 @@ Label labelOf(replay::BoostDepth depth) {
     return {"", ""};
 }
 
+Label labelOf(replay::FrameOutcome outcome) {
+    using Outcome = replay::FrameOutcome;
+    switch (outcome) {
+        case Outcome::AskedDown:
+            return {"DOWN requested", "asked_down"};
+        case Outcome::AskedUp:
+            return {"UP requested", "asked_up"};
+        case Outcome::ScalingOff:
+            return {"energy scaling is off", "scaling_off"};
+        case Outcome::FirstFrame:
+            return {"first frame of the layer", "first_frame"};
+        case Outcome::NoTargetApp:
+            return {"application is not a target", "no_target_app"};
+        case Outcome::PeerDiffers:
+            return {"peer layer differs", "peer_differs"};
+        case Outcome::NoStamp:
+            return {"no composition before the previous frame", "no_stamp"};
+        case Outcome::EmptyQueue:
+            return {"no frame is queued", "empty_queue"};
+        case Outcome::UnsupportedPeriod:
+            return {"refresh period in no band of 60, 90, 120 Hz", "unsupported_period"};
+        case Outcome::UnknownMode:
+            return {"frame-rate mode unknown (debug output is off)", "unknown_mode"};
+        case Outcome::UnclassifiedMode:
+            return {"frame-rate mode is unclassified", "unclassified_mode"};
+        case Outcome::OtherMode:
+            return {"frame-rate mode does not match the display", "other_mode"};
+        case Outcome::DownOff:
+            return {"DOWN requests are off", "down_off"};
+        case Outcome::ScaleNotAboveOne:
+            return {"one frame queued, scale not above 1", "scale_not_above_one"};
+    }
+    return {"", ""};
+}
+
 Label labelOf(trace::TraceWarning::Kind kind) {
     using Kind = trace::TraceWarning::Kind;
     switch (kind) {
         case Kind::StrayLine:
-            return {"lines that are not trace events", "stray-line"};
+            return {"lines that are not trace events", "stray_line"};
         case Kind::OutOfOrderLine:
-            return {"lines skipped because they go back in time", "out-of-order-line"};
+            return {"lines skipped because they go back in time", "out_of_order_line"};
         case Kind::UnfinishedLine:
-            return {"lines skipped because the text ends inside them", "unfinished-line"};
+            return {"lines skipped because the text ends inside them", "unfinished_line"};
         case Kind::StrayRow:
-            return {"lines that are not rows of a latency dump", "stray-row"};
+            return {"lines that are not rows of a latency dump", "stray_row"};
         case Kind::OutOfOrderRow:
-            return {"rows skipped because they go back in time", "out-of-order-row"};
+            return {"rows skipped because they go back in time", "out_of_order_row"};
         case Kind::IncompletePacket:
-            return {"the last packet is incomplete", "incomplete-packet"};
+            return {"the last packet is incomplete", "incomplete_packet"};
         case Kind::DamagedPacket:
-            return {"damaged packets", "damaged-packet"};
+            return {"damaged packets", "damaged_packet"};
         case Kind::LossyBundle:
-            return {"ftrace bundles before which events were lost", "lossy-bundle"};
+            return {"ftrace bundles before which events were lost", "lossy_bundle"};
         case Kind::LossyProcessor:
-            return {"processors whose ftrace buffer lost events", "lossy-processor"};
+            return {"processors whose ftrace buffer lost events", "lossy_processor"};
         case Kind::UnknownClock:
-            return {"ftrace bundles in a clock that is not related to boot time", "unknown-clock"};
+            return {"ftrace bundles in a clock that is not related to boot time", "unknown_clock"};
         case Kind::OutOfOrderEvent:
-            return {"events skipped because they go back in time", "out-of-order-event"};
+            return {"events skipped because they go back in time", "out_of_order_event"};
         case Kind::BadCounterValue:
-            return {"counters skipped because their value is not a number", "bad-counter-value"};
+            return {"counters skipped because their value is not a number", "bad_counter_value"};
         case Kind::RingOverrun:
-            return {"the recorder's buffer was full and lost its oldest events", "ring-overrun"};
+            return {"the recorder's buffer was full and lost its oldest events", "ring_overrun"};
         case Kind::OtherCompositor:
-            return {"another process has marks of a compositor too", "other-compositor"};
+            return {"another process has marks of a compositor too", "other_compositor"};
         case Kind::NegativeDepth:
-            return {"queue depths below 0, taken as 0", "negative-depth"};
+            return {"queue depths below 0, taken as 0", "negative_depth"};
         case Kind::DepthJump:
-            return {"queue depths that change by more than one", "depth-jump"};
+            return {"queue depths that change by more than one", "depth_jump"};
     }
     return {"", ""};
 }
@@ -151,6 +186,10 @@ std::string warningText(const trace::TraceWarning& warning) {
     return fmt::format("{}, the first in line {}", text, warning.lines.firstLine);
 }
 
+const char* outcomeText(replay::FrameOutcome outcome) {
+    return labelOf(outcome).text;
+}
+
 const char* periodSourceWord(trace::PeriodSource source) {
     return labelOf(source).word;
 }
@@ -165,6 +204,21 @@ const char* vsyncSourceWord(trace::VsyncSource source) {
 
 const char* boostDepthWord(replay::BoostDepth depth) {
     return labelOf(depth).word;
+}
+
+const char* outcomeWord(replay::FrameOutcome outcome) {
+    return labelOf(outcome).word;
+}
+
+const char* hintWord(host::HintKind kind) {
+    switch (kind) {
+        case host::HintKind::JankBoost:
+            return "jank_boost";
+        case host::HintKind::RefreshRate:
+            return "refresh_rate";
+        default:
+            return host::nameOf(kind);
+    }
 }
 
 const char* warningWord(trace::TraceWarning::Kind kind) {

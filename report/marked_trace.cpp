@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "base/text.h"
 #include "report/added_marks.h"
 #include "trace/event_line.h"
 #include "trace/line_reader.h"
@@ -12,7 +13,6 @@ namespace brevold::report {
 
 namespace {
 
-constexpr int64_t kNsPerSecond = 1000000000;
 constexpr size_t kTaskWidth = 16;
 const std::string kUnknownTask = "<...>";
 

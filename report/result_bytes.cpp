@@ -57,22 +57,31 @@ void serialize(Archive& archive, Summary::FrameVerdicts& verdicts) {
 }
 
 template <typename Archive>
+void serialize(Archive& archive, FrameFigures& figures) {
+    auto& [intervals, meanRateHz, medianNs, p95Ns, p99Ns, missedRefreshes, idleNs] = figures;
+    archive(intervals, meanRateHz, medianNs, p95Ns, p99Ns, missedRefreshes, idleNs);
+}
+
+template <typename Archive>
 void serialize(Archive& archive, RequestSummary& request) {
-    auto& [count, minScale, meanScale, maxScale] = request;
-    archive(count, minScale, meanScale, maxScale);
+    auto& [count, minScale, meanScale, maxScale, p05Scale, p50Scale, p95Scale, zeroScales,
+           scaleCounts, heldNs, meanHeldScale] = request;
+    archive(count, minScale, meanScale, maxScale, p05Scale, p50Scale, p95Scale, zeroScales,
+            scaleCounts, heldNs, meanHeldScale);
 }
 
 template <typename Archive>
 void serialize(Archive& archive, Summary& summary) {
-    auto& [trace, durationNs, fromNs, toNs, focuses, frames, otherFrames, otherLayers, topLayers,
-           passedOverLayer, rates, periodSource, periodCounter, compositions, compositionSource,
-           boostDepth, vsyncs, vsyncSource, frameVerdicts, boostVerdicts, isAnyFeatureOn, hasModes,
-           modeNs, requests, downNs, meanDownScale, errorLines, windowLines, errors, warnings] =
-            summary;
-    archive(trace, durationNs, fromNs, toNs, focuses, frames, otherFrames, otherLayers, topLayers,
-            passedOverLayer, rates, periodSource, periodCounter, compositions, compositionSource,
-            boostDepth, vsyncs, vsyncSource, frameVerdicts, boostVerdicts, isAnyFeatureOn, hasModes,
-            modeNs, requests, downNs, meanDownScale, errorLines, windowLines, errors, warnings);
+    auto& [trace, startNs, durationNs, fromNs, toNs, focuses, frames, frameFigures, outcomes,
+           otherFrames, otherLayers, topLayers, passedOverLayer, rates, rateNs, periodSource,
+           periodCounter, compositions, compositionSource, boostDepth, vsyncs, vsyncSource,
+           frameVerdicts, boostVerdicts, isAnyFeatureOn, hasModes, modeNs, requests, errorLines,
+           windowLines, errors, warnings] = summary;
+    archive(trace, startNs, durationNs, fromNs, toNs, focuses, frames, frameFigures, outcomes,
+            otherFrames, otherLayers, topLayers, passedOverLayer, rates, rateNs, periodSource,
+            periodCounter, compositions, compositionSource, boostDepth, vsyncs, vsyncSource,
+            frameVerdicts, boostVerdicts, isAnyFeatureOn, hasModes, modeNs, requests, errorLines,
+            windowLines, errors, warnings);
 }
 
 template <typename Archive>

@@ -9,29 +9,23 @@
 #include <vector>
 
 #include "brevold/protocol.h"
-#include "host/hint.h"
 #include "replay/recording.h"
 #include "replay/time_window.h"
+#include "report/frame_figures.h"
+#include "report/request_summary.h"
 #include "trace/timeline.h"
 
 namespace brevold::report {
-
-/** The hints of one kind. */
-struct RequestSummary {
-    int32_t count = 0;
-    // 0 without requests and for kinds that carry no scale.
-    double minScale = 0.0;
-    double meanScale = 0.0;
-    double maxScale = 0.0;
-};
 
 /** The figures of one replay in a window of its trace. */
 struct Summary {
     /** The trace's name, as messages show it. */
     std::string trace;
+    /** The first event, in the trace's own time. All other times are since then. */
+    int64_t startNs;
     /** Of the whole trace. */
     int64_t durationNs;
-    // The window. Times in a summary are since the start of the trace.
+    // The window.
     int64_t fromNs;
     int64_t toNs;
     /** A layer in focus, and its frames meanwhile. */
@@ -44,6 +38,9 @@ struct Summary {
     std::vector<Focus> focuses;
     /** Frames of layers in focus. */
     int32_t frames;
+    FrameFigures frameFigures;
+    /** The frames of layers in focus by their outcome, in the order of replay::kFrameOutcomes. */
+    std::array<int32_t, std::size(replay::kFrameOutcomes)> outcomes;
     /** Frames of layers without the focus, and the number of those layers. */
     int32_t otherFrames;
     int32_t otherLayers;
@@ -61,6 +58,8 @@ struct Summary {
     };
     /** The display's refresh rates in time order; at least one. */
     std::vector<Rate> rates;
+    /** The time at each rate, which is rounded to a whole number of Hz. */
+    std::map<int64_t, int64_t> rateNs;
     trace::PeriodSource periodSource;
     /** The counter's name if periodSource is VsyncToggles, else empty. */
     std::string periodCounter;
@@ -83,11 +82,7 @@ struct Summary {
     /** Time spent in each frame-rate mode. */
     std::array<int64_t, std::size(android::kModeLabels)> modeNs;
     /** In the order of kHintKinds. */
-    std::array<RequestSummary, std::size(host::kHintKinds)> requests;
-    /** Total time during which a DOWN hint holds. */
-    int64_t downNs;
-    /** Mean scale over that time; 0 if there is none. */
-    double meanDownScale;
+    RequestSummaries requests;
     /** Lines that the library logged at error priority, including those of measuring windows. */
     int32_t errorLines;
     /** The lines that report a measuring window. */
@@ -98,6 +93,9 @@ struct Summary {
 
     int64_t windowNs() const { return toNs - fromNs; }
     bool isWholeTrace() const { return windowNs() == durationNs; }
+    int32_t of(replay::FrameOutcome outcome) const {
+        return outcomes[static_cast<size_t>(outcome)];
+    }
     const RequestSummary& of(host::HintKind kind) const {
         return requests[static_cast<size_t>(kind)];
     }

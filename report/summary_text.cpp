@@ -2,166 +2,226 @@
 
 #include <fmt/ostream.h>
 
-#include <algorithm>
+#include <utility>
 
 #include "base/text.h"
 #include "brevold/protocol.h"
 #include "report/labels.h"
+#include "report/legend.h"
+#include "report/scale_bars.h"
 
 namespace brevold::report {
 
 namespace {
 
-double percent(int64_t partNs, int64_t wholeNs) {
-    return wholeNs == 0 ? 0.0 : 100.0 * static_cast<double>(partNs) / static_cast<double>(wholeNs);
-}
+/** With more changes, the refresh rates are shown with their times only. */
+constexpr size_t kMaxListedChanges = 3;
 
 /** "1 frame", "2 frames" */
-std::string counted(int32_t count, const char* noun) {
+template <typename Count>
+std::string counted(Count count, const char* noun) {
     return fmt::format("{} {}{}", count, noun, count == 1 ? "" : "s");
 }
 
-void printLayers(const Summary& summary, std::ostream& out) {
-    for (const Summary::Focus& focus : summary.focuses) {
-        const bool isFirst = &focus == summary.focuses.data();
-        const std::string lead =
-                isFirst ? "layer         "
-                        : fmt::format("{:14}then from {:.2f} s ", "", toSeconds(focus.fromNs));
-        fmt::print(out, "{}{}, {}\n", lead, focus.layer, counted(focus.frames, "frame"));
-    }
-    if (summary.otherLayers != 0) {
-        fmt::print(out, "{:14}others: {} of {}\n", "", counted(summary.otherFrames, "frame"),
-                   counted(summary.otherLayers, "layer"));
-    }
-    if (summary.passedOverLayer) {
-        fmt::print(out,
-                   "{:14}passed over {}: it has more frames, but is not an application's layer\n",
-                   "", *summary.passedOverLayer);
-    }
-    if (summary.topLayers.size() < 2) return;
-    for (const Summary::LayerFrames& layer : summary.topLayers) {
-        const bool isFirst = &layer == summary.topLayers.data();
-        fmt::print(out, "{:12}{:6}  {}\n", isFirst ? "most frames" : "", layer.frames, layer.layer);
-    }
+double toMs(int64_t ns) {
+    return toSeconds(ns) * 1e3;
 }
 
-void printTrace(const Summary& summary, std::ostream& out) {
-    fmt::print(out, "trace         {}, {:.2f} s\n", summary.trace, toSeconds(summary.durationNs));
-    if (!summary.isWholeTrace()) {
-        fmt::print(out, "window        {:.2f} s to {:.2f} s\n", toSeconds(summary.fromNs),
-                   toSeconds(summary.toNs));
+class Printer {
+  public:
+    Printer(const Summary& summary, std::ostream& out, Legend legend)
+          : mSummary(summary), mOut(out), mLegend(legend) {}
+
+    void print() {
+        printTrace();
+        printRequests();
+        printFrames();
+        printModes();
+        printLog();
+        if (!mSummary.warnings.empty()) mOut << '\n';
+        for (const trace::TraceWarning& warning : mSummary.warnings)
+            fmt::print(mOut, "warning: {}\n", warningText(warning));
     }
-    printLayers(summary, out);
-    out << "refresh rate  ";
-    for (const Summary::Rate& rate : summary.rates) {
-        if (&rate != summary.rates.data()) {
-            fmt::print(out, ", then from {:.2f} s ", toSeconds(rate.fromNs));
+
+  private:
+    void explain(Block block) {
+        if (mLegend == Legend::Shown) mOut << legendOf(block);
+    }
+
+    void printTrace() {
+        fmt::print(mOut, "trace         {}, {:.2f} s\n", mSummary.trace,
+                   toSeconds(mSummary.durationNs));
+        if (!mSummary.isWholeTrace()) {
+            fmt::print(mOut, "window        {:.2f} s to {:.2f} s\n", toSeconds(mSummary.fromNs),
+                       toSeconds(mSummary.toNs));
         }
-        fmt::print(out, "{:.4g} Hz", rate.hz);
+        printLayers();
+        printPace();
+        fmt::print(mOut, "refresh rate  {} (from {})\n", ratesText(),
+                   periodSourceText(mSummary.periodSource, mSummary.periodCounter));
+        fmt::print(mOut, "compositions  {} (from {})\n", mSummary.compositions,
+                   compositionSourceText(mSummary.compositionSource));
+        fmt::print(mOut, "boost depth   {} ({})\n", boostDepthWord(mSummary.boostDepth),
+                   boostDepthText(mSummary.boostDepth));
+        fmt::print(mOut, "vsyncs        {} ({}), boost verdicts {}\n", mSummary.vsyncs,
+                   vsyncSourceText(mSummary.vsyncSource), mSummary.boostVerdicts);
+        if (mSummary.frameVerdicts) {
+            fmt::print(mOut,
+                       "deadlines     {} frames, {} late, {} dropped (from the frame timeline)\n",
+                       mSummary.frameVerdicts->frames, mSummary.frameVerdicts->late,
+                       mSummary.frameVerdicts->dropped);
+        }
+        if (!mSummary.isAnyFeatureOn) {
+            mOut << "features      all off, so the library sends no hints; is a --profile "
+                    "missing?\n";
+        }
+        explain(Block::Trace);
     }
-    fmt::print(out, " (from {})\n", periodSourceText(summary.periodSource, summary.periodCounter));
-    fmt::print(out, "compositions  {} (from {})\n", summary.compositions,
-               compositionSourceText(summary.compositionSource));
-    fmt::print(out, "boost depth   {} ({})\n", boostDepthWord(summary.boostDepth),
-               boostDepthText(summary.boostDepth));
-    fmt::print(out, "vsyncs        {} ({}), boost verdicts {}\n", summary.vsyncs,
-               vsyncSourceText(summary.vsyncSource), summary.boostVerdicts);
-    if (summary.frameVerdicts) {
-        fmt::print(out, "deadlines     {} frames, {} late, {} dropped (from the frame timeline)\n",
-                   summary.frameVerdicts->frames, summary.frameVerdicts->late,
-                   summary.frameVerdicts->dropped);
-    }
-    if (!summary.isAnyFeatureOn) {
-        out << "features      all off, so the library sends no hints; is a --profile missing?\n";
-    }
-}
 
-void printModes(const Summary& summary, std::ostream& out) {
-    out << "\nframe-rate mode                 time   share\n";
-    if (!summary.hasModes) {
-        out << "  not reported: needs jank boost or energy scaling allowed, and\n"
-               "  vendor.perf.brevold.debug=1\n";
-        return;
+    void printLayers() {
+        for (const Summary::Focus& focus : mSummary.focuses) {
+            const bool isFirst = &focus == mSummary.focuses.data();
+            const std::string lead =
+                    isFirst ? "layer         "
+                            : fmt::format("{:14}then from {:.2f} s ", "", toSeconds(focus.fromNs));
+            fmt::print(mOut, "{}{}, {}\n", lead, focus.layer, counted(focus.frames, "frame"));
+        }
+        if (mSummary.otherLayers != 0) {
+            fmt::print(mOut, "{:14}others: {} of {}\n", "", counted(mSummary.otherFrames, "frame"),
+                       counted(mSummary.otherLayers, "layer"));
+        }
+        if (mSummary.passedOverLayer) {
+            fmt::print(mOut,
+                       "{:14}passed over {}: it has more frames, but is not an application's "
+                       "layer\n",
+                       "", *mSummary.passedOverLayer);
+        }
+        if (mSummary.topLayers.size() < 2) return;
+        for (const Summary::LayerFrames& layer : mSummary.topLayers) {
+            const bool isFirst = &layer == mSummary.topLayers.data();
+            fmt::print(mOut, "{:12}{:6}  {}\n", isFirst ? "most frames" : "", layer.frames,
+                       layer.layer);
+        }
     }
-    for (size_t mode = 0; mode < summary.modeNs.size(); ++mode) {
-        fmt::print(out, "  {}  {:<23} {:6.2f} s {:6.1f} %\n", mode, android::kModeLabels[mode],
-                   toSeconds(summary.modeNs[mode]),
-                   percent(summary.modeNs[mode], summary.windowNs()));
-    }
-}
 
-void printRequests(const Summary& summary, std::ostream& out) {
-    out << "\nrequest          count   scale:   min    mean     max\n";
-    for (const host::HintKind kind : host::kHintKinds) {
-        const RequestSummary& request = summary.of(kind);
-        fmt::print(out, "  {:<13} {:6}", host::nameOf(kind), request.count);
+    void printPace() {
+        const FrameFigures& figures = mSummary.frameFigures;
+        mOut << "frames        ";
+        if (figures.intervals != 0) {
+            fmt::print(mOut,
+                       "{:.1f} per s, interval median {:.1f} ms, 95 % {:.1f} ms, 99 % {:.1f} ms\n"
+                       "{:14}",
+                       figures.meanRateHz, toMs(figures.medianNs), toMs(figures.p95Ns),
+                       toMs(figures.p99Ns), "");
+        }
+        fmt::print(mOut, "missed refreshes {}, idle {:.2f} s\n", figures.missedRefreshes,
+                   toSeconds(figures.idleNs));
+    }
+
+    std::string ratesText() const {
+        std::string text;
+        const size_t changes = mSummary.rates.size() - 1;
+        if (changes > kMaxListedChanges) {
+            for (const auto& [hz, ns] : mSummary.rateNs)
+                text += fmt::format(", {} Hz for {:.2f} s", hz, toSeconds(ns));
+            return counted(changes, "change") + text;
+        }
+        for (const Summary::Rate& rate : mSummary.rates) {
+            if (!text.empty()) text += fmt::format(", then from {:.2f} s ", toSeconds(rate.fromNs));
+            text += fmt::format("{:.4g} Hz", rate.hz);
+        }
+        return text;
+    }
+
+    void printRequests() {
+        mOut << "\nrequest          count   per s     held   share   scale:  5 %    50 %    95 %\n";
+        for (const host::HintKind kind : host::kHintKinds)
+            printRequest(kind);
+        const RequestSummary& down = mSummary.of(host::HintKind::Down);
+        if (down.heldNs != 0) {
+            fmt::print(mOut, "  mean scale while DOWN holds: {:.3f}\n", down.meanHeldScale);
+        }
+        if (down.zeroScales != 0) {
+            fmt::print(mOut, "  DOWN at scale 0: {}, whose headroom was negative\n",
+                       counted(down.zeroScales, "request"));
+        }
+        explain(Block::Requests);
+    }
+
+    void printRequest(host::HintKind kind) {
+        const RequestSummary& request = mSummary.of(kind);
+        fmt::print(mOut, "  {:<13} {:6}", host::nameOf(kind), request.count);
+        if (request.count != 0 && mSummary.windowNs() != 0) {
+            fmt::print(mOut, "  {:6.1f}", request.count / toSeconds(mSummary.windowNs()));
+        }
         if (host::hasScale(kind) && request.count != 0) {
-            fmt::print(out, "         {:6.3f}  {:6.3f}  {:6.3f}", request.minScale,
-                       request.meanScale, request.maxScale);
+            fmt::print(mOut, " {:6.2f} s {:5.1f} %", toSeconds(request.heldNs),
+                       percentOf(request.heldNs, mSummary.windowNs()));
         }
-        out << '\n';
+        if (scaleBinsOf(kind) != nullptr && request.count != 0) {
+            fmt::print(mOut, "         {:6.3f}  {:6.3f}  {:6.3f}  {}", request.p05Scale,
+                       request.p50Scale, request.p95Scale, scaleBars(request, kind));
+        }
+        mOut << '\n';
     }
-    fmt::print(out, "  under a DOWN hint {:.2f} s, {:.1f} % of the time", toSeconds(summary.downNs),
-               percent(summary.downNs, summary.windowNs()));
-    if (summary.downNs != 0) fmt::print(out, ", at a mean scale of {:.3f}", summary.meanDownScale);
-    out << '\n';
-}
 
-void printLog(const Summary& summary, std::ostream& out) {
-    fmt::print(out, "\nlog at error priority: {} lines, {} of them measuring windows\n",
-               summary.errorLines, summary.windowLines);
-    for (const auto& [text, count] : summary.errors)
-        fmt::print(out, "  {} x {}\n", count, text);
-}
+    void printFrames() {
+        mOut << "\nframes of the layer                               count   share\n";
+        bool isStopped = false;
+        for (const replay::FrameOutcome outcome : replay::kFrameOutcomes) {
+            const int32_t count = mSummary.of(outcome);
+            if (count == 0) continue;
+            if (!replay::isRequest(outcome) && !std::exchange(isStopped, true)) {
+                mOut << "  no request, because\n";
+            }
+            fmt::print(mOut, "  {:<45} {:7} {:5.1f} %\n",
+                       fmt::format("{}{}", isStopped ? "  " : "", outcomeText(outcome)), count,
+                       percentOf(count, mSummary.frames));
+        }
+        explain(Block::Frames);
+    }
 
-/** Names the layer that has the focus first, and the number of changes. */
-std::string focusText(const Summary& summary) {
-    const std::string& first = summary.focuses.front().layer;
-    const size_t changes = summary.focuses.size() - 1;
-    if (changes == 0) return first;
-    return fmt::format("{} ({} {})", first, changes, changes == 1 ? "change" : "changes");
-}
+    void printModes() {
+        mOut << "\nframe-rate mode                 time   share\n";
+        if (!mSummary.hasModes) {
+            fmt::print(mOut, "  {}\n", replay::kNoModesText);
+        }
+        for (size_t mode = 0; mode < mSummary.modeNs.size(); ++mode) {
+            const int64_t ns = mSummary.modeNs[mode];
+            if (ns == 0) continue;
+            fmt::print(mOut, "  {}  {:<23} {:6.2f} s {:5.1f} %\n", mode, android::kModeLabels[mode],
+                       toSeconds(ns), percentOf(ns, mSummary.windowNs()));
+        }
+        explain(Block::Modes);
+    }
 
-void printRow(const Summary& summary, const char* suffix, size_t layerWidth, std::ostream& out) {
-    fmt::print(out, "{:7.2f} {:6}  {:5.4g}", toSeconds(summary.windowNs()), summary.frames,
-               summary.rates.back().hz);
-    for (const host::HintKind kind : host::kHintKinds)
-        fmt::print(out, " {:12}", summary.of(kind).count);
-    fmt::print(out, " {:7.1f} {:7.3f} {:8}  {:<{}}  {}{}\n",
-               percent(summary.downNs, summary.windowNs()), summary.meanDownScale,
-               summary.boostVerdicts, focusText(summary), layerWidth, summary.trace, suffix);
-}
+    void printLog() {
+        const int32_t windows = mSummary.windowLines;
+        const int32_t errors = mSummary.errorLines - windows;
+        mOut << "\nlog           ";
+        if (errors != 0) {
+            fmt::print(mOut, "{}, and {} of a measuring window\n", counted(errors, "error"),
+                       counted(windows, "line"));
+        } else if (windows != 0) {
+            fmt::print(mOut, "nothing wrong: {} at error priority, each for a measuring window\n",
+                       counted(windows, "line"));
+        } else {
+            mOut << "no lines at error priority\n";
+        }
+        for (const auto& [text, count] : mSummary.errors)
+            fmt::print(mOut, "  {} x {}\n", count, text);
+        explain(Block::Log);
+    }
+
+    const Summary& mSummary;
+    std::ostream& mOut;
+    const Legend mLegend;
+};
 
 }  // namespace
 
-void print(const Summary& summary, std::ostream& out) {
-    printTrace(summary, out);
-    printModes(summary, out);
-    printRequests(summary, out);
-    printLog(summary, out);
-    if (!summary.warnings.empty()) out << '\n';
-    for (const trace::TraceWarning& warning : summary.warnings)
-        fmt::print(out, "warning: {}\n", warningText(warning));
-}
-
-void printRows(const std::vector<TraceResult>& results, std::ostream& out) {
-    constexpr std::string_view kLayerTitle = "layer";
-    size_t layerWidth = kLayerTitle.size();
-    for (const TraceResult& result : results)
-        layerWidth = std::max(layerWidth, focusText(result.summary).size());
-    fmt::print(out, "{:>7} {:>6}  {:>5}", "time/s", "frames", "Hz");
-    for (const host::HintKind kind : host::kHintKinds)
-        fmt::print(out, " {:>12}", host::nameOf(kind));
-    fmt::print(out, " {:>7} {:>7} {:>8}  {:<{}}  {}\n", "down/%", "scale", "verdicts", kLayerTitle,
-               layerWidth, "trace");
-    for (const TraceResult& result : results) {
-        printRow(result.summary, "", layerWidth, out);
-        if (result.vs) printRow(*result.vs, " (--vs)", layerWidth, out);
-    }
-    for (const TraceResult& result : results) {
-        for (const trace::TraceWarning& warning : result.summary.warnings)
-            fmt::print(out, "warning: {}: {}\n", result.summary.trace, warningText(warning));
-    }
+void print(const Summary& summary, std::ostream& out, Legend legend) {
+    Printer(summary, out, legend).print();
 }
 
 }  // namespace brevold::report

@@ -1,16 +1,13 @@
 #pragma once
 
 #include <ostream>
-#include <vector>
 
+#include "report/legend.h"
 #include "report/summary.h"
 
 namespace brevold::report {
 
-/** Prints the summary of one trace. */
-void print(const Summary& summary, std::ostream& out);
-
-/** Prints a table of several traces, one row per replay. */
-void printRows(const std::vector<TraceResult>& results, std::ostream& out);
+/** Prints a summary as text. */
+void print(const Summary& summary, std::ostream& out, Legend legend);
 
 }  // namespace brevold::report

@@ -5,8 +5,8 @@
 target_packages=(
     libc++-dev libc++abi-dev
     android-libutils-dev android-libcutils-dev android-liblog-dev
-    libboost-context-dev libcereal-dev libcli11-dev libfmt-dev libprotozero-dev libzip-dev
-    nlohmann-json3-dev zlib1g-dev
+    libboost-context-dev libcereal-dev libcli11-dev libfmt-dev libprotozero-dev libutfcpp-dev
+    libzip-dev nlohmann-json3-dev zlib1g-dev
 )
 build_packages=(
     clang cmake ninja-build

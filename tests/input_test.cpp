@@ -154,9 +154,9 @@ TEST(InputTest, GivesTheSameHintsInEveryFormat) {
     const std::string text(std::istreambuf_iterator<char>(file), {});
     const auto hintsOf = [](const std::string& bytes) {
         TraceInput input = inputOf(bytes);
+        const Timeline timeline = readTimeline(input, {});
         std::ostringstream csv;
-        report::writeHintsCsv(replay::playIsolated(readTimeline(input, {}), {}).hints, kWholeTrace,
-                              csv);
+        report::writeHintsCsv(timeline, replay::playIsolated(timeline, {}), kWholeTrace, csv);
         return csv.str();
     };
     const std::string hints = hintsOf(text);

@@ -69,31 +69,3 @@ TEST_F(ModeTest, OverflowingDifferencesAbort) {
     host::setTimeNs(0);
     EXPECT_ABORT(android::modeMonitor(1));
 }
-
-TEST_F(ModeTest, ResetClearsTheTickTheWindowAndTheMode) {
-    measure(kPeriod60Ns);
-    int64_t timeNs = 5000000;
-    for (int round = 0; round < 2; ++round) {
-        restart();
-        EXPECT_FALSE(hasMode());
-        takeLogTexts();
-        for (int i = 0; i <= 12; ++i, timeNs += 100000001) {
-            // The first tick records the time, the second opens a window, the last one closes it.
-            EXPECT_EQ(takeLogTexts().substr(0, 23), i < 12 ? "" : "[FM]gMode:0 \tFPS:\t10.00");
-            host::setTimeNs(timeNs);
-            brevoldRefresh();
-        }
-    }
-}
-
-TEST_F(DeviceTest, JankBoostAloneMeasuresTheMode) {
-    provide(kClient);
-    provide(kFeatures);
-    gDevice.features = {4};
-    brevoldInit();
-    measure(kPeriod60Ns);
-    EXPECT_EQ(takeLogTexts().substr(0, 12), "[FM]gMode:2 ");
-    android::clearConfigs();
-    measure(kPeriod60Ns);
-    EXPECT_EQ(takeLogTexts(), "");
-}

@@ -442,7 +442,7 @@ TEST(PerfettoTest, SummaryCountsLateAndDroppedFrames) {
     const report::Summary summary =
             report::summarise("trace", timeline, {}, {timeline.startNs, timeline.endNs});
     std::ostringstream text;
-    report::print(summary, text);
+    report::print(summary, text, report::Legend::Hidden);
     EXPECT_NE(text.str().find("\ndeadlines     6 frames, 2 late, 1 dropped (from the frame "
                               "timeline)\n"),
               std::string::npos);

@@ -1,7 +1,9 @@
 #include <dlfcn.h>
 #include <pthread.h>
+#include <semaphore.h>
 
 #include <cerrno>
+#include <thread>
 
 #include "tests/test_device.h"
 
@@ -14,6 +16,9 @@ thread_local int tLockError;
 thread_local int tUnlockError;
 std::string gOpened;
 
+// If not null, called before this thread waits for a lock.
+thread_local void (*tBeforeWaiting)();
+
 template <typename Fn>
 Fn real(const char* symbol) {
     return reinterpret_cast<Fn>(dlsym(RTLD_NEXT, symbol));
@@ -24,7 +29,12 @@ Fn real(const char* symbol) {
 extern "C" int pthread_mutex_lock(pthread_mutex_t* mutex) {
     static int (*gReal)(pthread_mutex_t*);
     if (gReal == nullptr) gReal = real<int (*)(pthread_mutex_t*)>("pthread_mutex_lock");
-    return tLockError != 0 ? tLockError : gReal(mutex);
+    if (tLockError != 0) return tLockError;
+    if (tBeforeWaiting != nullptr) {
+        if (pthread_mutex_trylock(mutex) == 0) return 0;
+        std::exchange(tBeforeWaiting, nullptr)();
+    }
+    return gReal(mutex);
 }
 
 extern "C" int pthread_mutex_unlock(pthread_mutex_t* mutex) {
@@ -70,6 +80,66 @@ TEST_F(PlatformTest, ScalingReturnsTheStatusOfUnlocking) {
     const int status = brevoldScaling(0, 0);
     tUnlockError = 0;
     EXPECT_EQ(status, EPERM);
+}
+
+sem_t gCallIsDecided;
+bool gIsBlocked;
+
+// Makes a call on a thread of its own. Returns once it has ended or is blocked.
+std::thread start(void (*call)()) {
+    gIsBlocked = false;
+    std::thread thread([call] {
+        tBeforeWaiting = [] {
+            gIsBlocked = true;
+            sem_post(&gCallIsDecided);
+        };
+        call();
+        if (std::exchange(tBeforeWaiting, nullptr) != nullptr) sem_post(&gCallIsDecided);
+    });
+    sem_wait(&gCallIsDecided);
+    return thread;
+}
+
+template <int queuedFrames>
+void report() {
+    LayerFrameInfo info = frame(queuedFrames);
+    brevoldOnFrameAvailable(&info);
+}
+
+TEST_F(PlatformTest, AHintInProgressBlocksRequestsToItsWorkerAndItsWaitersLock) {
+    sem_init(&gCallIsDecided, 0, 0);
+    measure(kPeriod60Ns);
+    void (*const boost)() = [] { brevoldScaling(2, 0); };
+    // Blocked while "SF" sends; while "QB" does; while brevoldScaling waits for "SF" too.
+    const std::tuple<const char*, void (*)(), const char*> rows[] = {
+            {"check", [] { brevoldCheck("sf"); }, "---"},
+            {"monitor", [] { brevoldMonitor(1, kPeriod60Ns); }, "--x"},
+            {"scaling, not due", [] { brevoldScaling(1, 0); }, "--x"},
+            {"scaling, posting", boost, "x-x"},
+            {"report", report<0>, "--x"},
+            {"report, DOWN", report<2>, "-xx"},
+            {"refresh", brevoldRefresh, "x-x"},
+            {"release", android::releaseScaling, "x-x"},
+            {"QB request", [] { android::energyScaling(1.0f, 1, 0, kQb); }, "-x-"},
+    };
+    for (const auto& [name, call, expected] : rows) {
+        std::string blocked;
+        for (const auto& [channel, isScalingWaiting] :
+             {std::pair(kSf, false), {kQb, false}, {kSf, true}}) {
+            startHint(channel);
+            std::thread scaling;
+            if (isScalingWaiting) scaling = start(boost);
+            std::thread caller = start(call);
+            blocked += gIsBlocked ? 'x' : '-';
+            endHint();
+            caller.join();
+            if (isScalingWaiting) scaling.join();
+            host::settle();
+            android::releaseScaling();
+            host::settle();
+        }
+        EXPECT_EQ(blocked, expected) << name;
+    }
 }
 
 }  // namespace

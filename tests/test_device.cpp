@@ -2,6 +2,7 @@
 
 #include <cutils/properties.h>
 #include <dlfcn.h>
+#include <semaphore.h>
 
 #include <cstring>
 
@@ -14,6 +15,7 @@ Device gDevice;
 namespace {
 
 int64_t gNowNs;
+sem_t gHintStarted, gHintMayEnd;
 
 void append(std::string& list, const std::string& text) {
     list += (list.empty() ? "" : "; ") + text;
@@ -125,6 +127,22 @@ std::string request(float scale, unsigned direction, unsigned boostLevel, int ch
 std::string wake(size_t thread) {
     host::wakeSpuriously(thread);
     return takeCalls();
+}
+
+void startHint(int channel) {
+    sem_init(&gHintStarted, 0, 0);
+    sem_init(&gHintMayEnd, 0, 0);
+    gDevice.duringCall = [] {
+        gDevice.duringCall = nullptr;
+        sem_post(&gHintStarted);
+        sem_wait(&gHintMayEnd);
+    };
+    android::energyScaling(0.5f, 1, channel == kSf ? 2 : 0, channel);
+    sem_wait(&gHintStarted);
+}
+
+void endHint() {
+    sem_post(&gHintMayEnd);
 }
 
 bool hasMode() {

@@ -92,6 +92,10 @@ std::string submit(LayerFrameInfo info);
 std::string request(float scale, unsigned direction, unsigned boostLevel, int channel);
 std::string wake(size_t thread);
 
+// Starts a request of scale 0.5 by a worker. The hint stays in progress until endHint().
+void startHint(int channel);
+void endHint();
+
 // Returns true if the "QB" worker sends requests in the current mode.
 bool hasMode();
 

@@ -4,13 +4,6 @@ using namespace brevold::test;
 
 using VsyncTest = TargetAppTest;
 
-// The verdict at this frame rate, one millisecond after a tick.
-static int verdictAt(int fps, int queuedFrames = 0) {
-    measure(kSecondNs / fps);
-    advance(1000000);
-    return brevoldMonitor(queuedFrames, kPeriod60Ns);
-}
-
 static std::string boost(int queuedFrames, int suppress = 0) {
     EXPECT_EQ(brevoldScaling(queuedFrames, suppress), 0);
     const std::string calls = takeCalls();
@@ -67,47 +60,4 @@ TEST_F(VsyncTest, VerdictRequiresATickAndAQueueNotBusyTwice) {
     EXPECT_EQ(brevoldMonitor(INT_MIN, kPeriod60Ns), 1);
     host::setTimeNs(INT64_MIN);
     EXPECT_ABORT(brevoldMonitor(0, kPeriod60Ns));
-}
-
-TEST_F(VsyncTest, VerdictRequiresJankBoostAndTheTargetAppOnAnUnchangedLayer) {
-    submit(frame(0, "com.example.other#0"));
-    EXPECT_EQ(verdictAt(30), 0);
-    submit(frame(0, "com.example.other#0"));
-    EXPECT_EQ(verdictAt(30, 2), 1);
-    restartWith("com.example.third#0");  // resets the busy queue
-    EXPECT_EQ(verdictAt(30, 2), 1);
-    gDevice.appType = 1;
-    restartWith("com.example.fourth#0");
-    EXPECT_EQ(verdictAt(30), 0);
-    gDevice.appType = 2;
-    gDevice.features = {4};
-    restartWith("com.example.fifth#0");
-    EXPECT_EQ(verdictAt(30), 1);
-    gDevice.features = {4, 5};
-    gDevice.properties["vendor.perf.jr10.enable"] = "0";
-    restartWith("com.example.sixth#0");
-    EXPECT_EQ(verdictAt(30), 0);
-}
-
-TEST_F(VsyncTest, SwitchesThatABoostRequires) {
-    for (const int switches : {0, 1, 2, 3}) {
-        gDevice.properties["vendor.display.use_smooth_motion"] = switches % 2 == 1 ? "1" : "0";
-        gDevice.properties["vendor.perf.jr10.enable"] = switches >= 2 ? "1" : "0";
-        restartWith("com.example.app#" + std::to_string(switches));
-        measure(kSecondNs / 30);
-        EXPECT_EQ(boost(3), switches != 0 ? kBoostHint : "") << switches;
-        measure(kPeriod60Ns);
-        EXPECT_EQ(boost(2), kBoostHint);  // the other modes require neither
-    }
-    android::brevoldBufferMonitor(0, "x", kLayer, 0, 0, 0, 0, kPeriod90Ns);
-    EXPECT_EQ(boost(3), "");  // a report without a decision still sets the period
-    gDevice.features = {4};
-    restartWith("com.example.third#0");
-    measure(kPeriod60Ns);
-    EXPECT_EQ(boost(3) + submit(frame(2, "com.example.third#0")), "");
-    gDevice.features = {4, 5};
-    gDevice.appType = 0;
-    restartWith("com.example.fourth#0");
-    measure(kPeriod60Ns);
-    EXPECT_EQ(boost(3) + submit(frame(2, "com.example.fourth#0")), "");
 }

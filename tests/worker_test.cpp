@@ -1,5 +1,3 @@
-#include <semaphore.h>
-
 #include <cerrno>
 #include <cmath>
 #include <cstring>
@@ -123,40 +121,12 @@ TEST_F(WorkerTest, OutputRequiresDebugAndSectionsTheTag) {
     EXPECT_EQ(takeLogTexts(), "");
 }
 
-static sem_t gHintStarted;
-static sem_t gHintMayFinish;
-
-// Returns while the service is still handling a hint of the "QB" worker.
-static void startHint() {
-    measure(kPeriod60Ns);
-    sem_init(&gHintStarted, 0, 0);
-    sem_init(&gHintMayFinish, 0, 0);
-    gDevice.duringCall = [] {
-        gDevice.duringCall = nullptr;
-        sem_post(&gHintStarted);
-        sem_wait(&gHintMayFinish);
-    };
-    android::energyScaling(0.5f, 1, 0, kQb);
-    sem_wait(&gHintStarted);
-}
-
-TEST_F(WorkerTest, AHintInProgressBlocksOnlyRequestsToItsWorker) {
-    startHint();
-    EXPECT_TRUE(brevoldCheck("sf"));
-    brevoldRefresh();
-    EXPECT_EQ(brevoldMonitor(2, kPeriod60Ns), 0);
-    LayerFrameInfo info = frame();
-    EXPECT_EQ(brevoldOnFrameAvailable(&info), 0);
-    EXPECT_EQ(brevoldScaling(2, 0), 0);
-    sem_post(&gHintMayFinish);
-    EXPECT_EQ(takeCalls(), std::string(kHalf) + "; " + kBoostHint);
-}
-
 TEST_F(WorkerTest, AHintInProgressSurvivesANewInitialisation) {
-    startHint();
+    measure(kPeriod60Ns);
+    startHint(kQb);
     android::clearConfigs();
     EXPECT_TRUE(brevoldInit());
-    sem_post(&gHintMayFinish);
+    endHint();
     EXPECT_EQ(takeCalls(), kHalf);
     takeLogTexts();
     EXPECT_EQ(wake(kSf) + wake(kQb), kHalf);

@@ -1,7 +1,5 @@
 #include "verify/difference_track.h"
 
-#include <fmt/format.h>
-
 #include <algorithm>
 
 #include "verify/words.h"
@@ -17,8 +15,7 @@ report::AddedTrack differenceTrack(const Verification& verification) {
             endNs = std::min(endNs, difference.timeNs);
         }
         track.sections.push_back({difference.timeNs, difference.timeNs + verification.periodNs,
-                                  fmt::format("{}: {}", wordOf(difference.subject),
-                                              textOf(difference.causes, " or "))});
+                                  describe(difference)});
     }
     return track;
 }

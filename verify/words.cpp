@@ -96,6 +96,10 @@ const char* textOf(Cause cause) {
     return wordsOf(cause).text;
 }
 
+std::string describe(const Difference& difference) {
+    return wordOf(difference.subject) + std::string(": ") + textOf(difference.causes, " or ");
+}
+
 std::string textOf(const CauseSet& causes, const std::string& separator) {
     std::string text;
     causes.forEach([&](Cause cause) {

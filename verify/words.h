@@ -11,6 +11,8 @@
 namespace brevold::verify {
 
 const char* textOf(Cause cause);
+/** "decisions: a frame is not reported" */
+std::string describe(const Difference& difference);
 /** Joins the texts of the causes. */
 std::string textOf(const CauseSet& causes, const std::string& separator);
 const char* textOf(LatencyKind kind);

@@ -1,0 +1,236 @@
+"""Makes the changes of scripts/mutate; see there. Arguments: COUNT (0 for all) and the files."""
+
+import collections
+import concurrent.futures
+import os
+import pathlib
+import queue
+import random
+import re
+import shutil
+import subprocess
+import sys
+
+EQUIVALENT = "scripts/mutate.equivalent"
+ROOT = pathlib.Path("build/mutate").resolve()
+TEST_SECONDS = 20
+
+# One change: lines first..last (from 0) of a file become one line.
+Change = collections.namedtuple("Change", "file first last old new")
+
+# Replacements of one token. Binary operators have blanks on both sides, template brackets do not.
+SWAPS = [
+    (" < ", " <= "), (" <= ", " < "), (" > ", " >= "), (" >= ", " > "),
+    (" == ", " != "), (" != ", " == "), (" + ", " - "), (" - ", " + "),
+    (" * ", " / "), (" / ", " * "), (" % ", " / "), (" += ", " -= "), (" -= ", " += "),
+    (" && ", " || "), (" || ", " && "), (" & ", " | "), (" | ", " & "),
+    (" << ", " >> "), (" >> ", " << "), ("++", "--"), ("--", "++"),
+    ("true", "false"), ("false", "true"),
+]
+NUMBER = re.compile(r"(?<![\w.])(?:0x([0-9a-f]+)|(\d+))(\.\d+)?(?=[uf]?\b)(?![\w.]*\()")
+CONSTANT = re.compile(r"\bk[A-Z]\w+(?!\[?\]? = )\b")
+ARGUMENTS = re.compile(r"(?<=[(, ])([\w.]+), ([\w.]+)(?=[,)])")
+BRANCHES = re.compile(r" \? ([\w.:]+) : ([\w.:]+)")
+# Statements that are not dropped: the code would not build, or have no defined behaviour.
+KEPT = re.compile(r"\s*(?:(?:return|using|static_assert|extern|constexpr|const|class|struct|enum)\b|[}]|"
+                  r"(?!delete|throw)[\w:<>,*& ]+[ *&]\w+(?: = .*)?;)", re.DOTALL)
+
+
+def masked(lines):
+    """Returns the lines with comments, strings and characters blanked, of the same lengths."""
+    blank = lambda match: re.sub(r"[^\n]", " ", match.group())
+    text = re.sub(r'/\*.*?\*/|//[^\n]*|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])+\'', blank,
+                  "\n".join(lines), flags=re.DOTALL)
+    return text.split("\n")
+
+
+def statements(code):
+    """Yields the first and last line of each statement that ends with a semicolon."""
+    first = 0
+    for last, line in enumerate(code):
+        end = line.rstrip()[-1:]
+        if end == ";":
+            span = "\n".join(code[first:last + 1])
+            if span.count("(") == span.count(")") and span.count("{") == span.count("}"):
+                yield first, last
+        if end in ("", ";", "{", "}", ":") or line.startswith("#"):
+            first = last + 1
+
+
+def edits(line, code, constants):
+    """Yields the changes within one line; `code` is the masked line."""
+    for old, new in SWAPS:
+        for match in re.finditer(r"(?<!\w)%s(?!\w)" % old if old.isalpha() else re.escape(old), code):
+            yield line[:match.start()] + new + line[match.end():]
+    for match in NUMBER.finditer(code):
+        digits = match.group(1) or match.group(2)
+        number = int(digits, 16 if match.group(1) else 10)
+        changed = 0 if number == 1 else number + 1
+        text = ("0x%x" if match.group(1) else "%d") % changed + (match.group(3) or "")
+        yield line[:match.start()] + text + line[match.end():]
+    for match in CONSTANT.finditer(code):
+        family = re.match(r"k[A-Z][a-z]*", match.group()).group()
+        others = [name for name in constants if name != match.group()]
+        others = [name for name in others if name.startswith(family)] or others
+        if others:
+            other = min(others, key=lambda name: (name < match.group(), name))
+            yield line[:match.start()] + other + line[match.end():]
+    for match in ARGUMENTS.finditer(code):
+        if re.search(r"(min|max|checkedAdd)(<\w+>)?\($", code[:match.start()]):
+            continue
+        swapped = line[match.start(2):match.end(2)] + ", " + line[match.start(1):match.end(1)]
+        yield line[:match.start()] + swapped + line[match.end():]
+    for match in BRANCHES.finditer(code):
+        yield "%s ? %s : %s%s" % (line[:match.start()], match[2], match[1], line[match.end():])
+    for match in re.finditer(r"!(?=[\w(*:])", code):
+        yield line[:match.start()] + line[match.end():]
+    for match in re.finditer(r"\b(?:if|while) \(", code):
+        depth, end = 1, match.end()
+        while end < len(code) and depth:
+            depth += {"(": 1, ")": -1}.get(code[end], 0)
+            end += 1
+        if depth == 0:
+            condition = line[match.end():end - 1]
+            if " == " in condition or " != " in condition or condition.startswith("!"):
+                if "||" not in condition and "&&" not in condition:
+                    continue  # the same as another change
+            yield line[:match.end()] + "!(" + condition + ")" + line[end - 1:]
+
+
+def changes_of(file):
+    lines = pathlib.Path(file).read_text().split("\n")
+    code = masked(lines)
+    constants = sorted(set(CONSTANT.findall("\n".join(code))))
+    found = {}
+    for first, last in statements(code):
+        if not KEPT.match(code[first]):
+            found[first, last, ""] = None
+    for number, line in enumerate(lines):
+        if re.match(r"\s*(#|static_assert|namespace|using|template)", code[number]):
+            continue
+        for new in edits(line, code[number], constants):
+            found[number, number, new] = None
+    return [Change(file, first, last, "\n".join(lines[first:last + 1]), new)
+            for first, last, new in sorted(found)]
+
+
+def read_equivalent():
+    """Returns the listed changes as (file, old, new), without indentation."""
+    listed, file = set(), None
+    old = []
+    for line in pathlib.Path(EQUIVALENT).read_text().split("\n"):
+        if line.startswith("- "):
+            old.append(line[2:])
+        elif line.startswith("+"):
+            listed.add((file, " ".join(old), line[2:]))
+            old = []
+        elif line and not line.startswith("#"):
+            file = line
+    return listed
+
+
+def key_of(change):
+    squeeze = lambda text: " ".join(text.split())
+    return change.file, squeeze(change.old), squeeze(change.new)
+
+
+class Copy:
+    """A copy of the checkout with a build of its own, without optimisation."""
+
+    def __init__(self, number):
+        self.source = ROOT / str(number) / "source"
+        self.build = ROOT / str(number) / "build"
+        files = subprocess.check_output(
+            ["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"], text=True)
+        for file in files.split("\0")[:-1]:
+            original, copied = pathlib.Path(file), self.source / file
+            copied.parent.mkdir(parents=True, exist_ok=True)
+            if not copied.exists() or copied.read_bytes() != original.read_bytes():
+                shutil.copy(original, copied)
+        subprocess.run(
+            ["cmake", "-S", self.source, "-B", self.build, "-G", "Ninja",
+             "-DCMAKE_C_COMPILER=clang", "-DCMAKE_CXX_COMPILER=clang++",
+             "-DCMAKE_CXX_FLAGS=-stdlib=libc++ -O0 -w", "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=",
+             "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON"], check=True, stdout=subprocess.DEVNULL)
+
+    def compile(self, of_library):
+        """Returns true if everything that the tests need builds."""
+        target = "library_tests" if of_library else "all"
+        return subprocess.run(["cmake", "--build", self.build, "--target", target],
+                              capture_output=True).returncode == 0
+
+    def passes(self, of_library):
+        return subprocess.run(
+            ["ctest", "--test-dir", self.build, "--stop-on-failure", "--timeout", str(TEST_SECONDS),
+             "-L" if of_library else "-LE", "^library$"], capture_output=True).returncode == 0
+
+    def result_of(self, change):
+        """Returns "noticed", "survived" or "does not build"."""
+        path = self.source / change.file
+        original = path.read_text()
+        lines = original.split("\n")
+        lines[change.first:change.last + 1] = [change.new]
+        path.write_text("\n".join(lines))
+        of_library = change.file.startswith("brevold/")
+        try:
+            if not self.compile(of_library):
+                return "does not build"
+            return "survived" if self.passes(of_library) else "noticed"
+        finally:
+            path.write_text(original)
+
+
+def prepare(number, kinds):
+    copy = Copy(number)
+    for of_library in kinds:
+        if not copy.compile(of_library) or not copy.passes(of_library):
+            sys.exit("mutate: without a change, the build or a test in %s fails" % copy.build)
+    return copy
+
+
+def main():
+    count, files = int(sys.argv[1]), sys.argv[2:]
+    changes = [change for file in files for change in changes_of(file)]
+    listed = read_equivalent()
+    stale = {entry for entry in listed if entry[0] in files} - {key_of(each) for each in changes}
+    if stale:
+        sys.exit("mutate: %s lists what is no change:\n%s" % (EQUIVALENT, sorted(stale)))
+    changes = [each for each in changes if key_of(each) not in listed]
+    if count:
+        changes = random.Random(1).sample(changes, min(count, len(changes)))
+
+    kinds = {each.file.startswith("brevold/") for each in changes}
+    processors = len(os.sched_getaffinity(0))
+    results = collections.Counter()
+    with concurrent.futures.ThreadPoolExecutor(processors) as pool:
+        copies = queue.Queue()
+        for copy in pool.map(lambda number: prepare(number, kinds), range(processors)):
+            copies.put(copy)
+
+        def run(change):
+            copy = copies.get()
+            try:
+                return change, copy.result_of(change)
+            finally:
+                copies.put(copy)
+
+        for change, result in pool.map(run, changes):
+            results[change.file, result] += 1
+            if result == "survived":
+                print("%s:%d\n- %s\n+ %s" % ((change.file, change.first + 1) + key_of(change)[1:]),
+                      flush=True)
+
+    print("\n%-32s %8s %8s %7s %10s" % ("file", "changes", "noticed", "share", "equivalent"))
+    total = collections.Counter()
+    for file in files + ["total"]:
+        row = total if file == "total" else collections.Counter(
+            {key[1]: value for key, value in results.items() if key[0] == file})
+        if file != "total":
+            row["equivalent"] = sum(entry[0] == file for entry in listed)
+            total += row
+        made = row["noticed"] + row["survived"]
+        share = "%.1f %%" % (100 * row["noticed"] / made) if made else "-"
+        print("%-32s %8d %8d %7s %10d" % (file, made, row["noticed"], share, row["equivalent"]))
+
+
+main()

@@ -1,0 +1,100 @@
+#include <fmt/format.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+#include "plot/lane_panels.h"
+#include "plot/scale_panel.h"
+#include "plot/trace_panels.h"
+
+namespace brevold::plot {
+namespace {
+
+/** The legend of a panel with the number of rows of each curve. */
+std::string legendOf(const PlotPanel& panel) {
+    std::string text;
+    for (const PlotCurve& curve : panel.curves) {
+        text += fmt::format("{}({}) ", curve.title,
+                            std::count(curve.rows.begin(), curve.rows.end(), '\n'));
+    }
+    return text;
+}
+
+/** The row that begins with a time. */
+std::string rowAt(const PlotCurve& curve, const std::string& time) {
+    const size_t begin = ("\n" + curve.rows).find("\n" + time + " ");
+    if (begin == std::string::npos) return "";
+    return curve.rows.substr(begin, curve.rows.find('\n', begin) - begin);
+}
+
+TEST(PlotPanelsTest, ShowTheDistributionOfMorePointsThanPixels) {
+    // 580 s, of which the first two have a stall; one bin of two pixels is a second.
+    PlotData data = {};
+    data.toS = 580;
+    data.periodsMs = {{0, 580, 10}};
+    data.replays.resize(2);
+    ReplayCurves& curves = data.replays[0];
+    for (int i = 0; i < 5800; ++i) {
+        const double timeS = i / 10.0 + 0.05;
+        const bool isLate = i < 20;
+        data.frameIntervalsMs.push_back({timeS, isLate && i % 10 == 0 ? 100.0 : 8.0 + i % 5});
+        if (isLate || i % 2 == 0) data.missedRefreshes.push_back({timeS, isLate ? 2.0 : 1.0});
+        data.depths.push_back({timeS, timeS + 0.1, static_cast<double>(i % 3)});
+        curves.modes.push_back({timeS, timeS + 0.1, i % 2 == 0 ? 5.0 : 4.0});
+        curves.downs.push_back({timeS, timeS + 0.1, isLate ? 0.0 : 0.5 + 0.1 * (i % 5)});
+        curves.ups.push_back({timeS, timeS + 0.05, isLate ? 9.0 : 1.5 + 0.1 * (i % 3)});
+        curves.boosts.push_back({timeS, timeS + 0.05, 10});
+    }
+    const PlotPanel intervals = intervalPanel(data);
+    EXPECT_EQ(legendOf(intervals),
+              "all intervals of 1.00 s(580) 5 % to 95 % of them(580) median(1160) "
+              "1 refresh period(2) 2 periods(2) 2 above 22 ms, max 100 ms(2) (1) ");
+    EXPECT_EQ(rowAt(intervals.curves[0], "0"), "0 1 8 22");
+    EXPECT_EQ(rowAt(intervals.curves[1], "2"), "2 3 8 12");
+
+    const PlotPanel missed = missedRefreshPanel(data);
+    EXPECT_EQ(legendOf(missed), "missed: 2930, sum of 2.00 s(290) ");
+    EXPECT_EQ(rowAt(missed.curves[0], "0"), "0 2 0 40");
+    EXPECT_GT(missed.maxY, 40);
+
+    const PlotPanel depths = depthPanel(data);
+    EXPECT_EQ(rowAt(depths.curves[0], "4"), "4 8 0 2");
+    EXPECT_EQ(rowAt(depths.curves[1], "572"), "572 0.9875");
+
+    const PlotPanel modes = modePanel(data);
+    EXPECT_NE(modes.title.find("height: share of 1.00 s"), std::string::npos) << modes.title;
+    EXPECT_EQ(rowAt(modes.curves[0], "5"), "5 6 5.35 5.625");  // half of 0.55
+    EXPECT_EQ(unclassifiedSpans(data).size(), 2900u);
+
+    const PlotPanel scales = scalePanel(data);
+    EXPECT_EQ(legendOf(scales),
+              "extreme of 1.00 s(580) UP: 0, median(580) extreme of 1.00 s(580) "
+              "DOWN: 0, median(580) DOWN below 0.0625: 20(8) UP with --vs: 0(0) "
+              "DOWN with --vs: 0(0) (2) ");
+    EXPECT_EQ(rowAt(scales.curves[0], "0"), "0 1 1 9");
+    EXPECT_EQ(rowAt(scales.curves[1], "5"), "5 6 1 1.6");
+    EXPECT_EQ(rowAt(scales.curves[2], "5"), "5 6 0.5 1");
+    EXPECT_EQ(rowAt(scales.curves[3], "5"), "5 6 0.7 1");
+    EXPECT_EQ(scales.minY, 0.0625);
+    EXPECT_EQ(scales.maxY, 16);
+
+    EXPECT_EQ(rowAt(boostPanel(data).curves[0], "5"), "5 6 1.35 1.625");
+}
+
+TEST(PlotPanelsTest, MarksShareARowForEachLabel) {
+    PlotData data = {};
+    data.fromS = 1;
+    data.toS = 1161;
+    constexpr int64_t kS = 1'000'000'000;
+    const PlotPanel panel = markPanel(
+            data, {{10 * kS, "late"}, {11 * kS, "early"}, {20 * kS, "late"}, {2 * kS, "late"}},
+            5 * kS);
+    ASSERT_EQ(panel.ticks.size(), 2u);
+    EXPECT_EQ(panel.ticks[0].label, "early: 1");
+    EXPECT_EQ(panel.ticks[1].label, "late: 2");
+    EXPECT_EQ(panel.curves[0].rows, "6 7 1.15 1.85\n");
+    EXPECT_EQ(panel.curves[1].rows, "5 6 0.15 0.85\n15 16 0.15 0.85\n");
+}
+
+}  // namespace
+}  // namespace brevold::plot
