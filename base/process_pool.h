@@ -13,10 +13,7 @@ using Job = std::function<std::string()>;
 struct JobResult {
     /** What the job returned; empty after an error. */
     std::string bytes;
-    /**
-     * Empty if the job returned. Otherwise the message of its exception, the name of the signal
-     * that ended its process, such as "Aborted", or a sentence with the exit status.
-     */
+    /** Empty if the job returned. Else the message of its exception, or ProcessEnd::text(). */
     std::string error;
     /** The signal that ended the process, or 0. */
     int signal = 0;

@@ -3,12 +3,11 @@
 #include <cutils/properties.h>
 #include <dlfcn.h>
 
-#include <cstdlib>
 #include <cstring>
-#include <string_view>
 
 #include "brevold/platform.h"
 #include "brevold/protocol.h"
+#include "brevold/settings.h"
 #include "brevold/state.h"
 
 namespace android {
@@ -92,10 +91,6 @@ void resetState() NO_THREAD_SAFETY_ANALYSIS {
     gPfarDownEnabled = false;
 }
 
-bool isOn(const char* text) {
-    return atoi(text) == 1;
-}
-
 /** Returns a setting of the performance service; its text may lack the terminator there. */
 PerfSetting readSetting(const char* key, const char* fallback) {
     const PerfSetting answer = gPerfGetProp(key, fallback);
@@ -130,7 +125,7 @@ void readFeatureSettings(const AllowedFeatures& allowed) {
     gDebug = isOn(readSetting(kDebugProperty, "0").text);
     gPfarDownEnabled = isOn(readSetting(kScalingDownProperty, "0").text);
     PerfSetting layers = readSetting(kDebugLayersProperty, "NONE");
-    if (strncmp(layers.text, "NONE", 4) != 0) addDebugLayers(layers.text, gDebugLayers);
+    if (isLayerList(layers.text)) addDebugLayers(layers.text, gDebugLayers);
     gScalingEnabled = allowed.energyScaling && pfar;
     gJr10Enabled = allowed.jankBoost && jr10;
 }
@@ -166,12 +161,7 @@ void initialise() REQUIRES(gInitLock) {
 }  // namespace
 
 void addDebugLayers(char* list, std::vector<std::string>& out) {
-    std::string_view rest(list);
-    while (!rest.empty()) {
-        const size_t end = rest.find(' ');
-        out.emplace_back(rest.substr(0, end));
-        rest.remove_prefix(end == std::string_view::npos ? rest.size() : end + 1);
-    }
+    splitLayerList(list, out);
 }
 
 bool isDebugLayer(std::string name) {

@@ -25,9 +25,6 @@ namespace host = brevold::host;
 
 namespace {
 
-constexpr int64_t kPeriodsNs[] = {16666666, 11111111, 8333333, 33333333, 16000001, 16999999};
-constexpr int kQueues[] = {0, 1, 2, 3, 4};
-constexpr const char* kNames[] = {"com.example.a/Main#0", "com.example.b#1", "1", ""};
 /** Differences of stamps this far apart, and the differences of those, fit in 64 bits. */
 constexpr int64_t kFarNs = int64_t{1} << 61;
 
@@ -75,63 +72,60 @@ void initialiseAnyhow(FuzzedDataProvider& input) {
     if (input.ConsumeBool()) gPerfLockRel = nullptr;
 }
 
-template <typename T, size_t N>
-T any(FuzzedDataProvider& input, const T (&likely)[N]) {
-    return input.ConsumeBool() ? input.PickValueInArray(likely) : input.ConsumeIntegral<T>();
-}
-
 /** Near now, as real stamps are, or far away. */
 int64_t anyStampNs(FuzzedDataProvider& input) {
     if (!input.ConsumeBool()) return input.ConsumeIntegralInRange(-kFarNs, kFarNs);
     return gNowNs + input.ConsumeIntegralInRange<int64_t>(-50000000, 50000000);
 }
 
+int64_t anyPeriodNs(FuzzedDataProvider& input) {
+    return input.ConsumeBool() ? kRates[input.ConsumeIntegralInRange(0, 2)].periodNs
+                               : input.ConsumeIntegral<int64_t>();
+}
+
+int anyQueue(FuzzedDataProvider& input) {
+    return input.ConsumeBool() ? input.ConsumeIntegralInRange(0, 4) : input.ConsumeIntegral<int>();
+}
+
 std::string anyName(FuzzedDataProvider& input) {
-    return input.ConsumeBool() ? input.PickValueInArray(kNames)
-                               : input.ConsumeRandomLengthString(40);
+    return input.ConsumeBool() ? "com.example.a/Main#0" : input.ConsumeRandomLengthString(40);
 }
 
 void reportAnything(FuzzedDataProvider& input) {
     LayerFrameInfo info = {};
     info.skipLayerCheck = input.ConsumeIntegralInRange<uint8_t>(0, 7) == 0 ? 1 : 0;
     info.layerKeyA = input.ConsumeIntegralInRange(0, 1);
-    info.lastMaxQueuedFrames = any(input, kQueues);
+    info.lastMaxQueuedFrames = anyQueue(input);
     info.layerName = anyName(input);
     info.peerLayerName = input.ConsumeBool() ? info.layerName : anyName(input);
     info.qbTime = anyStampNs(input);
     info.lastQbTime = input.ConsumeBool() ? -1 : anyStampNs(input);
     info.sfTime = anyStampNs(input);
-    info.refreshPeriod = any(input, kPeriodsNs);
+    info.refreshPeriod = anyPeriodNs(input);
     require(brevoldOnFrameAvailable(&info) == 0, "a report always returns 0");
 }
 
-/** A refresh tick, or enough ticks to close a window. */
-void tick(FuzzedDataProvider& input) {
-    const bool isWindow = input.ConsumeBool();
-    const int64_t intervalNs = isWindow ? input.PickValueInArray(kPeriodsNs)
-                                        : input.ConsumeIntegralInRange<int64_t>(-1000, 200000000);
-    for (int64_t i = isWindow ? 1000000000 / intervalNs + 2 : 1; i > 0; --i) {
-        host::setTimeNs(gNowNs += intervalNs);
-        brevoldRefresh();
-    }
-}
-
-void step(FuzzedDataProvider& input) {
-    switch (input.ConsumeIntegralInRange(0, 11)) {
+void callAnything(FuzzedDataProvider& input) {
+    switch (input.ConsumeIntegralInRange(0, 8)) {
         case 0:
-            return tick(input);
+            host::setTimeNs(gNowNs += input.ConsumeIntegralInRange<int64_t>(-1000, 200000000));
+            return brevoldRefresh();
         case 1:
-            return require(brevoldScaling(any(input, kQueues), input.ConsumeBool()) == 0, "0");
-        case 2: {
-            const int verdict = brevoldMonitor(any(input, kQueues), any(input, kPeriodsNs));
-            return require(verdict == 0 || (verdict == 1 && modeWithoutLock() <= 1), "verdict");
-        }
+            return require(brevoldScaling(anyQueue(input), input.ConsumeBool()) == 0, "0");
+        case 2:
+            return require(brevoldMonitor(anyQueue(input), anyPeriodNs(input)) <= 1, "verdict");
         case 3:
             return energyScaling(
-                    input.ConsumeFloatingPoint<float>(), input.ConsumeIntegralInRange(0u, 3u),
-                    input.ConsumeIntegralInRange(0u, 2u), input.ConsumeIntegralInRange(-1, 2));
+                    input.ConsumeFloatingPoint<float>(), input.ConsumeIntegral<unsigned>(),
+                    input.ConsumeIntegral<unsigned>(), input.ConsumeIntegralInRange(-1, 2));
         case 4:
-            return modeMonitor(input.ConsumeIntegral<int64_t>());
+            // The ticks of a second, after which a window closes.
+            for (int64_t left = 1000000000 + 2 * kRates[0].tickNs; left > 0;
+                 left -= kRates[0].tickNs) {
+                host::setTimeNs(gNowNs += kRates[0].tickNs);
+                brevoldRefresh();
+            }
+            return;
         case 5:
             gService.appType = input.ConsumeIntegralInRange(-1, 3);
             gService.nextHandle = input.ConsumeIntegralInRange(-2, 9);
@@ -147,7 +141,7 @@ void playAnything(FuzzedDataProvider& input) {
     initialiseAnyhow(input);
     while (input.remaining_bytes() > 0) {
         const bool isOff = !gScalingEnabled && !gJr10Enabled && gFpsSwitchEnabled == 0;
-        step(input);
+        callAnything(input);
         host::settle();
         const std::string calls = std::exchange(gService.calls, {});
         require(!isOff || calls.empty(), "with every feature off the service is not called");
@@ -156,23 +150,16 @@ void playAnything(FuzzedDataProvider& input) {
 }
 
 void playSteadily(FuzzedDataProvider& input) {
-    Account account;
-    Switches switches = {};
-    for (bool* isOn : {&switches.scaling, &switches.scalingDown, &switches.jankBoost,
-                       &switches.smoothMotion, &switches.refreshRate})
-        *isOn = input.ConsumeIntegralInRange(0, 5) != 0;
     gService.found[0] = gService.found[1] = 2;
     gService.isAllowed = true;
-    initialise([&switches](const std::string& key) {
-        const std::map<std::string, bool> isOn = {{kScalingProperty, switches.scaling},
-                                                  {kScalingDownProperty, switches.scalingDown},
-                                                  {kJankBoostProperty, switches.jankBoost},
-                                                  {kSmoothMotionProperty, switches.smoothMotion},
-                                                  {kFpsSwitchProperty, switches.refreshRate},
-                                                  {kDebugProperty, false}};
-        return isOn.count(key) == 0 ? kDebugLayer.name : isOn.at(key) ? "1" : "0";
+    initialise([&input](const std::string& key) {
+        if (key == kDebugLayersProperty) return kDebugLayer.name;
+        return key != kDebugProperty && input.ConsumeIntegralInRange(0, 5) != 0 ? "1" : "0";
     });
-    account.restart(switches);
+    Account account;
+    const auto isOn = [](const char* setting) { return gService.settings[setting] == "1"; };
+    account.restart({isOn(kScalingProperty), isOn(kScalingDownProperty), isOn(kJankBoostProperty),
+                     isOn(kSmoothMotionProperty), isOn(kFpsSwitchProperty)});
 
     Frame frame;
     const auto requireDue = [&account](const char* entryPoint) {

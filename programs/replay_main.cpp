@@ -1,3 +1,4 @@
+#include <csignal>
 #include <filesystem>
 
 #include "base/process_pool.h"
@@ -43,11 +44,14 @@ ExitStatus run(const CLI::App& app, const ReplayOptions& options, std::ostream& 
     ExitStatus status = ExitStatus::Success;
     for (size_t i = 0; i < jobs.size(); ++i) {
         const JobResult& job = jobs[i];
+        // A reader of standard output, such as head, has ended: this process ends as silently.
+        if (job.signal == SIGPIPE) raise(SIGPIPE);
         if (!job.error.empty()) {
             status = ExitStatus::Failure;
-            const std::string trace = options.traces[i];
-            printError(app,
-                       job.signal == 0 ? job.error : trace + ": the program ended: " + job.error);
+            const std::string& trace = options.traces[i];
+            printError(app, job.signal == 0
+                                    ? job.error
+                                    : trace + ": the replay was ended by a signal: " + job.error);
         } else if (combinesResults(options)) {
             results.push_back(report::toResult(job.bytes));
         } else if (printsSummary(options)) {

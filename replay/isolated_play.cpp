@@ -3,11 +3,12 @@
 #include <cereal/archives/binary.hpp>
 #include <cereal/types/string.hpp>
 #include <cereal/types/vector.hpp>
-#include <sstream>
 #include <stdexcept>
 #include <utility>
 
-#include "base/process_pool.h"
+#include "base/child_process.h"
+#include "base/descriptor_input.h"
+#include "base/descriptor_stream.h"
 #include "host/device_profile.h"
 #include "replay/player.h"
 
@@ -60,24 +61,58 @@ void serialize(Archive& archive, Recording& recording) {
             recording.threads, recording.marks);
 }
 
-Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::string>& settings,
-                       const PlayOptions& options) {
-    const Job job = [&] {
+namespace {
+
+/** The child's message to its parent. */
+struct Outcome {
+    std::string error;  // empty if the recording is valid
+    Recording recording;
+
+    template <typename Archive>
+    void serialize(Archive& archive) {
+        archive(error, recording);
+    }
+};
+
+Outcome playWithSettings(const trace::Timeline& timeline, const std::vector<std::string>& settings,
+                         const PlayOptions& options) {
+    try {
         for (const std::string& setting : settings)
             host::setProfileEntry(setting);
-        std::ostringstream bytes;
-        cereal::BinaryOutputArchive{bytes}(play(timeline, options));
-        return bytes.str();
-    };
-    const JobResult result = std::move(runInProcesses({job}, 1, "").front());
-    if (result.signal != 0) {
-        throw std::runtime_error("the library ended the replay: " + result.error);
+        return {"", play(timeline, options)};
+    } catch (const std::exception& error) {
+        return {error.what(), {}};
     }
-    if (!result.error.empty()) throw std::runtime_error(result.error);
-    Recording recording;
-    std::istringstream bytes(result.bytes);
-    cereal::BinaryInputArchive{bytes}(recording);
-    return recording;
+}
+
+/** Returns false if the child did not send all of its outcome. */
+bool readOutcome(Descriptor pipe, Outcome& outcome) {
+    DescriptorInput stream(std::move(pipe));
+    try {
+        cereal::BinaryInputArchive{stream}(outcome);
+    } catch (const cereal::Exception&) {
+        return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+Recording playIsolated(const trace::Timeline& timeline, const std::vector<std::string>& settings,
+                       const PlayOptions& options) {
+    ChildProcess child([&](Descriptor output) {
+        DescriptorStream stream(std::move(output));
+        cereal::BinaryOutputArchive{stream}(playWithSettings(timeline, settings, options));
+        return stream.close();
+    });
+    Outcome outcome;
+    const bool isComplete = readOutcome(std::move(child.pipe()), outcome);
+    const ProcessEnd end = child.wait();
+    if (end.signal != 0) throw std::runtime_error("the library ended the replay: " + end.text());
+    if (!end.isSuccess()) throw std::runtime_error("the replay has no result: " + end.text());
+    if (!isComplete) throw std::runtime_error("the replay cannot be read");
+    if (!outcome.error.empty()) throw std::runtime_error(outcome.error);
+    return std::move(outcome.recording);
 }
 
 }  // namespace brevold::replay

@@ -1,11 +1,7 @@
 #include "replay/library_switches.h"
 
-#include <cstdlib>
-#include <string_view>
-
-#include "base/text.h"
-#include "brevold/perf_client.h"
 #include "brevold/protocol.h"
+#include "brevold/settings.h"
 #include "host/device_profile.h"
 
 namespace brevold::replay {
@@ -13,16 +9,13 @@ namespace brevold::replay {
 namespace {
 
 bool isOn(const char* property) {
-    return atoi(host::profileProperty(property, "0").c_str()) == 1;
+    return android::isOn(host::profileProperty(property, "0").c_str());
 }
 
 std::vector<std::string> debugLayers() {
-    const std::string list = host::profileProperty(android::kDebugLayersProperty, "NONE")
-                                     .substr(0, android::kSettingSize - 1);
+    const std::string list = host::profileProperty(android::kDebugLayersProperty, "NONE");
     std::vector<std::string> layers;
-    if (list.compare(0, 4, "NONE") == 0) return layers;
-    for (std::string_view rest = list; !rest.empty();)
-        layers.emplace_back(takeUntil(' ', &rest));
+    if (android::isLayerList(list)) android::splitLayerList(list, layers);
     return layers;
 }
 

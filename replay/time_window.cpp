@@ -11,11 +11,6 @@
 namespace brevold::replay {
 
 void checkWindow(const WindowOptions& options) {
-    for (const auto& [name, endS] : {std::pair("--from", options.fromS), {"--to", options.toS}}) {
-        if (endS && !(*endS >= 0)) {
-            throw std::runtime_error(fmt::format("{} takes seconds from 0, got {}", name, *endS));
-        }
-    }
     if (options.fromS && options.toS && *options.fromS >= *options.toS) {
         throw std::runtime_error(fmt::format("--from must be less than --to, got {} and {}",
                                              *options.fromS, *options.toS));

@@ -20,13 +20,13 @@ struct TimeWindow {
     int64_t lengthNs() const { return endNs - beginNs; }
 };
 
-/** The part of a trace that the reports cover, in seconds since its first event. */
+/** The part of a trace that the reports cover, in seconds from 0 since its first event. */
 struct WindowOptions {
     std::optional<double> fromS;
     std::optional<double> toS;
 };
 
-/** Throws std::runtime_error if an end is not a number, is negative, or they are out of order. */
+/** Throws std::runtime_error if the ends are out of order. */
 void checkWindow(const WindowOptions& options);
 
 /**

@@ -13,6 +13,7 @@ build_packages=(
     binutils # nm, for the test of the exported symbols
     googletest
     help2man # manual pages
+    jq parallel # examples of docs/fleet.md, tables of docs/effect.md
 )
 sanitizer_packages=(
     libclang-rt-dev
@@ -21,5 +22,5 @@ sanitizer_packages=(
 arm64_packages=(lld qemu-user)
 # The parts of the sysroot that come with clang on the build machine.
 arm64_sysroot_packages=(libc6-dev libgcc-12-dev)
-# Format checks, the second compiler, the test of the plots and the tables of docs/effect.md.
-ci_packages=(clang-format blueprint-tools g++ make git gnuplot-nox jq)
+# Format checks, the second compiler and the test of the plots.
+ci_packages=(clang-format blueprint-tools g++ make git gnuplot-nox)

@@ -15,22 +15,28 @@ TEST_F(DeviceTest, EveryCallOfTheServiceIsTheOneDue) {
     Account account;
     Frame frame;
     int64_t tickNs = 100 * kSecondNs;
-    for (int number = 0; number < 16000; ++number) {
+    for (int number = 0; number < 20000; ++number) {
         SCOPED_TRACE(number);
-        if (number % 2000 == 0) {
-            const auto isOn = [&](const char* setting, int rounds) {
-                const bool on = (rounds >> number / 2000 & 1) != 0;
+        if (number % 500 == 0) {
+            const auto isOn = [&](const char* setting) {
+                const bool on = pick(4) != 0;
                 gDevice.properties[setting] = on ? "1" : "0";
                 return on;
             };
             gDevice.properties = {{"vendor.perf.brevold.debug", "0"},
                                   {"vendor.perf.brevold.debug.layers", kDebugLayer.name}};
-            account.restart({isOn("vendor.perf.pfar.enable", 0x6b),
-                             isOn("vendor.perf.pfar.down.enable", 0x3d),
-                             isOn("vendor.perf.jr10.enable", 0x97),
-                             isOn("vendor.display.use_smooth_motion", 0x65),
-                             isOn("vendor.perf.fps_switch.enable", 0xcd)});
-            restart();
+            Switches switches = {
+                    isOn("vendor.perf.pfar.enable"), isOn("vendor.perf.pfar.down.enable"),
+                    isOn("vendor.perf.jr10.enable"), isOn("vendor.display.use_smooth_motion"),
+                    isOn("vendor.perf.fps_switch.enable")};
+            gDevice.features = {};
+            for (const int feature : {4, 5}) {
+                if (pick(4) != 0) gDevice.features.insert(feature);
+            }
+            switches.scaling &= gDevice.features.count(5) != 0;
+            switches.jankBoost &= gDevice.features.count(4) != 0;
+            account.restart(switches);
+            ASSERT_EQ(restart(), switches.scaling || switches.jankBoost || switches.refreshRate);
         }
         advance(frame, tickNs, pick);
         gDevice.appType = frame.layer->appType;

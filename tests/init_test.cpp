@@ -45,31 +45,18 @@ TEST_F(InitTest, WithoutTheFeatureLibraryOnlyTheRefreshRateSwitchIsRead) {
     EXPECT_EQ(takeLogTexts(), "");
 }
 
-TEST_F(InitTest, SwitchesDecideFeaturesAndWorkers) {
+TEST_F(InitTest, ASwitchIsOnIfItsNumberIsOneAndScalingStartsTheWorkers) {
     provide(kFeatures);
-    gDevice.isOn = false;
-    // Allowed features, pfar, jr10 and fps_switch; then the result and the number of new workers.
-    const std::tuple<std::set<int>, const char*, const char*, const char*, bool, size_t> rows[] = {
-            {{}, "0", "1", "0", false, 0},   {{4}, "0", "1", "0", true, 0},
-            {{}, "1", "1", "0", false, 0},   {{5}, "1", "1", "0", true, 2},
-            {{5}, "2", "1", "0", false, 0},  {{5}, " 1x", "1", "0", true, 2},  // as atoi reads it
-            {{5}, "on", "1", "0", false, 0}, {{4}, "1", "0", "0", false, 0},
-            {{5}, "0", "1", "0", false, 0},  {{}, "1", "1", "1", true, 0},
-            {{4}, "0", "0", "0", false, 0},
-    };
-    size_t workers = 0;
-    for (const auto& [features, pfar, jr10, fpsSwitch, anyFeature, newWorkers] : rows) {
-        SCOPED_TRACE(std::string("pfar ") + pfar + ", jr10 " + jr10);
-        gDevice.features = features;
-        gDevice.properties = {{"vendor.perf.pfar.enable", pfar},
-                              {"vendor.perf.jr10.enable", jr10},
-                              {"vendor.perf.fps_switch.enable", fpsSwitch}};
-        EXPECT_EQ(restart(), anyFeature);
-        EXPECT_EQ(brevoldInit(), anyFeature);
-        workers += newWorkers;
-        ASSERT_EQ(host::startedThreads().size(), workers);
-    }
     size_t number = 0;
+    for (const auto& [value, isOn] : std::map<std::string, bool>{
+                 {"0", false}, {"1", true}, {"2", false}, {" 1x", true}, {"on", false}}) {
+        gDevice.properties = {{"vendor.perf.pfar.enable", value},
+                              {"vendor.perf.jr10.enable", "0"},
+                              {"vendor.perf.fps_switch.enable", "0"}};
+        EXPECT_EQ(restart(), isOn) << value;
+        number += isOn ? 2 : 0;
+        ASSERT_EQ(host::startedThreads().size(), number);
+    }
     for (const host::StartedThread& thread : host::startedThreads()) {
         EXPECT_EQ(thread.name, number++ % 2 == 0 ? "Monitor0" : "Monitor1");
         EXPECT_EQ(thread.priority, -9);

@@ -32,22 +32,48 @@ TEST(IsolatedPlayTest, ReportsHowTheReplayFailed) {
     }
 }
 
-TEST(IsolatedPlayTest, RecordsMarksUnlessTheyAreOff) {
+using Kind = trace::TimelineEvent::Kind;
+
+/** A steady 60 Hz for 1.5 s, during which layer 0 has a frame, and then a frame of layer 1. */
+trace::Timeline timelineOfTwoLayers() {
+    constexpr int64_t kPeriodNs = 16'666'666;
+    constexpr int64_t kCompositions = 90;
     trace::Timeline timeline;
-    timeline.layers = {{"com.example/a#1", 1}};
-    for (int64_t i = 1; i <= 70; ++i) {
-        timeline.events.push_back(
-                {i * 16666667, trace::TimelineEvent::Kind::CompositionBegin, 0, 0, 0, 0});
-    }
+    timeline.layers = {{"com.a/a#1", 1}, {"com.b/b#1", 1}};
+    timeline.startNs = kPeriodNs;
+    timeline.events = {{kPeriodNs, Kind::Period, 0, 0, 0, kPeriodNs},
+                       {kPeriodNs, Kind::Frame, 0, 1, 0, 0}};
+    for (int64_t i = 1; i <= kCompositions; ++i)
+        timeline.events.push_back({i * kPeriodNs, Kind::CompositionBegin, 0, 0, 0, 0});
+    const int64_t endNs = kCompositions * kPeriodNs + 1;
+    timeline.events.push_back({endNs, Kind::Focus, 1, 0, 0, 0});
+    timeline.events.push_back({endNs, Kind::Frame, 1, 1, 0, 0});
+    return timeline;
+}
+
+const std::vector<std::string> kScaling = {"feature.5=1", "vendor.perf.pfar.enable=1",
+                                           "vendor.perf.brevold.debug=1"};
+
+TEST(IsolatedPlayTest, RecordsMarksUnlessTheyAreOff) {
     for (const bool hasMarks : {true, false}) {
         PlayOptions options;
         options.hasMarks = hasMarks;
-        const Recording recording = playIsolated(
-                timeline,
-                {"feature.5=1", "vendor.perf.pfar.enable=1", "vendor.perf.brevold.debug=1"},
-                options);
+        const Recording recording = playIsolated(timelineOfTwoLayers(), kScaling, options);
         EXPECT_EQ(recording.marks.size(), hasMarks ? 2u : 0u);
         EXPECT_EQ(recording.log.size(), 1u);
+    }
+}
+
+TEST(IsolatedPlayTest, ANewLayerResetsTheModeUnlessTheLibraryIgnoresIt) {
+    const std::pair<const char*, std::vector<int32_t>> cases[] = {
+            {"NONE", {5, 2, 5}}, {"x com.b/b#1", {5, 2}}, {"NONEcom.b/b#1", {5, 2, 5}}};
+    for (const auto& [ignored, expected] : cases) {
+        std::vector<std::string> settings = kScaling;
+        settings.push_back(std::string("vendor.perf.brevold.debug.layers=") + ignored);
+        std::vector<int32_t> modes;
+        for (const ModeChange& change : playIsolated(timelineOfTwoLayers(), settings).modes)
+            modes.push_back(change.mode);
+        EXPECT_EQ(modes, expected) << ignored;
     }
 }
 

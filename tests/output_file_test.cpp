@@ -155,9 +155,12 @@ TEST_F(OutputFileTest, RefusesTheFileOfAnInputOrOfAnotherOutput) {
             {{{"--hints", "link"}}, "--hints link: is also an input"},
             {{{"--hints", "hard"}}, "--hints hard: is also an input"},
             {{{"--hints", "a"}, {"--plot", "folder/../a"}},
-             "--plot folder/../a: is also the file of --hints"},
-            {{{"--hints", "-"}, {"--plot", "-"}}, "--plot -: is also the file of --hints"},
+             "--plot folder/../a: is also the output of --hints"},
+            {{{"--hints", "-"}, {"--plot", "-"}}, "--plot -: is also the output of --hints"},
+            {{{"--hints", "/dev/stdout"}, {"--plot", "-"}},
+             "--plot -: is also the output of --hints"},
             {{{"--hints", "a"}, {"--plot", "folder/a"}}, ""},
+            {{{"--hints", "none/a"}, {"--plot", "none/a"}}, ""},
     };
     for (const auto& [outputs, error] : cases) {
         std::string got;

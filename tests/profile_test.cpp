@@ -38,6 +38,9 @@ TEST(ProfileTest, TakesEntriesAndTheOutputOfGetprop) {
     EXPECT_EQ(applicationType("a.b") * 10 + applicationType("a"), 27);
     setProfileEntry("vendor.perf.pfar.enable=0");
     EXPECT_EQ(profileProperty("vendor.perf.pfar.enable", "1"), "0");
+    checkProfileEntry("vendor.perf.pfar.enable=1");
+    EXPECT_EQ(profileProperty("vendor.perf.pfar.enable", "1"), "0");
+    EXPECT_THROW(checkProfileEntry("feature.4=x"), ProfileError);
 }
 
 TEST(ProfileTest, NamesTheLineAndTheProblem) {

@@ -17,16 +17,11 @@ namespace {
 const std::string kExamples = BREVOLD_EXAMPLES;
 constexpr int64_t kMs = 1'000'000;
 
-TEST(TimeWindowTest, RefusesEndsThatAreNoTimesOrOutOfOrder) {
-    const double kNan = std::nan("");
+TEST(TimeWindowTest, RefusesEndsOutOfOrder) {
     const std::pair<WindowOptions, const char*> cases[] = {
             {{{}, {}}, ""},
             {{0, 0.5}, ""},
             {{{}, std::numeric_limits<double>::infinity()}, ""},
-            {{-0.5, {}}, "--from takes seconds from 0, got -0.5"},
-            {{kNan, 3}, "--from takes seconds from 0, got nan"},
-            {{1, kNan}, "--to takes seconds from 0, got nan"},
-            {{{}, -1}, "--to takes seconds from 0, got -1"},
             {{2, 2}, "--from must be less than --to, got 2 and 2"},
     };
     for (const auto& [options, expected] : cases) {
