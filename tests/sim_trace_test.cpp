@@ -161,8 +161,14 @@ TEST(SimTrace, GivesItsWorkBack) {
         }
         EXPECT_LE(different, work.unmeasuredFrames);
         if (c.factor != 1) continue;
-        const Metrics metrics = measure(scenario(recordedWorkload("trace", work)), {});
-        EXPECT_GE(at(metrics, Metric::RecordedLatchShare), 0.97);
+        for (const int64_t shift : {-1, 0, 1}) {
+            RecordedWork shifted = work;
+            for (RecordedFrame& frame : shifted.frames)
+                frame.vsyncNs += shift * work.periodNs;
+            const Metrics metrics = measure(scenario(recordedWorkload("trace", shifted)), {});
+            const double fit = at(metrics, Metric::RecordedLatchShare);
+            EXPECT_TRUE(shift == 0 ? fit > 0.97 : fit < 0.03) << shift << ": " << fit;
+        }
     }
 }
 
