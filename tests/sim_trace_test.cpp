@@ -148,7 +148,8 @@ TEST(SimTrace, GivesItsWorkBack) {
         EXPECT_EQ(work.method, c.method);
         EXPECT_EQ(work.assumedSpeed.has_value(), c.factor != 1);
         ASSERT_EQ(work.threads.size(), c.method == kRun ? 1u : 0u);
-        if (c.method == kRun) EXPECT_EQ(work.threads.front().name, "com.example.sim");
+        for (const RecordedWork::Thread& thread : work.threads)
+            EXPECT_EQ(thread.name, "com.example.sim");
         EXPECT_LE(work.unmeasuredFrames, c.maxUnmeasured);
         // The first frame has no queue before it.
         ASSERT_EQ(work.frames.size(), writer.workNs.size() - 1);
