@@ -84,7 +84,7 @@ PlayTimes playOnce(const trace::Timeline& timeline) {
         const replay::TimeWindow all = {timeline.startNs, timeline.endNs};
         times.report = timeOf([&] {
             for (int i = 0; i < 20; ++i)
-                report::writeHintsCsv(recording.hints, all, csv);
+                report::writeHintsCsv(timeline, recording, all, csv);
         });
         return times;
     });

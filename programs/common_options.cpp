@@ -88,6 +88,17 @@ CLI::Option* addEntries(CLI::App& app, const std::string& name, std::vector<std:
             ->group(kDeviceGroup);
 }
 
+CLI::Option* addLayer(CLI::App& app, std::optional<std::string>& layer) {
+    return app
+            .add_option("--layer", layer,
+                        "focused layer: its name, or a part that no other layer's name has; "
+                        "without it, the application's layer with the most frames; for a "
+                        "latency dump, the name of its layer")
+            ->type_name("NAME")
+            ->check(notEmpty())
+            ->group(kTraceGroup);
+}
+
 CLI::Validator notEmpty() {
     return CLI::Validator(
             [](const std::string& text) { return text.empty() ? "expected a name" : ""; }, "");

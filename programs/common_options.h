@@ -1,6 +1,7 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,7 @@ struct CommonOptions {
 };
 
 // The groups of options in the help.
+constexpr char kTraceGroup[] = "Trace";
 constexpr char kDeviceGroup[] = "Device";
 constexpr char kOutputGroup[] = "Output";
 
@@ -31,6 +33,9 @@ void addCommonOptions(CLI::App& app, CommonOptions& options);
 /** Registers an option that takes one KEY=VALUE each time that it is given. */
 CLI::Option* addEntries(CLI::App& app, const std::string& name, std::vector<std::string>& entries,
                         const std::string& description);
+
+/** Registers --layer, which names a layer of a trace. */
+CLI::Option* addLayer(CLI::App& app, std::optional<std::string>& layer);
 
 /** Accepts a text that is not empty. */
 CLI::Validator notEmpty();

@@ -15,21 +15,13 @@ namespace brevold {
 
 namespace {
 
-constexpr char kTraceGroup[] = "Trace";
 constexpr char kVerifyGroup[] = "Verification";
 constexpr double kMinRefreshRateHz = 1.0;
 constexpr double kMaxRefreshRateHz = 1000.0;
 constexpr double kMaxTimeS = 1e9;
 
 void addTraceOptions(CLI::App& app, ReplayOptions& options) {
-    const auto layer =
-            app.add_option("--layer", options.timeline.layer,
-                           "focused layer: its name, or a part that no other layer's name has; "
-                           "without it, the application's layer with the most frames; for a "
-                           "latency dump, the name of its layer")
-                    ->type_name("NAME")
-                    ->check(notEmpty())
-                    ->group(kTraceGroup);
+    const auto layer = addLayer(app, options.timeline.layer);
     app.add_flag("--follow-focus", options.timeline.followsFocus,
                  "move the focus each second to the application's layer with the most frames in "
                  "that second")

@@ -1,25 +1,28 @@
 #include <fmt/format.h>
 
-#include <iostream>
 #include <sstream>
-#include <thread>
 
 #include "base/output_file.h"
 #include "plot/gnuplot.h"
 #include "plot/plot.h"
+#include "programs/program.h"
 #include "programs/sim_options.h"
-#include "sim/processes.h"
 #include "sim/result_json.h"
+#include "sim/result_parts.h"
 #include "sim/result_text.h"
 #include "sim/run_plot.h"
+#include "sim/simulation_jobs.h"
 #include "sim/sweep.h"
 #include "sim/sweep_plot.h"
+#include "sim/sweep_text.h"
 #include "sim/trace_writer.h"
 
 namespace {
 
 using namespace brevold;
 using namespace brevold::sim;
+
+constexpr double kNsPerSecond = 1e9;
 
 /** Simulates the first seed once more, in a process of its own, and writes its trace. */
 void writeTrace(const std::string& path, const Setup& setup, int64_t measuredNs) {
@@ -32,7 +35,7 @@ void writeTrace(const std::string& path, const Setup& setup, int64_t measuredNs)
         return text.str();
     };
     OutputFile file(path);
-    file.stream() << runInProcesses({job}, 1).front();
+    file.stream() << runSimulations({job}, 1).front();
     file.commit();
 }
 
@@ -57,7 +60,7 @@ std::string runPlotScript(const std::string& terminal, const Setup& setup,
     const std::string heading =
             fmt::format("{} on {}: {}, {}", setup.workload.name, setup.device.name,
                         shortDescription(setup), shortDescription(setup.readings.front()));
-    return runPlotPage(terminal, heading, runInProcesses(jobs, options.jobs));
+    return runPlotPage(terminal, heading, runSimulations(jobs, options.jobs));
 }
 
 void writePlot(const std::string& path, const std::string& script) {
@@ -66,35 +69,60 @@ void writePlot(const std::string& path, const std::string& script) {
     file.commit();
 }
 
-void run(SimOptions& options) {
-    const std::string terminal = options.plot.empty() ? "" : plot::plotTerminal(options.plot);
-    applyProfile(options);
-    options.experiment.measuredNs = static_cast<int64_t>(options.seconds * 1e9);
-    Setup setup;
+void readFiles(const SimOptions& options, Setup& setup) {
     setup.device = readDevice(options.device, options.deviceSettings);
-    setup.workload = readWorkload(options.workload);
-    setup.readings = {{setup.device.service, parseWord(options.boostDepth, kBoostDepthWords)}};
+    setup.readings = {{setup.device.service, options.common.boostDepth}};
+    if (options.trace.empty()) {
+        setup.workload = readWorkload(options.workload);
+        checkSetup(setup);
+    }
+}
+
+void readTrace(const SimOptions& options, Setup& setup) {
+    trace::TraceInput input(options.trace, trace::Reading::Repeated);
+    setup.workload =
+            recordedWorkload(input.name(), readRecordedWork(input, options.layer, setup.device));
     checkSetup(setup);
-    std::vector<Setup> setups = {setup};
-    if (!options.sweep.empty()) setups = sweepSetups(setup, parseWord(options.sweep, kSweepWords));
-    const std::vector<SetupResult> results = runExperiment(setups, options.experiment);
-    if (options.json) {
-        printJson(results, options.experiment, std::cout);
-    } else if (options.sweep.empty()) {
-        printResult(results.front(), options.experiment, std::cout);
-    } else {
-        printSweep(results, options.experiment, std::cout);
+}
+
+ExperimentOptions experimentOf(const SimOptions& options, const Workload& workload) {
+    ExperimentOptions experiment;
+    experiment.jobs = options.common.jobs;
+    experiment.vsSettings = options.common.vsSettings;
+    experiment.seeds = options.seeds;
+    if (workload.recording) {
+        experiment.seeds = 1;
+        experiment.measuredNs = workload.recording->lengthNs;
     }
-    if (!options.plot.empty()) {
-        writePlot(options.plot, options.sweep.empty()
-                                        ? runPlotScript(terminal, setup, options.experiment)
-                                        : sweepPlotPage(terminal, results));
+    if (options.seconds) {
+        experiment.measuredNs = static_cast<int64_t>(*options.seconds * kNsPerSecond);
     }
-    if (!options.traceOut.empty()) {
-        writeTrace(options.traceOut, setup, options.experiment.measuredNs);
+    return experiment;
+}
+
+void run(const SimOptions& options, Setup& setup, std::ostream& out) {
+    if (!options.trace.empty()) readTrace(options, setup);
+    const ExperimentOptions experiment = experimentOf(options, setup.workload);
+    const bool isSweep = !options.sweep.empty();
+    const std::vector<SetupResult> results =
+            runExperiment(isSweep ? sweepSetups(setup, parseWord(options.sweep, kSweepWords))
+                                  : std::vector{setup},
+                          experiment);
+    if (options.common.json) {
+        printJson(results, experiment, out);
+    } else if (printsTables(options)) {
+        isSweep ? printSweep(results, experiment, out)
+                : printResult(results.front(), experiment, out);
     }
-    std::cout.flush();
-    if (!std::cout) throw OutputError("the result cannot be written to standard output");
+    const std::string& plot = options.common.plot;
+    if (!plot.empty()) {
+        const std::string terminal = plot::plotTerminal(plot);
+        writePlot(plot, isSweep ? sweepPlotPage(terminal, results)
+                                : runPlotScript(terminal, setup, experiment));
+    }
+    if (!options.common.traceOut.empty()) {
+        writeTrace(options.common.traceOut, setup, experiment.measuredNs);
+    }
 }
 
 }  // namespace
@@ -105,18 +133,17 @@ int main(int argc, char** argv) {
             "loop with libbrevold, and prints what the library saves and costs.",
             "brevold-sim");
     SimOptions options;
-    options.experiment.jobs = std::max(1u, std::thread::hardware_concurrency());
+    Setup setup;
     addOptions(app, options);
-    try {
-        app.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        return app.exit(error) == 0 ? 0 : 2;
-    }
-    try {
-        run(options);
-        return 0;
-    } catch (const std::exception& error) {
-        std::cerr << "brevold-sim: " << error.what() << '\n';
-        return 1;
-    }
+    return runProgram(
+            app, argc, argv,
+            [&] {
+                checkOptions(options);
+                applyProfile(options.common);
+                readFiles(options, setup);
+            },
+            [&](std::ostream& out) {
+                run(options, setup, out);
+                return ExitStatus::Success;
+            });
 }

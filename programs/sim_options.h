@@ -1,32 +1,37 @@
 #pragma once
 
 #include <CLI/CLI.hpp>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "sim/experiment.h"
+#include "programs/common_options.h"
 
 namespace brevold {
 
-/** The command line of brevold-sim. An empty file name means no such file. */
+/** The command line of brevold-sim. */
 struct SimOptions {
+    CommonOptions common;
     std::string device;
     std::vector<std::string> deviceSettings;
-    std::string profile;
-    std::vector<std::string> settings;
+    /** One of these is set. */
     std::string workload;
-    std::string boostDepth = "left";
+    std::string trace;
+    std::optional<std::string> layer;
+    int32_t seeds = 5;
+    /** Simulated time of a run; without it 60, or the length of the trace. */
+    std::optional<double> seconds;
+    /** A word of sim::kSweepWords, or empty. */
     std::string sweep;
-    double seconds = 60.0;
-    bool json = false;
-    std::string plot;
-    std::string traceOut;
-    sim::ExperimentOptions experiment;
 };
 
+/** Registers the options; parsing then fills `options`. */
 void addOptions(CLI::App& app, SimOptions& options);
 
-/** Fills the device profile from --profile and --set. Throws ProfileError. */
-void applyProfile(const SimOptions& options);
+/** Throws a std::exception if the options do not fit together. */
+void checkOptions(const SimOptions& options);
+
+/** Returns true if standard output is for the tables: no other output goes there. */
+bool printsTables(const SimOptions& options);
 
 }  // namespace brevold

@@ -6,7 +6,6 @@
 
 #include "base/error.h"
 #include "base/output_file.h"
-#include "plot/plot.h"
 #include "replay/divergence.h"
 #include "replay/isolated_play.h"
 #include "report/comparison_text.h"

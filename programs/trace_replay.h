@@ -32,7 +32,7 @@ void writeMarkedTrace(const std::string& path, trace::TraceInput& input,
                       const replay::Recording& recording,
                       const std::vector<report::AddedTrack>& tracks);
 
-/** Throws std::runtime_error, also OutputError. */
+/** Draws a picture in a file, replacing it. Throws OutputError or std::runtime_error. */
 void writePlot(const std::string& path, const plot::Plot& plot);
 
 /** Returns the list of a trace's layers. Throws InputError. */

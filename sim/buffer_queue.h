@@ -11,7 +11,8 @@ struct Frame {
     int64_t beginNs = 0;
     int64_t workNs = 0;
     int64_t gpuNs = 0;
-    int64_t dueNs = 0;  // not latched before this vsync
+    int64_t dueNs = 0;            // not latched before this vsync
+    int64_t recordedVsyncNs = 0;  // of its latch in a recording; 0 if unknown
     int64_t queuedNs = 0;
     int64_t readyNs = 0;  // the GPU has finished
 };

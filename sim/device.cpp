@@ -26,6 +26,8 @@ namespace {
 constexpr double kMaxMhz = 100'000.0;
 constexpr double kMaxMw = 1e6;
 constexpr double kMaxMs = 1000.0;
+constexpr double kMinSpeed = 0.01;
+constexpr int32_t kMaxCpu = 1023;
 // A frequency computed from a share of the maximum may miss its own point by a rounding error.
 constexpr double kRounding = 1.0 - 1e-9;
 
@@ -47,7 +49,7 @@ class DeviceParser {
         }
         throw InputError(
                 fmt::format("unknown key \"{}\"; the keys are cluster.NAME.opp, "
-                            ".coefficient, .memory-share, .static-mw, {}",
+                            ".coefficient, .cpus, .memory-share, .static-mw, {}",
                             key, keys()));
     }
 
@@ -56,6 +58,10 @@ class DeviceParser {
             mDevice.clusters.push_back(finishCluster(cluster));
         mDevice.appCluster = findCluster("app.cluster", mAppCluster);
         mDevice.compositorCluster = findCluster("compositor.cluster", mCompositorCluster);
+        if (mDevice.appCluster == mDevice.compositorCluster &&
+            mDevice.clusters[mDevice.appCluster].cpus.size() == 1) {
+            fail("application and compositor need two processors in their cluster");
+        }
         return std::move(mDevice);
     }
 
@@ -114,6 +120,8 @@ class DeviceParser {
                  [](Parser& p, View v) { p.service().latencyNs = millisecondsIn(v, 0, kMaxMs); }},
                 {"display.buffers",
                  [](Parser& p, View v) { p.mDevice.buffers = integerIn(v, 2, 64); }},
+                {"trace.speed",
+                 [](Parser& p, View v) { p.mDevice.recordedSpeed = numberIn(v, kMinSpeed, 1); }},
                 {"display.latch-ms",
                  [](Parser& p, View v) { p.mDevice.latchNs = millisecondsIn(v, 0, kMaxMs); }},
         };
@@ -146,6 +154,8 @@ class DeviceParser {
             cluster.coefficient = numberIn(value, 0, kMaxMw);
         } else if (property == "memory-share") {
             cluster.spec.memoryShare = numberIn(value, 0, 1);
+        } else if (property == "cpus") {
+            cluster.spec.cpus = parseCpus(value);
         } else if (property == "static-mw") {
             cluster.spec.staticMw = numberIn(value, 0, kMaxMw);
         } else {
@@ -172,6 +182,20 @@ class DeviceParser {
             }
         }
         cluster.entries.push_back(entry);
+    }
+
+    /** "0-3" or "4,6-7" */
+    static std::vector<int32_t> parseCpus(std::string_view value) {
+        std::vector<int32_t> cpus;
+        while (!value.empty()) {
+            std::string_view last = takeUntil(',', &value);
+            const std::string_view first = takeUntil('-', &last);
+            const int32_t begin = integerIn(first, 0, kMaxCpu);
+            const int32_t end = last.empty() ? begin : integerIn(last, begin, kMaxCpu);
+            for (int32_t cpu = begin; cpu <= end; ++cpu)
+                cpus.push_back(cpu);
+        }
+        return cpus;
     }
 
     ClusterSpec finishCluster(Cluster& cluster) const {
@@ -214,8 +238,8 @@ class DeviceParser {
 
 }  // namespace
 
-double ClusterSpec::speedAt(size_t point) const {
-    return 1.0 / ((1.0 - memoryShare) / (points[point].mhz / maxMhz()) + memoryShare);
+double ClusterSpec::speedAtMhz(double mhz) const {
+    return 1.0 / ((1.0 - memoryShare) / (mhz / maxMhz()) + memoryShare);
 }
 
 size_t ClusterSpec::pointForMhz(double mhz) const {
@@ -230,6 +254,14 @@ size_t ClusterSpec::pointForSpeed(double speed) const {
     if (speed <= 0.0) return 0;
     const double scaledShare = 1.0 / speed - memoryShare;
     return pointForMhz(scaledShare > 0.0 ? maxMhz() * (1.0 - memoryShare) / scaledShare : maxMhz());
+}
+
+std::optional<size_t> Device::clusterOf(int32_t cpu) const {
+    for (size_t i = 0; i < clusters.size(); ++i) {
+        const std::vector<int32_t>& cpus = clusters[i].cpus;
+        if (std::find(cpus.begin(), cpus.end(), cpu) != cpus.end()) return i;
+    }
+    return {};
 }
 
 Device parseDevice(std::string_view text, const std::string& name,

@@ -17,6 +17,7 @@
  *   cluster.big.coefficient=550          microwatts per MHz and square volt
  *   cluster.big.memory-share=0.2         share of the work that does not scale with frequency
  *   cluster.big.static-mw=12             power of the cluster at any time
+ *   cluster.big.cpus=4-6,7               its processors in a trace
  *   app.cluster=big                      where the application runs
  *   compositor.cluster=little            where the compositor runs
  *   compositor.work-ms=1.2               work of a composition at the maximum frequency
@@ -36,6 +37,8 @@
  *   service.latency-ms=0.3               from a hint to its effect
  *   display.buffers=3                    instead of the workload's number of buffers
  *   display.latch-ms=0.5                 from a vsync to the latch
+ *   trace.speed=1                        of a recording without frequencies, as a share of the
+ *                                        maximum
  */
 namespace brevold::sim {
 
@@ -49,11 +52,13 @@ struct ClusterSpec {
     std::vector<OperatingPoint> points;  // by rising frequency
     double memoryShare = 0.0;
     double staticMw = 0.0;
+    std::vector<int32_t> cpus;  // numbers of its processors; may be empty
 
     double maxMhz() const { return points.back().mhz; }
 
-    /** Speed at a point as a share of the speed at the maximum frequency. */
-    double speedAt(size_t point) const;
+    /** Speed as a share of the speed at the maximum frequency. */
+    double speedAtMhz(double mhz) const;
+    double speedAt(size_t point) const { return speedAtMhz(points[point].mhz); }
 
     /** The lowest point with at least this frequency; the highest point if there is none. */
     size_t pointForMhz(double mhz) const;
@@ -110,6 +115,10 @@ struct Device {
     ServiceSpec service;
     std::optional<int32_t> buffers;
     int64_t latchNs = 500'000;
+    double recordedSpeed = 1.0;
+
+    /** The cluster of a processor; none if no cluster has its number. */
+    std::optional<size_t> clusterOf(int32_t cpu) const;
 };
 
 extern const Words<GovernorKind> kGovernorWords;

@@ -7,7 +7,7 @@
 #include <cstring>
 
 #include "host/device_profile.h"
-#include "sim/processes.h"
+#include "sim/simulation_jobs.h"
 
 namespace brevold::sim {
 
@@ -96,7 +96,7 @@ class Runs {
         }
     }
 
-    void run() { mResults = runInProcesses(mJobs, mOptions.jobs); }
+    void run() { mResults = runSimulations(mJobs, mOptions.jobs); }
 
     std::vector<Metrics> take() {
         std::vector<Metrics> runs(static_cast<size_t>(mOptions.seeds));

@@ -26,7 +26,7 @@ double ratio(int64_t dividend, int64_t divisor) {
 }  // namespace
 
 MetricsObserver::MetricsObserver(int64_t periodNs)
-      : mMissedVsyncs(periodNs), mIntervalCounts(android::kIdleGapNs / kIntervalStepNs) {}
+      : mPeriodNs(periodNs), mIntervalCounts(android::kIdleGapNs / kIntervalStepNs) {}
 
 Metrics MetricsObserver::metrics() const {
     const int64_t measuredNs = mEndNs - mStartNs;
@@ -42,6 +42,7 @@ Metrics MetricsObserver::metrics() const {
     at(metrics, Metric::DownShare) = ratio(mDownNs, measuredNs);
     at(metrics, Metric::DownScale) = ratio(mScaledNs, mDownNs);
     at(metrics, Metric::BoostShare) = ratio(mBoostNs, measuredNs);
+    at(metrics, Metric::RecordedLatchShare) = ratio(mEqualLatches, mRecordedLatches);
     at(metrics, Metric::HintsPerSecond) = static_cast<double>(mHints) / seconds;
 
     const double mean = ratio(mSum, mFrames);
@@ -87,8 +88,13 @@ void MetricsObserver::onQueue(int64_t nowNs, const Frame& frame, int32_t /*depth
 }
 
 void MetricsObserver::onLatch(int64_t nowNs, const Frame& frame, int32_t /*depth*/) {
-    const int64_t missed = mMissedVsyncs.latch(nowNs);
+    const int64_t missed = mMissedRefreshes.latch(nowNs, mPeriodNs);
     if (!mIsMeasuring) return;
+    if (frame.recordedVsyncNs != 0) {
+        ++mRecordedLatches;
+        const int64_t sinceVsyncNs = nowNs - frame.recordedVsyncNs;
+        if (sinceVsyncNs >= 0 && sinceVsyncNs < mPeriodNs) ++mEqualLatches;
+    }
     mMissed += missed;
     ++mFramesLatched;
     mQueueLatencyNs += nowNs - frame.queuedNs;

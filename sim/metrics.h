@@ -7,7 +7,7 @@
 #include <optional>
 #include <vector>
 
-#include "sim/missed_vsyncs.h"
+#include "replay/missed_refreshes.h"
 #include "sim/observer.h"
 
 namespace brevold::sim {
@@ -33,14 +33,15 @@ enum class Metric : uint8_t {
     DownScale,             // mean while a DOWN hint is in effect
     BoostShare,
     HintsPerSecond,
-    Mode0Share,  // of the time; modes 0 to 5 follow each other
+    RecordedLatchShare,  // of the frames, latched at the vsync at which they were recorded
+    Mode0Share,          // of the time; modes 0 to 5 follow each other
     Mode1Share,
     Mode2Share,
     Mode3Share,
     Mode4Share,
     Mode5Share,
 };
-constexpr size_t kMetricCount = 25;
+constexpr size_t kMetricCount = 26;
 
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 
@@ -81,10 +82,13 @@ class MetricsObserver : public Observer {
     int64_t mStartNs = 0;
     int64_t mEndNs = 0;
 
-    MissedVsyncs mMissedVsyncs;
+    const int64_t mPeriodNs;
+    replay::MissedRefreshes mMissedRefreshes;
     int64_t mMissed = 0;
     int64_t mFramesShown = 0;
     int64_t mFramesLatched = 0;
+    int64_t mRecordedLatches = 0;  // of frames with a recorded vsync
+    int64_t mEqualLatches = 0;     // at that vsync
     int64_t mQueueLatencyNs = 0;
     int64_t mShowLatencyNs = 0;
 

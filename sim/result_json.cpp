@@ -3,6 +3,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "report/labels.h"
 #include "sim/metric_labels.h"
 
 namespace brevold::sim {
@@ -40,11 +41,26 @@ Json objectOf(const SetupResult& result, const VariantResult& variant) {
     return object;
 }
 
+Json objectOf(const RecordedWork& recording) {
+    Json threads = Json::array();
+    for (const RecordedWork::Thread& thread : recording.threads)
+        threads.push_back({{"tid", thread.tid}, {"name", thread.name}});
+    return {{"layer", recording.layer},
+            {"frames", recording.frames.size()},
+            {"length_s", static_cast<double>(recording.lengthNs) / 1e9},
+            {"work", wordOf(recording.method, kWorkMethodWords)},
+            {"threads", std::move(threads)},
+            {"assumed_speed", recording.assumedSpeed ? Json(*recording.assumedSpeed) : Json()},
+            {"unmeasured_frames", recording.unmeasuredFrames}};
+}
+
 Json objectOf(const SetupResult& result) {
     const Device& device = result.setup.device;
     Json object;
     object["device"] = device.name;
     object["workload"] = result.setup.workload.name;
+    if (result.setup.workload.recording)
+        object["recording"] = objectOf(*result.setup.workload.recording);
     object["refresh_hz"] = result.setup.workload.refreshHz;
     object["buffers"] = result.setup.buffers();
     object["governor"] = wordOf(device.governor.kind, kGovernorWords);
@@ -61,7 +77,7 @@ Json objectOf(const SetupResult& result) {
         Json added = {{"down", wordOf(service.down, kDownWords)},
                       {"up", wordOf(service.up, kUpWords)},
                       {"boost", wordOf(service.boost, kBoostWords)},
-                      {"boost_depth", wordOf(reading.reading.boostDepth, kBoostDepthWords)},
+                      {"boost_depth", report::boostDepthWord(reading.reading.boostDepth)},
                       {"given", objectOf(result, reading.given)}};
         if (reading.vs) added["vs"] = objectOf(result, *reading.vs);
         object["readings"].push_back(std::move(added));

@@ -4,13 +4,7 @@
 #include <stdexcept>
 #include <utility>
 
-#include "report/labels.h"
-
 namespace brevold::sim {
-
-const Words<BoostDepth> kBoostDepthWords = {
-        {report::boostDepthWord(BoostDepth::Left), BoostDepth::Left},
-        {report::boostDepthWord(BoostDepth::Found), BoostDepth::Found}};
 
 namespace {
 
@@ -180,29 +174,33 @@ void Simulation::beginFrameIfPossible() {
     if (mAppFrame || !mBuffers.hasFreeBuffer()) return;
     switch (mWorkload.pace) {
         case Pace::Free:
-            beginFrame(mFrameIndex++, 0);
+            beginFrame(mFrameIndex++);
             break;
         case Pace::Vsync:
-            if (std::exchange(mHasTick, false)) beginFrame(mVsyncIndex, 0);
+            if (std::exchange(mHasTick, false)) beginFrame(mVsyncIndex);
             break;
-        case Pace::Video: {
-            const int64_t frameTimeNs = kStartNs + mFrameIndex * mWorkload.framePeriodNs();
-            if (mNowNs < frameTimeNs) {
-                schedule(Source::FrameTime, frameTimeNs);
+        case Pace::Video:
+        case Pace::Recorded: {
+            const FrameTiming timing = mWorkload.timing(mFrameIndex);
+            if (mNowNs < kStartNs + timing.earliestNs) {
+                schedule(Source::FrameTime, kStartNs + timing.earliestNs);
                 break;
             }
-            ++mFrameIndex;
-            beginFrame(mFrameIndex - 1,
-                       frameTimeNs + mWorkload.dueFrames * mWorkload.framePeriodNs());
+            beginFrame(mFrameIndex++, timing);
             break;
         }
     }
 }
 
-void Simulation::beginFrame(int64_t index, int64_t dueNs) {
+void Simulation::beginFrame(int64_t index, const FrameTiming& timing) {
     const FrameWork work = mWork.frame(index);
     mBuffers.dequeue();
-    mAppFrame = Frame{mNowNs, work.workNs, work.gpuNs, dueNs, 0, 0};
+    Frame& frame = mAppFrame.emplace();
+    frame.beginNs = mNowNs;
+    frame.workNs = work.workNs;
+    frame.gpuNs = work.gpuNs;
+    frame.dueNs = kStartNs + timing.dueNs;
+    if (timing.recordedVsyncNs != 0) frame.recordedVsyncNs = kStartNs + timing.recordedVsyncNs;
     startTask(Task::App, work.workNs);
 }
 

@@ -19,8 +19,6 @@ namespace brevold::sim {
 
 using replay::BoostDepth;
 
-extern const Words<BoostDepth> kBoostDepthWords;
-
 /** The time of the first vsync. */
 constexpr int64_t kStartNs = 1'000'000'000;
 
@@ -81,7 +79,7 @@ class Simulation {
     void onGovernorTick();
 
     void beginFrameIfPossible();
-    void beginFrame(int64_t index, int64_t dueNs);
+    void beginFrame(int64_t index, const FrameTiming& timing = {});
     void startTask(Task task, int64_t workNs);
     void finishTask(Task task);
     void sendHints();

@@ -23,7 +23,7 @@ std::vector<Setup> sweepSetups(const Setup& setup, Sweep sweep) {
             }
             return {readings};
         case Sweep::BoostDepth:
-            for (const auto& [word, depth] : kBoostDepthWords)
+            for (const BoostDepth depth : {BoostDepth::Left, BoostDepth::Found})
                 readings.readings.push_back({reading.service, depth});
             return {readings};
         case Sweep::Governor:

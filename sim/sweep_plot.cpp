@@ -4,9 +4,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <iterator>
 
 #include "plot/gnuplot.h"
-#include "sim/result_text.h"
+#include "sim/result_parts.h"
 
 namespace brevold::sim {
 
@@ -59,25 +60,29 @@ std::string sweepPlotPage(const std::string& terminal, const std::vector<SetupRe
     constexpr char kSquare[] = "pt 4";
     constexpr char kTriangle[] = "pt 8";
     Curves curves;
+    // Points with equal results are nested.
+    constexpr double kSizes[] = {2.4, 1.8, 1.2};
     size_t colour = 0;
     double maxMissed = 0.0;
     const auto addPoint = [&](const Estimates& estimates, const std::string& title,
-                              const char* point) {
+                              const char* point, double size) {
         maxMissed = std::max(maxMissed, at(estimates, Metric::MissedPerMinute).mean);
         curves.add(rowOf(estimates),
-                   fmt::format("xyerrorbars lc {} lw 1.5 {} ps 1.2", colour, point), title);
+                   fmt::format("xyerrorbars lc {} lw 1.5 {} ps {:g}", colour, point, size), title);
     };
     for (const SetupResult& result : results) {
         const std::string setup =
                 results.size() > 1 ? shortDescription(result.setup) + ": " : std::string();
         curves.add(frontierRows(result), fmt::format("linespoints lc {} dt 2 pt 1", ++colour),
                    setup + "library off, held at each operating point");
-        addPoint(result.off, setup + "library off", kFilledCircle);
-        for (const ReadingResult& reading : result.readings) {
+        addPoint(result.off, setup + "library off", kFilledCircle, kSizes[2]);
+        for (size_t i = 0; i < result.readings.size(); ++i) {
+            const ReadingResult& reading = result.readings[i];
             const std::string title = setup + shortDescription(reading.reading);
+            const double size = kSizes[i % std::size(kSizes)];
             ++colour;
-            addPoint(reading.given.estimates, title, kSquare);
-            if (reading.vs) addPoint(reading.vs->estimates, title + ", --vs", kTriangle);
+            addPoint(reading.given.estimates, title, kSquare, size);
+            if (reading.vs) addPoint(reading.vs->estimates, title + ", --vs", kTriangle, size);
         }
     }
     const Setup& first = results.front().setup;

@@ -40,10 +40,14 @@ void TraceWriter::onTask(int64_t nowNs, Task task, size_t /*cluster*/, bool isBu
     const Thread& thread = task == Task::App ? kApp : kCompositor;
     const Thread& from = isBusy ? kIdle : thread;
     const Thread& to = isBusy ? thread : kIdle;
+    const bool isQueue = task == Task::App && !isBusy;
+    if (isQueue) call(nowNs, "queueBuffer");
     line(nowNs, from, cpuOf(task),
          fmt::format("sched_switch: prev_comm={} prev_pid={} prev_prio=120 prev_state={} ==> "
                      "next_comm={} next_pid={} next_prio=120",
                      from.name, from.tid, isBusy ? 'R' : 'S', to.name, to.tid));
+    const bool isDequeue = task == Task::App && isBusy;
+    if (isDequeue) call(nowNs, "dequeueBuffer");
 }
 
 void TraceWriter::onFrequency(int64_t nowNs, size_t cluster, const OperatingPoint& point) {
@@ -71,8 +75,18 @@ void TraceWriter::onCompositionEnd(int64_t nowNs) {
 }
 
 int TraceWriter::cpuOf(Task task) const {
-    if (task == Task::Compositor) return 0;
-    return mDevice.appCluster == mDevice.compositorCluster ? 1 : kAppCpu;
+    const bool isApp = task == Task::App;
+    const bool sharesCluster = mDevice.appCluster == mDevice.compositorCluster;
+    const size_t index = isApp && sharesCluster ? 1 : 0;
+    const std::vector<int32_t>& cpus =
+            mDevice.clusters[isApp ? mDevice.appCluster : mDevice.compositorCluster].cpus;
+    if (!cpus.empty()) return cpus[index];
+    return isApp && !sharesCluster ? kAppCpu : static_cast<int>(index);
+}
+
+void TraceWriter::call(int64_t nowNs, const char* function) {
+    mark(nowNs, kApp, fmt::format("B|{}|{}", kAppProcess, function));
+    mark(nowNs, kApp, fmt::format("E|{}", kAppProcess));
 }
 
 void TraceWriter::line(int64_t nowNs, const Thread& thread, int cpu, const std::string& event) {
@@ -81,7 +95,8 @@ void TraceWriter::line(int64_t nowNs, const Thread& thread, int cpu, const std::
 }
 
 void TraceWriter::mark(int64_t nowNs, const Thread& thread, const std::string& text) {
-    line(nowNs, thread, 0, "tracing_mark_write: " + text);
+    const Task task = thread.process == kAppProcess ? Task::App : Task::Compositor;
+    line(nowNs, thread, cpuOf(task), "tracing_mark_write: " + text);
 }
 
 void TraceWriter::depth(int64_t nowNs, const Thread& thread, int32_t depth) {

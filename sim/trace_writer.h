@@ -10,9 +10,10 @@
 namespace brevold::sim {
 
 /**
- * Writes a simulation as ftrace text: vsyncs, queue depth, compositions, the threads that run and
- * the frequency of each cluster. Times have nanoseconds, so a replay of the trace gives the same
- * hints. The compositor has processor 0; the application has the first one of another cluster.
+ * Writes a simulation as ftrace text: vsyncs, queue depth, compositions, the application's calls of
+ * its buffer queue, the threads that run and the frequency of each cluster. Times have nanoseconds,
+ * so a replay of the trace gives the same hints, and --trace the same work. A task runs on the
+ * first processor of its cluster; if they share one, the application has the second.
  */
 class TraceWriter : public Observer {
   public:
@@ -34,6 +35,7 @@ class TraceWriter : public Observer {
 
     int cpuOf(Task task) const;
     void line(int64_t nowNs, const Thread& thread, int cpu, const std::string& event);
+    void call(int64_t nowNs, const char* function);
     void mark(int64_t nowNs, const Thread& thread, const std::string& text);
     void depth(int64_t nowNs, const Thread& thread, int32_t depth);
 

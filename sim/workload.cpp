@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <utility>
 
 #include "sim/built_in_workloads.h"
 #include "sim/exact_math.h"
@@ -63,6 +64,10 @@ void check(const Workload& workload) {
     if (workload.gapMaxS > 0.0 && workload.burstMinS <= 0.0) fail("gaps need burst-min-s above 0");
 }
 
+const RecordedFrame& recordedFrame(const RecordedWork& recording, int64_t index) {
+    return recording.frames[static_cast<size_t>(index) % recording.frames.size()];
+}
+
 int64_t toNs(double ms) {
     return std::llround(ms * 1e6);
 }
@@ -101,8 +106,33 @@ Workload parseWorkload(std::string_view text, const std::string& name) {
     return workload;
 }
 
+Workload recordedWorkload(const std::string& name, RecordedWork recording) {
+    // The depth does not include the buffers of the display and the application.
+    constexpr int32_t kUsualBuffers = 3;
+    Workload workload;
+    workload.name = name;
+    workload.pace = Pace::Recorded;
+    workload.refreshHz = 1e9 / static_cast<double>(recording.periodNs);
+    workload.buffers = std::max(kUsualBuffers, recording.maxDepth + 1);
+    workload.recording = std::make_shared<const RecordedWork>(std::move(recording));
+    return workload;
+}
+
+FrameTiming Workload::timing(int64_t index) const {
+    if (!recording) {
+        const int64_t earliestNs = index * framePeriodNs();
+        return {earliestNs, earliestNs + dueFrames * framePeriodNs(), 0};
+    }
+    const int64_t startNs =
+            index / static_cast<int64_t>(recording->frames.size()) * recording->lengthNs;
+    const RecordedFrame& frame = recordedFrame(*recording, index);
+    const auto since = [=](int64_t timeNs) { return timeNs == 0 ? 0 : startNs + timeNs; };
+    return {startNs + frame.earliestNs, since(frame.dueNs), since(frame.vsyncNs)};
+}
+
 FrameWork WorkSource::frame(int64_t index) {
     const Workload& w = mWorkload;
+    if (w.recording) return {recordedFrame(*w.recording, index).workNs, 0};
     for (; mNextIndex <= index; ++mNextIndex) {
         const double innovation = w.sigma * std::sqrt(1.0 - w.rho * w.rho);
         mLogarithm = w.rho * mLogarithm +

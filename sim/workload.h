@@ -1,10 +1,12 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "sim/random.h"
+#include "sim/recorded_work.h"
 #include "sim/settings.h"
 
 /**
@@ -34,7 +36,19 @@
  */
 namespace brevold::sim {
 
-enum class Pace : uint8_t { Free, Vsync, Video };
+enum class Pace : uint8_t {
+    Free,
+    Vsync,
+    Video,
+    Recorded,  // a frame begins when it did in a recording, at the earliest
+};
+
+/** Times of a frame, since the first vsync. */
+struct FrameTiming {
+    int64_t earliestNs = 0;       // it may begin
+    int64_t dueNs = 0;            // it may be latched
+    int64_t recordedVsyncNs = 0;  // see RecordedFrame::vsyncNs
+};
 
 struct Workload {
     std::string name;
@@ -56,10 +70,17 @@ struct Workload {
     double burstMaxS = 0.0;
     double gapMinS = 0.0;
     double gapMaxS = 0.0;
+    /** Pace::Recorded. The simulation repeats it. */
+    std::shared_ptr<const RecordedWork> recording;
 
-    int64_t periodNs() const { return static_cast<int64_t>(1e9 / refreshHz); }
+    int64_t periodNs() const {
+        return recording ? recording->periodNs : static_cast<int64_t>(1e9 / refreshHz);
+    }
     /** Time from frame to frame if the application keeps up. */
     int64_t framePeriodNs() const { return periodNs() * frameRefreshes; }
+
+    /** Pace::Video, Recorded. */
+    FrameTiming timing(int64_t index) const;
 };
 
 extern const Words<Pace> kPaceWords;
@@ -69,6 +90,9 @@ std::vector<std::string> builtInWorkloads();
 
 /** A built-in workload by its name, else the file at that path. Throws InputError. */
 Workload readWorkload(const std::string& nameOrPath);
+
+/** The frames of a recording. */
+Workload recordedWorkload(const std::string& name, RecordedWork recording);
 
 /** Throws InputError. */
 Workload parseWorkload(std::string_view text, const std::string& name);

@@ -37,14 +37,15 @@ add_fault(no_signal "a waiting worker is not signalled"
     "mBoostPending = false;
     mCondition.signal();"
     "mBoostPending = false;")
-add_fault(cleared_before_lock "a hint is sent that is not due"
+set(wrong_release "a boost is not released|a hint is sent that is not due")
+add_fault(cleared_before_lock "${wrong_release}"
     "Mutex::Autolock lock(mLock);
     if (!mBoostPending) return;
     mBoostPending = false;"
     "if (!mBoostPending) return;
     mBoostPending = false;
     Mutex::Autolock lock(mLock);")
-add_fault(cleared_after_unlock "a boost is not released"
+add_fault(cleared_after_unlock "${wrong_release}"
     "mBoostPending = false;
     mCondition.signal();"
     "mCondition.signal();

@@ -33,7 +33,7 @@ TEST(DeviceFile, SetsEveryEntry) {
                     "governor.util-est=0\ngovernor.floor=0.1\ngovernor.background=0.2\n"
                     "governor.fixed-share=0.7\nservice.down=frame\nservice.up=none\n"
                     "service.boost=all\nservice.latency-ms=1\ndisplay.buffers=4\n"
-                    "display.latch-ms=2\n",
+                    "display.latch-ms=2\ncluster.b.cpus=0-2,5\ntrace.speed=0.5\n",
             "device", {"governor.floor=0.3", "cluster.a.opp=500 MHz 50 mW"});
     const ClusterSpec& a = device.clusters[device.appCluster];
     ASSERT_EQ(a.points.size(), 3u);
@@ -60,6 +60,10 @@ TEST(DeviceFile, SetsEveryEntry) {
     EXPECT_EQ(device.service.latencyNs, 1'000'000);
     EXPECT_EQ(device.buffers, 4);
     EXPECT_EQ(device.latchNs, 2'000'000);
+    EXPECT_EQ(device.recordedSpeed, 0.5);
+    EXPECT_EQ(device.clusterOf(2), device.compositorCluster);
+    EXPECT_EQ(device.clusterOf(5), device.compositorCluster);
+    EXPECT_EQ(device.clusterOf(3), std::nullopt);
 }
 
 TEST(DeviceFile, NamesTheLineOfAnError) {
@@ -77,6 +81,7 @@ TEST(DeviceFile, NamesTheLineOfAnError) {
              "device:6: expected \"NUMBER MHz NUMBER mW\" or \"NUMBER MHz NUMBER mV\", got \"5 GHz "
              "1 mW\""},
             {"cluster.a.opp=1000 MHz 1 mW", "device:6: a second operating point at 1000 MHz"},
+            {"cluster.a.cpus=4-3", "device:6: expected a whole number from 4 to 1023, got \"3\""},
             {"cluster.c.opp=1000 MHz 1 mV",
              "device: cluster.c.opp in mV needs cluster.c.coefficient"},
             {"cluster.c.static-mw=1", "device: cluster.c.opp is missing"},

@@ -5,7 +5,6 @@
 #include <cmath>
 
 #include "sim/exact_math.h"
-#include "sim/missed_vsyncs.h"
 #include "tests/sim_test.h"
 
 namespace brevold::sim {
@@ -24,7 +23,7 @@ constexpr char kDevice[] =
 
 /** 2000 MHz down to 500 MHz, in steps of 500. */
 ClusterSpec fourPoints(double memoryShare = 0.0) {
-    return {"big", {{500, 100}, {1000, 200}, {1500, 400}, {2000, 900}}, memoryShare, 0.0};
+    return {"big", {{500, 100}, {1000, 200}, {1500, 400}, {2000, 900}}, memoryShare, 0.0, {}};
 }
 
 TEST(ExactMath, AgreesWithTheMathematicalLibrary) {
@@ -229,30 +228,11 @@ TEST(Service, BoostOverridesScalesOnItsTargetsUntilItsRelease) {
     }
 }
 
-TEST(MissedVsyncs, CountsAgainstTheMedianOfTheIntervalsBefore) {
-    MissedVsyncs missed(16 * kMs);
-    int64_t timeNs = kSecondNs;
-    const auto latchAfter = [&](int64_t refreshes) {
-        timeNs += refreshes * 16 * kMs;
-        return missed.latch(timeNs);
-    };
-    EXPECT_EQ(latchAfter(0), 0);
-    EXPECT_EQ(latchAfter(2), 0);
-    EXPECT_EQ(latchAfter(2), 0);
-    EXPECT_EQ(latchAfter(5), 3);
-    EXPECT_EQ(latchAfter(1), 0);
-    EXPECT_EQ(latchAfter(10), 0) << "an idle display";
-    EXPECT_EQ(latchAfter(9), 7);
-    for (int i = 0; i < 15; ++i)
-        latchAfter(1);
-    EXPECT_EQ(latchAfter(2), 1);
-}
-
 TEST(BufferQueue, LendsBuffersAndLatchesReadyFramesInOrder) {
     BufferQueue queue(3);
     const auto frame = [&](int64_t gpuNs, int64_t dueNs) {
         queue.dequeue();
-        queue.queue({0, 0, gpuNs, dueNs, 0, 0}, 100);
+        queue.queue({0, 0, gpuNs, dueNs}, 100);
     };
     frame(10, 0);
     frame(10, 200);

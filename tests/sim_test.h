@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "sim/experiment.h"
-#include "sim/processes.h"
+#include "sim/simulation_jobs.h"
 
 namespace brevold::sim {
 
@@ -45,7 +45,7 @@ inline std::vector<Metrics> measureAll(const std::vector<Scenario>& scenarios,
         });
     }
     std::vector<Metrics> results;
-    for (const std::string& bytes : runInProcesses(jobs, 2))
+    for (const std::string& bytes : runSimulations(jobs, 2))
         memcpy(results.emplace_back().data(), bytes.data(), sizeof(Metrics));
     return results;
 }

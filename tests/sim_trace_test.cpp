@@ -1,11 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cmath>
 #include <memory>
 #include <sstream>
 
 #include "replay/isolated_play.h"
-#include "report/hints_csv.h"
 #include "sim/trace_writer.h"
 #include "tests/sim_test.h"
 #include "trace/read_timeline.h"
@@ -16,10 +16,13 @@ namespace {
 
 constexpr int64_t kSecondNs = 1'000'000'000;
 
-std::string csvOf(const std::vector<host::Hint>& hints) {
-    std::ostringstream csv;
-    report::writeHintsCsv(hints, {0, kNever}, csv);
-    return csv.str();
+std::string linesOf(const std::vector<host::Hint>& hints) {
+    std::ostringstream lines;
+    for (const host::Hint& hint : hints) {
+        lines << hint.timeNs << ' ' << hint.identifier << ' ' << hint.durationMs << ' ' << hint.type
+              << '\n';
+    }
+    return lines.str();
 }
 
 /** Writes the trace and keeps the hints. */
@@ -53,25 +56,120 @@ TEST(SimTrace, ReplaysToTheHintsOfTheSimulation) {
         const Scenario scenario =
                 scenarioOf(setup, {setup.device.service, depth}, 5 * kSecondNs, 1);
         const auto simulate = [&](bool returnsTrace) {
-            return runInProcesses({[&] {
+            return runSimulations({[&] {
                                       std::ostringstream trace;
                                       TraceAndHints writer(scenario.device,
                                                            scenario.workload.periodNs(), trace);
                                       std::optional<Library> library = loadLibrary(settings);
                                       Simulation(scenario, &*library, writer).run();
-                                      return returnsTrace ? trace.str() : csvOf(writer.hints);
+                                      return returnsTrace ? trace.str() : linesOf(writer.hints);
                                   }},
                                   1)
                     .front();
         };
         const std::string simulated = simulate(false);
-        hints += std::count(simulated.begin(), simulated.end(), '\n') - 1;
+        hints += std::count(simulated.begin(), simulated.end(), '\n');
         trace::TraceInput input(std::make_unique<trace::StringSource>(simulate(true)), "trace");
         const trace::Timeline timeline = trace::readTimeline(input, {});
         EXPECT_TRUE(timeline.warnings.empty());
-        EXPECT_EQ(csvOf(replay::playIsolated(timeline, settings, {depth}).hints), simulated);
+        EXPECT_EQ(linesOf(replay::playIsolated(timeline, settings, {depth}).hints), simulated);
     }
     EXPECT_GT(hints, 1000);
+}
+
+/** Writes the trace and keeps the work of each frame. */
+class TraceAndWork : public TraceWriter {
+  public:
+    using TraceWriter::TraceWriter;
+    void onQueue(int64_t nowNs, const Frame& frame, int32_t depth) override {
+        TraceWriter::onQueue(nowNs, frame, depth);
+        workNs.push_back(frame.workNs);
+    }
+    std::vector<int64_t> workNs;
+};
+
+std::string without(const std::string& text, const std::vector<std::string>& words) {
+    std::istringstream lines(text);
+    std::string rest;
+    for (std::string line; std::getline(lines, line);) {
+        const bool has = std::any_of(words.begin(), words.end(), [&](const std::string& word) {
+            return line.find(word) != std::string::npos;
+        });
+        if (!has) rest += line + '\n';
+    }
+    return rest;
+}
+
+TEST(SimTrace, GivesItsWorkBack) {
+    constexpr char kDevice[] =
+            "cluster.big.opp=600 MHz 80 mW\ncluster.big.opp=1400 MHz 260 mW\n"
+            "cluster.big.opp=2800 MHz 1190 mW\ncluster.big.memory-share=0.2\n"
+            "cluster.little.opp=1800 MHz 120 mW\ncluster.big.cpus=4-6,7\n"
+            "cluster.little.cpus=0-3\napp.cluster=big\ncompositor.cluster=little\n";
+    constexpr auto kRun = WorkMethod::RunningTime;
+    constexpr auto kDequeue = WorkMethod::DequeueToQueue;
+    constexpr auto kLatch = WorkMethod::LatchToQueue;
+    const std::vector<std::string> kOtherCpus = {"cluster.big.cpus=1", "trace.speed=0.5"};
+    const struct {
+        const char* workload;
+        const char* governor;
+        std::vector<std::string> omitted;   // from the trace
+        std::vector<std::string> settings;  // of the device that reads it
+        WorkMethod method;
+        double factor;
+        int32_t maxUnmeasured;
+    } kCases[] = {
+            {"spiky60", "schedutil", {}, {}, kRun, 1, 0},
+            {"paced60", "schedutil", {}, {}, kRun, 1, 0},
+            {"video30", "schedutil", {}, {}, kRun, 1, 0},
+            {"scroll120", "schedutil", {}, {}, kRun, 1, 0},
+            {"spiky60", "schedutil", {"sched_"}, {}, kDequeue, 1, 0},
+            {"game60", "schedutil", {"sched_", "ueueBuffer"}, {}, kLatch, 1, 20},
+            {"game60", "performance", {"cpu_freq"}, {"trace.speed=0.5"}, kRun, 0.5, 0},
+            {"game60", "performance", {}, kOtherCpus, kRun, 0.5, 0},
+    };
+    for (const auto& c : kCases) {
+        SCOPED_TRACE(std::string(c.workload) + " read by method " +
+                     wordOf(c.method, kWorkMethodWords) + ", factor " + std::to_string(c.factor));
+        const Device device =
+                parseDevice(kDevice, "device", {std::string("governor=") + c.governor});
+        const auto scenario = [&](const Workload& workload) {
+            return scenarioOf({device, workload, {}}, {}, 10 * kSecondNs, 1);
+        };
+        const Scenario written = scenario(readWorkload(c.workload));
+        std::ostringstream text;
+        TraceAndWork writer(device, written.workload.periodNs(), text);
+        Simulation(written, nullptr, writer).run();
+
+        trace::TraceInput input(
+                std::make_unique<trace::StringSource>(without(text.str(), c.omitted)), "trace");
+        const RecordedWork work =
+                readRecordedWork(input, {}, parseDevice(kDevice, "device", c.settings));
+        EXPECT_EQ(work.method, c.method);
+        EXPECT_EQ(work.assumedSpeed.has_value(), c.factor != 1);
+        ASSERT_EQ(work.threads.size(), c.method == kRun ? 1u : 0u);
+        if (c.method == kRun) EXPECT_EQ(work.threads.front().name, "com.example.sim");
+        EXPECT_LE(work.unmeasuredFrames, c.maxUnmeasured);
+        // The first frame has no queue before it.
+        ASSERT_EQ(work.frames.size(), writer.workNs.size() - 1);
+        int32_t different = 0;
+        for (size_t i = 0; i < work.frames.size(); ++i) {
+            const double expected = c.factor * static_cast<double>(writer.workNs[i + 1]);
+            if (std::abs(static_cast<double>(work.frames[i].workNs) / expected - 1) > 0.01) {
+                ++different;
+            }
+        }
+        EXPECT_LE(different, work.unmeasuredFrames);
+        if (c.factor != 1) continue;
+        for (const int64_t shift : {-1, 0, 1}) {
+            RecordedWork shifted = work;
+            for (RecordedFrame& frame : shifted.frames)
+                frame.vsyncNs += shift * work.periodNs;
+            const Metrics metrics = measure(scenario(recordedWorkload("trace", shifted)), {});
+            const double fit = at(metrics, Metric::RecordedLatchShare);
+            EXPECT_TRUE(shift == 0 ? fit > 0.97 : fit < 0.03) << shift << ": " << fit;
+        }
+    }
 }
 
 }  // namespace

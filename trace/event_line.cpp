@@ -36,6 +36,7 @@ bool parseThread(std::string_view text, EventLine* line) {
     if (line->hasProcess) {
         const size_t open = text.rfind('(');
         if (open == std::string_view::npos) return false;
+        line->process = trimStart(text.substr(open + 1, text.size() - open - 2));
         text = trimEnd(text.substr(0, open));
     }
     const size_t dash = text.rfind('-');

@@ -12,9 +12,10 @@ struct EventLine {
     std::string_view task;  // name of the thread
     int32_t tid;
     int32_t processor;
-    bool hasProcess;         // there is a column such as "(  712)"
-    bool hasFlags;           // there is a column such as "d..3"
-    std::string_view event;  // "name: payload"
+    bool hasProcess;           // there is a column such as "(  712)"
+    std::string_view process;  // its content without blanks; "-----" if the process is unknown
+    bool hasFlags;             // there is a column such as "d..3"
+    std::string_view event;    // "name: payload"
 };
 
 /**

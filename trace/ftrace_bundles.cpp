@@ -8,6 +8,7 @@
 #include "trace/mark_payload.h"
 #include "trace/mark_reader.h"
 #include "trace/perfetto_fields.h"
+#include "trace/scheduler_events.h"
 
 namespace brevold::trace {
 namespace {
@@ -57,6 +58,7 @@ void FtraceBundles::add(std::string_view bundle, const ClockOffsets& clocks) {
     while (fields.next(FtraceEventBundle::Event, protozero::pbf_wire_type::length_delimited))
         addEvent(fields.get_view(), offsetNs, &lastNs);
     mMarks.endRun();
+    if (mActivity != nullptr) addSchedulerEvents(bundle, offsetNs, mActivity);
 }
 
 uint64_t FtraceBundles::offsetOf(const Header& header, const ClockOffsets& clocks) {

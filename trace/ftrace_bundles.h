@@ -4,6 +4,7 @@
 #include <string_view>
 #include <unordered_set>
 
+#include "trace/activity.h"
 #include "trace/clock_offsets.h"
 #include "trace/mark_list.h"
 
@@ -12,6 +13,9 @@ namespace brevold::trace {
 /** Collects the events in the ftrace bundles of a Perfetto trace. */
 class FtraceBundles {
   public:
+    /** Unless `activity` is null, the events of the scheduler are added to it. */
+    explicit FtraceBundles(Activity* activity = nullptr) : mActivity(activity) {}
+
     /**
      * Takes the message FtraceEventBundle. Throws protozero::exception if it is damaged; the events
      * before the damage are kept.
@@ -46,6 +50,7 @@ class FtraceBundles {
     void addPrint(std::string_view print, int64_t timeNs, int32_t tid);
     void noteThread(int32_t tid);
 
+    Activity* const mActivity;
     MarkList mMarks;
     int64_t mEvents = 0;
     int64_t mStartNs = 0;

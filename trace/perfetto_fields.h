@@ -28,6 +28,7 @@ enum class FtraceEventBundle : Tag {
     Cpu = 1,
     Event = 2,
     LostEvents = 3,
+    CompactSched = 4,
     FtraceClock = 5,
     FtraceTimestamp = 6,
     BootTimestamp = 7,
@@ -35,8 +36,22 @@ enum class FtraceEventBundle : Tag {
 constexpr uint32_t kFtraceClockBoot = 0;
 constexpr uint32_t kFtraceClockMonotonicRaw = 4;
 
-enum class FtraceEvent : Tag { Timestamp = 1, Pid = 2, Print = 3 };
+enum class FtraceEvent : Tag {
+    Timestamp = 1,
+    Pid = 2,
+    Print = 3,
+    SchedSwitch = 4,
+    CpuFrequency = 11,
+};
 enum class PrintEvent : Tag { Buf = 2 };
+enum class SchedSwitchEvent : Tag { NextComm = 5, NextPid = 6 };
+enum class CpuFrequencyEvent : Tag { State = 1, CpuId = 2 };
+enum class CompactSched : Tag {
+    SwitchTimestamp = 1,
+    SwitchNextPid = 3,
+    InternTable = 5,
+    SwitchNextCommIndex = 6,
+};
 
 enum class FtraceStats : Tag { Phase = 1, CpuStats = 2 };
 constexpr uint32_t kEndOfTracePhase = 2;
@@ -49,7 +64,7 @@ constexpr uint32_t kBootClock = 6;
 
 enum class ProcessTree : Tag { Processes = 1, Threads = 2 };
 enum class Process : Tag { Pid = 1, Cmdline = 3 };
-enum class Thread : Tag { Tid = 1, Name = 2 };
+enum class Thread : Tag { Tid = 1, Name = 2, Pid = 3 };
 
 enum class FrameTimelineEvent : Tag { ActualSurfaceFrameStart = 4, FrameEnd = 5 };
 enum class ActualSurfaceFrame : Tag { Cookie = 1, LayerName = 5, PresentType = 6, JankType = 9 };

@@ -8,6 +8,7 @@
 #include "trace/perfetto_fields.h"
 #include "trace/perfetto_metadata.h"
 #include "trace/perfetto_packets.h"
+#include "trace/scheduler_events.h"
 #include "trace/string_source.h"
 
 namespace brevold::trace {
@@ -18,6 +19,13 @@ PerfettoReader::PerfettoReader(ByteSource& trace, std::string path, LibrarySecti
       : mTrace(trace), mPath(std::move(path)), mExpansion(mPath) {
     if (sections != nullptr) mTrackEvents.emplace(*sections);
 }
+
+PerfettoReader::PerfettoReader(ByteSource& trace, std::string path, Activity* activity)
+      : mTrace(trace),
+        mPath(std::move(path)),
+        mActivity(activity),
+        mBundles(activity),
+        mExpansion(mPath) {}
 
 bool PerfettoReader::next(TraceMark* mark) {
     if (!mIsRead) readAll();
@@ -59,9 +67,12 @@ void PerfettoReader::readFields(std::string_view packet) {
             case bytes(TracePacket::FtraceEvents):
                 mBundles.add(fields.get_view(), mClocks);
                 break;
-            case bytes(TracePacket::ProcessTree):
-                addProcessTree(fields.get_view(), &mForm.threads);
+            case bytes(TracePacket::ProcessTree): {
+                const std::string_view tree = fields.get_view();
+                addProcessTree(tree, &mForm.threads);
+                if (mActivity != nullptr) addThreadProcesses(tree, mActivity);
                 break;
+            }
             case bytes(TracePacket::ClockSnapshot):
                 mClocks.add(fields.get_view());
                 break;

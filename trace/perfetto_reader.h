@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "trace/activity.h"
 #include "trace/byte_source.h"
 #include "trace/clock_offsets.h"
 #include "trace/expansion_limit.h"
@@ -27,6 +28,9 @@ class PerfettoReader : public MarkReader {
      * library's sections in track events to `sections` unless it is null.
      */
     PerfettoReader(ByteSource& trace, std::string path, LibrarySections* sections = nullptr);
+
+    /** Adds the events of the scheduler to `activity`, which has to outlive the reader. */
+    PerfettoReader(ByteSource& trace, std::string path, Activity* activity);
 
     /**
      * The first call reads the whole trace, because each processor has bundles of its own. A packet
@@ -52,6 +56,7 @@ class PerfettoReader : public MarkReader {
 
     ByteSource& mTrace;
     const std::string mPath;
+    Activity* const mActivity = nullptr;
     bool mIsRead = false;
     ClockOffsets mClocks;
     FtraceBundles mBundles;

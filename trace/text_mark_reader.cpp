@@ -8,6 +8,7 @@
 #include "base/error.h"
 #include "base/text.h"
 #include "trace/mark_payload.h"
+#include "trace/scheduler_events.h"
 
 namespace brevold::trace {
 namespace {
@@ -23,8 +24,8 @@ bool isMarkEvent(std::string_view event) {
 
 }  // namespace
 
-TextMarkReader::TextMarkReader(ByteSource& text, std::string path)
-      : mPath(path), mLines(text, std::move(path)) {}
+TextMarkReader::TextMarkReader(ByteSource& text, std::string path, Activity* activity)
+      : mPath(path), mActivity(activity), mLines(text, std::move(path)) {}
 
 bool TextMarkReader::next(TraceMark* mark) {
     while (!mSorter.take(mIsAtEnd ? mEndNs : mEndNs - kMaxDisorderNs, mark)) {
@@ -57,7 +58,10 @@ bool TextMarkReader::readLine() {
     if (mOverrun.lines > 0 && mProcessors.insert(line.processor).second) mWholeFromNs = mEndNs;
 
     const std::string_view event = takeUntil(':', &line.event);
-    if (!isMarkEvent(event)) return true;
+    if (!isMarkEvent(event)) {
+        if (mActivity != nullptr) addSchedulerEvent(line, event, mActivity);
+        return true;
+    }
     TraceMark mark = {};
     mark.timeNs = line.timeNs;
     mark.tid = line.tid;

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "base/line_count.h"
+#include "trace/activity.h"
 #include "trace/event_line.h"
 #include "trace/line_reader.h"
 #include "trace/mark_reader.h"
@@ -16,8 +17,11 @@ namespace brevold::trace {
 /** Reads the marks of ftrace text. */
 class TextMarkReader : public MarkReader {
   public:
-    /** `text` has to outlive the reader. Error messages begin with `path`. */
-    TextMarkReader(ByteSource& text, std::string path);
+    /**
+     * `text` has to outlive the reader. Error messages begin with `path`. Unless `activity` is
+     * null, the events of the scheduler are added to it.
+     */
+    TextMarkReader(ByteSource& text, std::string path, Activity* activity = nullptr);
 
     /**
      * Skips lines that are not events, an incomplete last line, lines more than kMaxDisorderNs
@@ -42,6 +46,7 @@ class TextMarkReader : public MarkReader {
     void checkEnd() const;
 
     const std::string mPath;
+    Activity* const mActivity;
     LineReader mLines;
     int64_t mEvents = 0;
     int64_t mStartNs = 0;

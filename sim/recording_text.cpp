@@ -1,0 +1,54 @@
+#include "sim/recording_text.h"
+
+#include <fmt/format.h>
+#include <fmt/ostream.h>
+
+namespace brevold::sim {
+
+namespace {
+
+constexpr double kMinFit = 0.9;
+
+std::string describeMethod(const RecordedWork& recording) {
+    std::vector<std::string> threads;
+    for (const RecordedWork::Thread& thread : recording.threads)
+        threads.push_back(fmt::format("{} ({})", thread.name, thread.tid));
+    switch (recording.method) {
+        case WorkMethod::RunningTime:
+            return fmt::format("running time of {} between two queues",
+                               fmt::join(threads, " and "));
+        case WorkMethod::DequeueToQueue:
+            return "time from dequeue to queue";
+        case WorkMethod::LatchToQueue:
+            return "time from latch to queue while the queue is full";
+    }
+    return "";
+}
+
+}  // namespace
+
+void printRecording(const RecordedWork& recording, double fit, std::ostream& out) {
+    fmt::print(out, "layer       {}: {} frames in {:.4g} s\n", recording.layer,
+               recording.frames.size(), static_cast<double>(recording.lengthNs) / 1e9);
+    fmt::print(out, "work        {}\n", describeMethod(recording));
+    if (recording.assumedSpeed) {
+        fmt::print(out, "            at an assumed speed of {:g} (trace.speed)\n",
+                   *recording.assumedSpeed);
+    } else {
+        fmt::print(out, "            times the speed at the recorded frequency\n");
+    }
+    if (recording.unmeasuredFrames > 0) {
+        fmt::print(out, "            {} frames could not be measured and have the median work\n",
+                   recording.unmeasuredFrames);
+    }
+    fmt::print(out,
+               "fit         {:.1f} % of the frames are latched at the recorded vsync with the "
+               "library off\n",
+               fit * 100);
+    if (fit < kMinFit) {
+        fmt::print(out, "            warning: below {:.0f} %, the result is not reliable\n",
+                   kMinFit * 100);
+    }
+}
+
+}  // namespace brevold::sim
