@@ -148,7 +148,8 @@ TEST(SimTrace, GivesItsWorkBack) {
         EXPECT_EQ(work.method, c.method);
         EXPECT_EQ(work.assumedSpeed.has_value(), c.factor != 1);
         ASSERT_EQ(work.threads.size(), c.method == kRun ? 1u : 0u);
-        if (c.method == kRun) EXPECT_EQ(work.threads.front().name, "com.example.sim");
+        for (const RecordedWork::Thread& thread : work.threads)
+            EXPECT_EQ(thread.name, "com.example.sim");
         EXPECT_LE(work.unmeasuredFrames, c.maxUnmeasured);
         // The first frame has no queue before it.
         ASSERT_EQ(work.frames.size(), writer.workNs.size() - 1);
@@ -161,8 +162,14 @@ TEST(SimTrace, GivesItsWorkBack) {
         }
         EXPECT_LE(different, work.unmeasuredFrames);
         if (c.factor != 1) continue;
-        const Metrics metrics = measure(scenario(recordedWorkload("trace", work)), {});
-        EXPECT_GE(at(metrics, Metric::RecordedLatchShare), 0.97);
+        for (const int64_t shift : {-1, 0, 1}) {
+            RecordedWork shifted = work;
+            for (RecordedFrame& frame : shifted.frames)
+                frame.vsyncNs += shift * work.periodNs;
+            const Metrics metrics = measure(scenario(recordedWorkload("trace", shifted)), {});
+            const double fit = at(metrics, Metric::RecordedLatchShare);
+            EXPECT_TRUE(shift == 0 ? fit > 0.97 : fit < 0.03) << shift << ": " << fit;
+        }
     }
 }
 
