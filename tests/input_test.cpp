@@ -12,7 +12,6 @@
 #include "tests/inputs.h"
 #include "tests/pages.h"
 #include "tests/proto_writer.h"
-#include "tests/rest.h"
 #include "tests/zip.h"
 #include "trace/read_timeline.h"
 

@@ -22,6 +22,15 @@ inline trace::TraceInput inputOf(const std::string& bytes, size_t maxRead = kWho
     return {std::make_unique<trace::StringSource>(bytes, maxRead), "trace", member};
 }
 
+/** Returns the bytes from the source's position to its end. */
+inline std::string rest(trace::ByteSource& source) {
+    std::string bytes;
+    char block[1000];
+    while (const size_t count = source.read(block, sizeof(block)))
+        bytes.append(block, count);
+    return bytes;
+}
+
 inline std::string contentOf(const std::string& path) {
     std::ifstream file(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(file), {}};

@@ -19,23 +19,21 @@ namespace {
 const std::string kExamples = BREVOLD_EXAMPLES;
 constexpr int64_t kMs = 1'000'000;
 
+const double kInfinite = std::numeric_limits<double>::infinity();
+
 TEST(TimeWindowTest, RefusesEndsOutOfOrder) {
-    const std::pair<WindowOptions, const char*> cases[] = {
-            {{{}, {}}, ""},
-            {{0, 0.5}, ""},
-            {{{}, std::numeric_limits<double>::infinity()}, ""},
-            {{2, 2}, "--from must be less than --to, got 2 and 2"},
-    };
-    for (const auto& [options, expected] : cases)
-        EXPECT_EQ(test::errorOf<std::runtime_error>([&window = options] { checkWindow(window); }),
-                  expected);
+    for (const WindowOptions& options : {WindowOptions{}, {0, 0.5}, {{}, kInfinite}})
+        EXPECT_NO_THROW(checkWindow(options));
+    EXPECT_EQ(test::errorOf<std::runtime_error>([] {
+                  checkWindow({2, 2});
+              }),
+              "--from must be less than --to, got 2 and 2");
 }
 
 TEST(TimeWindowTest, EndsWithTheTrace) {
     trace::Timeline timeline;
     timeline.startNs = 1000 * kMs;
     timeline.endNs = 3500 * kMs;
-    const double kInfinite = std::numeric_limits<double>::infinity();
     const std::tuple<WindowOptions, int64_t, int64_t> cases[] = {
             {{{}, {}}, 1000, 3500},         {{0.25, {}}, 1250, 3500}, {{{}, 2}, 1000, 3000},
             {{2.5, kInfinite}, 3500, 3500}, {{1, 99}, 2000, 3500},

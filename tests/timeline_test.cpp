@@ -9,7 +9,6 @@
 #include "tests/gzip.h"
 #include "tests/inputs.h"
 #include "tests/pages.h"
-#include "tests/rest.h"
 #include "trace/read_timeline.h"
 #include "trace/refresh_period.h"
 
@@ -245,6 +244,7 @@ TEST(TimelineTest, RecognisesLayers) {
     EXPECT_EQ(layersOf(read(trace(marks))), "Crossing#0*1 60fps#9*1 Xfps#0*1 ");
     const std::string slotted = marks + "802 91 B|90|Slotted: 3;803 91 E;900 91 C|90|Slotted|1;";
     EXPECT_EQ(layersOf(read(trace(slotted))), "Slotted#0*1 ");
+    EXPECT_EQ(layersOf(read("16666666\n5\t60000\t5\n", {"com.a#7", {}})), "com.a#7*1 ");
     EXPECT_EQ(layersOf(read(trace(slotted + "950 91 +BufferTX - Newer#12;"))), "Newer#12*1 ");
 }
 
@@ -343,10 +343,6 @@ TEST(TimelineTest, FollowsTheDisplayFrom120To60Hz) {
         }
         EXPECT_EQ(periods, "0 8333333 2490 16666666 ") << what;
     }
-}
-
-TEST(TimelineTest, NamesTheLayerOfALatencyDump) {
-    EXPECT_EQ(layersOf(read("16666666\n5\t60000\t5\n", {"com.a#7", {}})), "com.a#7*1 ");
 }
 
 }  // namespace
