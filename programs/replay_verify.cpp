@@ -18,7 +18,7 @@ namespace brevold {
 
 namespace {
 
-/** Returns the differences with short labels: "decisions: depth-plus-one +1". */
+/** Returns the differences with short labels: "decisions: depth_plus_one +1". */
 std::vector<plot::PlotMark> differenceMarks(const verify::Verification& verification) {
     std::vector<plot::PlotMark> marks;
     for (const verify::Difference& difference : verification.differences.list()) {

@@ -6,6 +6,7 @@
 
 #include "base/text.h"
 #include "report/labels.h"
+#include "report/warning_json.h"
 
 namespace brevold::report {
 
@@ -62,18 +63,6 @@ Json requestOf(const Summary& summary, host::HintKind kind) {
     object["scale_p95"] = scale(request.p95Scale);
     if (scaleBinsOf(kind) != nullptr) object["scale_counts"] = request.scaleCounts;
     if (kind == host::HintKind::Down) object["scale_zero"] = request.zeroScales;
-    return object;
-}
-
-Json warningOf(const trace::TraceWarning& warning) {
-    using Kind = trace::TraceWarning::Kind;
-    Json object = {{"kind", warningWord(warning.kind)}, {"count", warning.lines.lines}};
-    if (warning.lines.firstLine != 0) object["first_line"] = warning.lines.firstLine;
-    if (warning.kind == Kind::RingOverrun) object["whole_from_s"] = toSeconds(warning.wholeFromNs);
-    if (warning.kind == Kind::OtherCompositor) {
-        object["pid"] = warning.pid;
-        object["other_pid"] = warning.otherPid;
-    }
     return object;
 }
 

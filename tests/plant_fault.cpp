@@ -22,12 +22,20 @@ using trace::TimelineEvent;
 constexpr int64_t kPeriod90Ns = 11'111'111;
 constexpr int64_t kDelayNs = 40'000'000;
 
+/** The stamps that a compositor may report for a frame. */
+struct Stamps {
+    int64_t latest = 0;    // the beginning of the latest composition
+    int64_t previous = 0;  // of the one before
+    int64_t vsync = 0;
+    int64_t zero = 0;
+};
+
 /** How a compositor calls the library. */
 struct Calls {
     int32_t addedDepth = 0;
     bool countsBeforeLatch = false;
     bool countsBoostsBeforeLatch = false;
-    enum class Stamp { Latest, Previous, Vsync, Zero } stamp = Stamp::Latest;
+    int64_t Stamps::*stamp = &Stamps::latest;
     int64_t ticksPerCall = 1;
     int64_t framesPerDrop = 0;
     int64_t framesPerRepeat = 0;
@@ -89,8 +97,8 @@ class Compositor {
                 queue.depth = event.depth;
                 break;
             case TimelineEvent::Kind::CompositionBegin:
-                mPreviousStampNs = mStampNs;
-                mStampNs = event.timeNs;
+                mStamps.previous = mStamps.latest;
+                mStamps.latest = event.timeNs;
                 if (mTicks++ % mCalls.ticksPerCall == 0) mDriver.beginComposition(event.timeNs);
                 break;
             case TimelineEvent::Kind::CompositionEnd:
@@ -104,25 +112,11 @@ class Compositor {
                 }
                 break;
             case TimelineEvent::Kind::Vsync:
-                mVsyncNs = event.timeNs;
+                mStamps.vsync = event.timeNs;
                 break;
             case TimelineEvent::Kind::Focus:
                 break;
         }
-    }
-
-    int64_t stampNs() const {
-        switch (mCalls.stamp) {
-            case Calls::Stamp::Latest:
-                return mStampNs;
-            case Calls::Stamp::Previous:
-                return mPreviousStampNs;
-            case Calls::Stamp::Vsync:
-                return mVsyncNs;
-            case Calls::Stamp::Zero:
-                return 0;
-        }
-        return 0;
     }
 
     void report(int64_t timeNs, Queue& queue) {
@@ -130,7 +124,7 @@ class Compositor {
         if (mCalls.framesPerDrop != 0 && mFrames % mCalls.framesPerDrop == 0) return;
         LayerFrameInfo& info = queue.info;
         info.qbTime = timeNs;
-        info.sfTime = stampNs();
+        info.sfTime = mStamps.*mCalls.stamp;
         info.refreshPeriod = mPeriodNs;
         info.lastMaxQueuedFrames =
                 (mCalls.countsBeforeLatch ? queue.counted : queue.depth) + mCalls.addedDepth;
@@ -147,9 +141,7 @@ class Compositor {
     std::vector<Queue> mQueues;
     size_t mFocus;
     int64_t mPeriodNs = 0;
-    int64_t mStampNs = 0;
-    int64_t mPreviousStampNs = 0;
-    int64_t mVsyncNs = 0;
+    Stamps mStamps;
     int64_t mTicks = 0;
     int64_t mFrames = 0;
     replay::Recording mRecording;
@@ -186,9 +178,9 @@ const std::map<std::string, Fault> kFaults = {
         {"depth-plus-one", {[](Calls& calls) { calls.addedDepth = 1; }, {}}},
         {"depth-minus-one", {[](Calls& calls) { calls.addedDepth = -1; }, {}}},
         {"depth-before-latch", {[](Calls& calls) { calls.countsBeforeLatch = true; }, {}}},
-        {"stamp-previous", {[](Calls& calls) { calls.stamp = Calls::Stamp::Previous; }, {}}},
-        {"stamp-vsync", {[](Calls& calls) { calls.stamp = Calls::Stamp::Vsync; }, {}}},
-        {"stamp-zero", {[](Calls& calls) { calls.stamp = Calls::Stamp::Zero; }, {}}},
+        {"stamp-previous", {[](Calls& calls) { calls.stamp = &Stamps::previous; }, {}}},
+        {"stamp-vsync", {[](Calls& calls) { calls.stamp = &Stamps::vsync; }, {}}},
+        {"stamp-zero", {[](Calls& calls) { calls.stamp = &Stamps::zero; }, {}}},
         {"half-ticks", {[](Calls& calls) { calls.ticksPerCall = 2; }, {}}},
         {"dropped-frames", {[](Calls& calls) { calls.framesPerDrop = 10; }, {}}},
         {"repeated-frames", {[](Calls& calls) { calls.framesPerRepeat = 10; }, {}}},

@@ -164,10 +164,11 @@ TEST(FigureSupportTest, TheDepthThatFitsMostLabelsIsTheCause) {
     }
 }
 
-/** A decision that is posted, and a section of the worker that sends it. */
+/** A decision, or a section of the worker. */
 struct Posted {
     int64_t timeMs;
     double scale;
+    int64_t lengthMs = 0;
 };
 
 TEST(WorkersTest, RequestsBelongToTheDecisionWithTheirScale) {
@@ -175,7 +176,8 @@ TEST(WorkersTest, RequestsBelongToTheDecisionWithTheirScale) {
         std::vector<Posted> decisions;
         std::vector<Posted> requests;
         int64_t differing;
-        int64_t maxWaitMs;
+        int64_t maxHandOverMs;
+        int64_t maxWaitMs = 0;
     };
     const Case kCases[] = {
             {{{10, 0.5}, {30, 0.625}}, {{11, 0.5}, {31, 0.62}}, 0, 1},
@@ -187,6 +189,8 @@ TEST(WorkersTest, RequestsBelongToTheDecisionWithTheirScale) {
             // The request of the last one may follow after the trace.
             {{{10, 0.5}, {99, 0.6}}, {{11, 0.5}}, 0, 1},
             {{{10, std::nan("")}}, {{12, std::nan("")}}, 0, 2},
+            // The second decision waits for the section of the first one.
+            {{{10, 0.5}, {30, 0.6}}, {{11, 0.5, 25}, {37, 0.6, 2}}, 0, 7, 6},
     };
     for (const Case& c : kCases) {
         LibraryMarks marks;
@@ -195,12 +199,16 @@ TEST(WorkersTest, RequestsBelongToTheDecisionWithTheirScale) {
             marks.decisions.back().label.scale = decision.scale;
         }
         for (const Posted& request : c.requests)
-            marks.requests.push_back({request.timeMs * kMs, request.timeMs * kMs, request.scale});
+            marks.requests.push_back({request.timeMs * kMs,
+                                      (request.timeMs + request.lengthMs) * kMs, request.scale});
         Differences differences(0);
         const Latencies latencies =
                 checkWorkers(marks, {{}, kPeriodNs, 100 * kMs, true}, &differences);
         EXPECT_EQ(differences.of(Subject::Request).differing, c.differing);
-        EXPECT_EQ(latencies[0].maxNs, c.maxWaitMs * kMs);
+        EXPECT_EQ(latencies[static_cast<size_t>(LatencyKind::HandOver)].maxNs,
+                  c.maxHandOverMs * kMs);
+        EXPECT_EQ(latencies[static_cast<size_t>(LatencyKind::ReporterWait)].maxNs,
+                  c.maxWaitMs * kMs);
     }
 }
 

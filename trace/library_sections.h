@@ -11,8 +11,7 @@
 
 namespace brevold::trace {
 
-/** Returns true if a section with this label is the library's, whether the label is whole or not.
- */
+/** Returns true if a section with this label is the library's. The label may be incomplete. */
 bool isLibraryLabel(std::string_view label);
 
 /** A section that the library wrote into a trace. */

@@ -10,7 +10,7 @@ namespace {
 
 /** Decisions and boosts this close to a frame show the state of the device. */
 constexpr int64_t kNearNs = 100'000'000;
-/** Decisions for other layers, and those that mention an earlier frame, may be rare. */
+/** Decisions for other layers, and later decisions for the same layer, may be rare. */
 constexpr int64_t kFarNs = 1'000'000'000;
 
 /** The index of the first frame at or after a time. */
@@ -85,12 +85,9 @@ CauseSet CauseFinder::ofInterval(size_t frame, const DecisionLabel& label) const
     if (isSameTime(label.intervalNs, queuedNs - *expected.previousNs)) return {};
     const int64_t recordedPreviousNs = timeBefore(queuedNs, label.intervalNs);
     if (isSameTime(recordedPreviousNs, queuedNs)) return Cause::ReportedTwice;
-    for (size_t i = frame;
-         i-- > 0 && mFrames[i].timeNs >= timeBefore(recordedPreviousNs, kTimeToleranceNs);) {
-        if (mFrames[i].layer == expected.layer &&
-            isSameTime(mFrames[i].timeNs, recordedPreviousNs)) {
-            return Cause::NotReported;
-        }
+    const size_t first = indexAt(mFrames, timeBefore(recordedPreviousNs, kTimeToleranceNs));
+    for (size_t i = first; i < frame && isSameTime(mFrames[i].timeNs, recordedPreviousNs); ++i) {
+        if (mFrames[i].layer == expected.layer) return Cause::NotReported;
     }
     return Cause::QueueTimes;
 }

@@ -9,7 +9,7 @@
 
 namespace brevold::verify {
 
-/** What is compared or checked. */
+/** The subject of a comparison or a check. */
 enum class Subject : uint8_t {
     Decision,  // recorded with replayed DOWN and UP decisions
     Boost,     // recorded with replayed boosts
@@ -39,7 +39,7 @@ struct Tally {
     }
 };
 
-/** Counts what agrees and what differs. */
+/** Counts agreements and collects differences. */
 class Differences {
   public:
     /** The first two measuring windows last until `earlyUntilNs`. */
@@ -55,8 +55,8 @@ class Differences {
     void sort();
 
     /**
-     * Removes causes that are not needed: if fewer of the causes of a difference explain others
-     * too, only those are left. The most frequent ones are preferred.
+     * Removes causes that are not needed: a difference keeps only those of its causes that also
+     * explain enough other differences alone. The most frequent set of causes is preferred.
      */
     void narrowCauses();
 

@@ -5,6 +5,7 @@
 #include "base/text.h"
 #include "brevold/headroom.h"
 #include "report/labels.h"
+#include "report/warning_json.h"
 #include "verify/cause_table.h"
 #include "verify/words.h"
 
@@ -41,6 +42,7 @@ Json objectOf(const LatencySummary& latency, const Verification& verification) {
     object["percentile_99_ms"] = ms(latency.percentile99Ns);
     object["max_ms"] = ms(latency.maxNs);
     object["max_at_s"] = toSeconds(latency.maxAtNs - verification.startNs);
+    object["max_at_trace_s"] = toSeconds(latency.maxAtNs);
     return object;
 }
 
@@ -54,13 +56,13 @@ Json objectOf(const Verification& verification) {
     object["tolerance_percent"] = verification.tolerancePercent;
     object["marks"] = marksOf(verification.marks);
     object["warnings"] = Json::array();
-    for (const trace::TraceWarning& warning : verification.warnings) {
-        object["warnings"].push_back(
-                {{"kind", report::warningWord(warning.kind)}, {"count", warning.lines.lines}});
-    }
+    for (const trace::TraceWarning& warning : verification.warnings)
+        object["warnings"].push_back(report::warningOf(warning));
     if (verification.verdict == Verdict::NoMarks) return object;
 
-    object["first_two_windows_until_s"] = seconds(verification.differences.earlyUntilNs());
+    const int64_t earlyUntilNs = verification.differences.earlyUntilNs();
+    object["first_two_windows_until_s"] = seconds(earlyUntilNs);
+    object["first_two_windows_until_trace_s"] = toSeconds(earlyUntilNs);
     for (size_t i = 0; i < kSubjectCount; ++i) {
         const auto subject = static_cast<Subject>(i);
         const Tally& tally = verification.differences.of(subject);
@@ -76,13 +78,17 @@ Json objectOf(const Verification& verification) {
     object["causes"] = Json::array();
     for (const CauseRow& row : causeTable(verification.differences.list())) {
         Json times = Json::array();
-        for (const int64_t timeNs : row.firstTimesNs)
+        Json traceTimes = Json::array();
+        for (const int64_t timeNs : row.firstTimesNs) {
             times.push_back(seconds(timeNs));
+            traceTimes.push_back(toSeconds(timeNs));
+        }
         object["causes"].push_back({{"checked", wordOf(row.subject)},
                                     {"causes", causesOf(row.causes)},
                                     {"count", row.count},
                                     {"early_count", row.earlyCount},
-                                    {"first_at_s", times}});
+                                    {"first_at_s", times},
+                                    {"first_at_trace_s", traceTimes}});
     }
     object["frame_budget_ms"] =
             static_cast<double>(android::frameBudgetOf(verification.periodNs)) / 1e6;

@@ -54,7 +54,7 @@ std::string verdictText(const Verification& verification) {
         case Verdict::Differs:
             return "the integration is not as expected: " + differenceText(verification);
         case Verdict::TooShort:
-            return "the recording is too short, it ends in the first two windows: " + agreement;
+            return "the recording is too short; it ends within the first two windows: " + agreement;
         case Verdict::NoDecisions:
             return "nothing to verify: the recording and the replay have no DOWN or UP decisions";
         case Verdict::NoMarks:

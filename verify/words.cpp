@@ -13,59 +13,59 @@ Words wordsOf(Cause cause) {
     switch (cause) {
         case Cause::OtherVersion:
             return {"the library decides differently from the same figures: another version",
-                    "other-version"};
+                    "other_version"};
         case Cause::OtherLayer:
-            return {"another layer has the focus, or the application is no target", "other-layer"};
+            return {"another layer has the focus, or the application is no target", "other_layer"};
         case Cause::OtherPeer:
-            return {"peerLayerName is not the name of the layer", "other-peer"};
+            return {"peerLayerName is not the name of the layer", "other_peer"};
         case Cause::NotReported:
-            return {"a frame is not reported", "not-reported"};
+            return {"a frame is not reported", "not_reported"};
         case Cause::ReportedTwice:
-            return {"a frame is reported twice", "reported-twice"};
+            return {"a frame is reported twice", "reported_twice"};
         case Cause::DepthPlusOne:
-            return {"the queue depth is one too high", "depth-plus-one"};
+            return {"the queue depth is one too high", "depth_plus_one"};
         case Cause::DepthMinusOne:
-            return {"the queue depth is one too low", "depth-minus-one"};
+            return {"the queue depth is one too low", "depth_minus_one"};
         case Cause::DepthBeforeLatch:
-            return {"the queue depth is counted before the latest latch", "depth-before-latch"};
+            return {"the queue depth is counted before the latest latch", "depth_before_latch"};
         case Cause::DepthAfterLatch:
-            return {"the queue depth is counted after the next latch", "depth-after-latch"};
+            return {"the queue depth is counted after the next latch", "depth_after_latch"};
         case Cause::DepthOther:
-            return {"the queue depth is counted in another way", "depth-other"};
+            return {"the queue depth is counted in another way", "depth_other"};
         case Cause::StampVsync:
-            return {"the stamp is that of the vsync", "stamp-vsync"};
+            return {"the stamp is that of the vsync", "stamp_vsync"};
         case Cause::StampPrevious:
-            return {"the stamp is that of the composition before the latest", "stamp-previous"};
+            return {"the stamp is that of the composition before the latest", "stamp_previous"};
         case Cause::StampZero:
-            return {"the stamp is 0", "stamp-zero"};
+            return {"the stamp is 0", "stamp_zero"};
         case Cause::StampOther:
-            return {"the stamp is not that of the latest composition", "stamp-other"};
+            return {"the stamp is not that of the latest composition", "stamp_other"};
         case Cause::PeriodInNoBand:
-            return {"the refresh period is in no band", "period-in-no-band"};
+            return {"the refresh period is in no band", "period_in_no_band"};
         case Cause::PeriodOfOtherDisplay:
-            return {"the refresh period is that of another display", "period-of-other-display"};
+            return {"the refresh period is that of another display", "period_of_other_display"};
         case Cause::WindowStart:
-            return {"the measuring windows begin at other times", "window-start"};
+            return {"the measuring windows begin at other times", "window_start"};
         case Cause::TickRate:
             return {"brevoldRefresh is called at another rate than compositions begin",
-                    "tick-rate"};
+                    "tick_rate"};
         case Cause::BoostDepthLeft:
             return {"brevoldScaling gets the frames that are queued at the call (left)",
-                    "boost-depth-left"};
+                    "boost_depth_left"};
         case Cause::BoostDepthFound:
             return {"brevoldScaling gets the maximum since the previous call (found)",
-                    "boost-depth-found"};
+                    "boost_depth_found"};
         case Cause::BoostDepthOther:
-            return {"brevoldScaling gets another number of frames", "boost-depth-other"};
+            return {"brevoldScaling gets another number of frames", "boost_depth_other"};
         case Cause::RequestLate:
             return {"the worker sends the request more than a refresh period later",
-                    "request-late"};
+                    "request_late"};
         case Cause::RequestNotSent:
-            return {"the worker does not send the request", "request-not-sent"};
+            return {"the worker does not send the request", "request_not_sent"};
         case Cause::BoostNotReleased:
-            return {"the boost is not released", "boost-not-released"};
+            return {"the boost is not released", "boost_not_released"};
         case Cause::QueueTimes:
-            return {"the queue times are not those of the trace", "queue-times"};
+            return {"the queue times are not those of the trace", "queue_times"};
         case Cause::Unexplained:
             return {"unexplained", "unexplained"};
     }
@@ -138,15 +138,15 @@ const char* wordOf(LatencyKind kind) {
 const char* wordOf(Verdict verdict) {
     switch (verdict) {
         case Verdict::AsExpected:
-            return "as-expected";
+            return "as_expected";
         case Verdict::Differs:
             return "differs";
         case Verdict::TooShort:
-            return "too-short";
+            return "too_short";
         case Verdict::NoDecisions:
-            return "no-decisions";
+            return "no_decisions";
         case Verdict::NoMarks:
-            return "no-marks";
+            return "no_marks";
     }
     return "";
 }

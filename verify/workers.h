@@ -23,7 +23,7 @@ constexpr size_t kLatencyKindCount = 6;
 
 using Latencies = std::array<LatencySummary, kLatencyKindCount>;
 
-/** What the workers' sections are compared with. */
+/** The replay and the trace to which the workers' sections belong. */
 struct WorkerContext {
     const std::vector<int64_t>& compositionsNs;  // their beginnings
     int64_t periodNs;
