@@ -1,7 +1,10 @@
 #include "programs/replay_verify.h"
 
+#include <fmt/format.h>
+
 #include "base/error.h"
 #include "brevold/protocol.h"
+#include "plot/plot.h"
 #include "programs/trace_replay.h"
 #include "replay/isolated_play.h"
 #include "trace/read_timeline.h"
@@ -15,10 +18,22 @@ namespace brevold {
 
 namespace {
 
+/** Returns the differences with short labels: "decisions: depth-plus-one +1". */
 std::vector<plot::PlotMark> differenceMarks(const verify::Verification& verification) {
     std::vector<plot::PlotMark> marks;
-    for (const verify::Difference& difference : verification.differences.list())
-        marks.push_back({difference.timeNs, verify::describe(difference)});
+    for (const verify::Difference& difference : verification.differences.list()) {
+        std::string label;
+        int32_t others = 0;
+        difference.causes.forEach([&](verify::Cause cause) {
+            if (label.empty()) {
+                label = fmt::format("{}: {}", wordOf(difference.subject), wordOf(cause));
+            } else {
+                ++others;
+            }
+        });
+        if (others > 0) label += fmt::format(" +{}", others);
+        marks.push_back({difference.timeNs, label});
+    }
     return marks;
 }
 
