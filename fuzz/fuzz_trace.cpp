@@ -1,18 +1,17 @@
 // Traces: any bytes, plain or packed and read in blocks of any size, give an ordered timeline or an
 // InputError, and the same text each time.
 
-#include "base/error.h"
 #include "fuzz/fuzz.h"
 #include "tests/gzip.h"
+#include "tests/inputs.h"
 #include "tests/proto_writer.h"
-#include "tests/rest.h"
 #include "tests/zip.h"
 #include "trace/read_timeline.h"
-#include "trace/string_source.h"
 
 using namespace brevold;
 using namespace brevold::trace;
 using brevold::fuzz::require;
+using brevold::test::rest;
 
 namespace {
 
@@ -60,13 +59,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const size_t maxRead = size % 3 == 0 ? std::string::npos : size % 64 + 1;
     TimelineOptions options;
     if (size % 4 == 1) options.layer = "com.example.a/Main";
+    const std::string member = size % 16 == 5 ? kMember : "";
     try {
-        TraceInput input(std::make_unique<StringSource>(bytes, maxRead), kName,
-                         size % 16 == 5 ? kMember : "", kLimits);
+        TraceInput input(std::make_unique<StringSource>(bytes, maxRead), kName, member, kLimits);
         const std::string text = rest(input.open());
         require(rest(input.open()) == text, "the second reading gives the same text");
-        TraceInput whole(std::make_unique<StringSource>(bytes), kName,
-                         size % 16 == 5 ? kMember : "", kLimits);
+        TraceInput whole(std::make_unique<StringSource>(bytes), kName, member, kLimits);
         require(rest(whole.open()) == text, "blocks of any size give the same text");
         checkTimeline(readTimeline(input, options));
     } catch (const InputError& error) {

@@ -35,8 +35,9 @@ std::string shortened(std::string_view text, size_t maxLength) {
     std::u32string characters;
     utf8::utf8to32(valid.begin(), valid.end(), std::back_inserter(characters));
     if (characters.size() <= maxLength) return valid;
-    const size_t head = maxLength / 2;
-    characters.replace(head, characters.size() - maxLength + 1, U"\u2026");
+    const auto tail = characters.end() - static_cast<ptrdiff_t>(maxLength - 1 - maxLength / 2);
+    characters.erase(characters.begin() + static_cast<ptrdiff_t>(maxLength / 2), tail);
+    characters.insert(maxLength / 2, 1, U'\u2026');
     std::string cut;
     utf8::utf32to8(characters.begin(), characters.end(), std::back_inserter(cut));
     return cut;

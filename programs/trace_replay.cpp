@@ -83,6 +83,12 @@ void writeMarkedTrace(const std::string& path, TraceInput& input, const trace::T
     file.commit();
 }
 
+void writePlot(const std::string& path, const plot::Plot& plot) {
+    OutputFile file(path);
+    plot::drawPlot(plot, plot::plotTerminal(path), file.stream());
+    file.commit();
+}
+
 bool combinesResults(const ReplayOptions& options) {
     return !options.layers && (options.common.json || options.traces.size() > 1);
 }
@@ -100,12 +106,6 @@ std::string replayTrace(const std::string& path, const OutputFiles& files,
     } catch (const std::exception& error) {
         throw std::runtime_error(input.name() + ": " + error.what());
     }
-}
-
-void writePlot(const std::string& path, const plot::Plot& plot) {
-    OutputFile file(path);
-    plot::drawPlot(plot, plot::plotTerminal(path), file.stream());
-    file.commit();
 }
 
 std::string listLayers(const std::string& path, const ReplayOptions& options) {

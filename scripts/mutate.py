@@ -122,7 +122,7 @@ def read_equivalent():
         if line.startswith("- "):
             old.append(line[2:])
         elif line.startswith("+"):
-            listed.add((file, " ".join(old), line[2:]))
+            listed.add((file, " ".join(old), line[2:].strip()))
             old = []
         elif line and not line.startswith("#"):
             file = line

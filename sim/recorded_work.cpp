@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <limits>
 #include <map>
 #include <utility>
 
@@ -193,23 +194,24 @@ void addFrames(const QueuedFrames& queued, const Works& works, int64_t latchNs,
                RecordedWork* result) {
     const RecordedVsyncs vsyncs(queued, latchNs);
     int64_t lastVsync = 0;
-    std::optional<int64_t> previous;
+    constexpr int64_t kAnyVsync = std::numeric_limits<int64_t>::min();
+    int64_t afterPrevious = kAnyVsync;
     for (size_t i = 1; i < queued.frames.size(); ++i) {
         const QueuedFrame& frame = queued.frames[i];
         const Progress& work = *works[i - 1];
         RecordedFrame added = {vsyncs.simulated(frame.queuedNs - static_cast<int64_t>(work.runNs)),
                                static_cast<int64_t>(work.workNs)};
-        int64_t firstVsync = vsyncs.firstLatchAt(vsyncs.simulated(frame.queuedNs));
-        if (previous) firstVsync = std::max(firstVsync, *previous + 1);
+        const int64_t firstVsync =
+                std::max(vsyncs.firstLatchAt(vsyncs.simulated(frame.queuedNs)), afterPrevious);
         lastVsync = std::max(lastVsync, firstVsync);
         if (frame.latchedNs != kNever) {
             const int64_t vsync = vsyncs.indexOf(frame.latchedNs);
             added.vsyncNs = vsync * queued.periodNs;
             if (vsync > firstVsync) added.dueNs = added.vsyncNs;
             lastVsync = std::max(lastVsync, vsync);
-            previous = vsync;
+            afterPrevious = vsync + 1;
         } else {
-            previous.reset();
+            afterPrevious = kAnyVsync;
         }
         result->frames.push_back(added);
     }

@@ -55,4 +55,6 @@ TEST_F(DeviceTest, EveryCallOfTheServiceIsTheOneDue) {
         ASSERT_EQ(brevoldScaling(frame.queued, frame.isSuppressed), 0);
         ASSERT_EQ(takeCalls(), account.takeDue());
     }
+    EXPECT_TRUE(host::takeTraceMarks().empty());  // debug output is off
+    EXPECT_EQ(takeLogTexts(), "");
 }

@@ -114,6 +114,8 @@ static LayerFrameInfo gRecord;
 
 TEST_F(FrameTest, TheRecordIsCopiedBeforeTheServiceCall) {
     gRecord = frame(2, "com.example.other#0");
+    gRecord.layerKeyA = 7;
+    gRecord.layerKeyB = 9;
     gDevice.duringCall = [] {
         gRecord = frame(2, "com.example.third#0", kPeriod90Ns);
         gRecord.layerKeyA = gRecord.layerKeyB = 1;
@@ -121,7 +123,7 @@ TEST_F(FrameTest, TheRecordIsCopiedBeforeTheServiceCall) {
     EXPECT_EQ(brevoldOnFrameAvailable(&gRecord), 0);
     gDevice.duringCall = nullptr;
     measure(kPeriod60Ns);
-    android::brevoldLayerStatusCheck(false, "com.example.other#0", 0, 0);
+    android::brevoldLayerStatusCheck(false, "com.example.other#0", 7, 9);
     brevoldScaling(2, 0);
     EXPECT_EQ(takeCalls(), kBoostHint);  // same layer, and the period of the mode
 }

@@ -6,32 +6,20 @@
 
 #include <cstdio>
 #include <fstream>
-#include <iterator>
-#include <sstream>
 
-#include "base/error.h"
 #include "base/text.h"
-#include "host/device_profile.h"
-#include "replay/isolated_play.h"
-#include "report/hints_csv.h"
-#include "report/labels.h"
 #include "tests/gzip.h"
+#include "tests/inputs.h"
 #include "tests/pages.h"
 #include "tests/proto_writer.h"
-#include "tests/rest.h"
 #include "tests/zip.h"
-#include "trace/event_line.h"
-#include "trace/gzip_source.h"
 #include "trace/read_timeline.h"
-#include "trace/string_source.h"
 
 namespace brevold::trace {
 namespace {
 
 using namespace std::string_literals;
-
-const std::string kName = "trace";
-constexpr size_t kWhole = std::string::npos;
+using namespace test;
 
 const std::string kByteOrderMark = "\xef\xbb\xbf";
 const std::string kReportFolder = "FS/data/misc/perfetto-traces/";
@@ -48,36 +36,6 @@ std::string atrace(const std::string& text) {
     return "capturing trace... done\nTRACE:\n" + test::zlib(text);
 }
 
-/** A trace with one bundle. */
-std::string perfetto(const std::string& text) {
-    std::vector<test::Proto> events;
-    std::istringstream lines(text);
-    for (std::string line; std::getline(lines, line);) {
-        EventLine event;
-        if (!parseEventLine(line, &event)) continue;
-        takeUntil(':', &event.event);
-        events.push_back(test::ftraceEvent(static_cast<uint64_t>(event.timeNs), event.tid,
-                                           std::string(trimStart(event.event))));
-    }
-    return test::packet(test::ftraceBundle(events));
-}
-
-TraceInput inputOf(const std::string& bytes, size_t maxRead = kWhole,
-                   const std::string& member = {}) {
-    return {std::make_unique<StringSource>(bytes, maxRead), kName, member};
-}
-
-/** The message of an error without the name. */
-template <typename Function>
-std::string errorOf(Function&& function) {
-    try {
-        function();
-    } catch (const InputError& error) {
-        return std::string(error.what()).substr(kName.size());
-    }
-    return "no error";
-}
-
 TEST(InputTest, FindsTheTraceInEveryFormat) {
     const std::string text = kText + "a-90 [000] 2.0: 0: B|90|composite \"1\\2\"\n";
     std::string longText = text;
@@ -85,47 +43,37 @@ TEST(InputTest, FindsTheTraceInEveryFormat) {
         longText += fmt::format("a-{} [000] 2.0: 0: C|90|a|{}\n", 90 + i % 2, i % 2);
     const std::string script = "if(!/^var linuxPerfData = \"\\\\$/.test(line))return \"a-b\";";
     const std::string unclosed = "<script class=\"trace-data\"" + std::string(100'000, ' ');
-    const std::vector<size_t> small = {1, 2, 3, 7, 64, kWhole};
-    const std::vector<size_t> large = {4096, kWhole};
-    const struct {
-        const char* what;
-        std::string bytes;
-        std::string text;
-        std::vector<size_t> maxReads;
-    } cases[] = {
-            {"text", text, text, small},
-            {"byte-order mark", kByteOrderMark + text, text, small},
-            {"latency dump with a byte-order mark", kByteOrderMark + kRows, kRows, small},
-            {"old page", oldPageOf(text), text, small},
-            {"page with a byte-order mark", kByteOrderMark + oldPageOf(text), text, small},
-            {"two pages", pageOf(text) + pageOf(text), text + text, small},
-            {"page whose script looks for the string", pageOf(text, script), text, small},
-            {"page with a tag that is not closed", "<html>" + unclosed + pageOf(text), text, small},
-            {"long page", pageOf(longText, std::string(300'000, 'x')), longText, large},
-            {"gzip", gzip(text), text, small},
-            {"gzip of two members and padding", gzip(text) + gzip(text) + "0", text + text, small},
-            {"gzip of an old page", gzip(oldPageOf(text)), text, small},
-            {"gzip of a long page", gzip(pageOf(longText)), longText, large},
-            {"gzip of a text with a byte-order mark", gzip(kByteOrderMark + text), text, small},
-            {"atrace -z", atrace(text), text, small},
-            {"atrace -z without other lines", "TRACE:\r\n" + test::zlib(text), text, small},
-            {"gzip of atrace -z", gzip(atrace(text)), text, small},
-            {"zip", zipOf({{"a", text}}), text, small},
+    const std::tuple<const char*, std::string, std::string> cases[] = {
+            {"text", text, text},
+            {"byte-order mark", kByteOrderMark + text, text},
+            {"latency dump with a byte-order mark", kByteOrderMark + kRows, kRows},
+            {"old page", oldPageOf(text), text},
+            {"page with a byte-order mark", kByteOrderMark + oldPageOf(text), text},
+            {"two pages", pageOf(text) + pageOf(text), text + text},
+            {"page whose script looks for the string", pageOf(text, script), text},
+            {"page with a tag that is not closed", "<html>" + unclosed + pageOf(text), text},
+            {"long page", pageOf(longText, std::string(300'000, 'x')), longText},
+            {"gzip", gzip(text), text},
+            {"gzip of two members and padding", gzip(text) + gzip(text) + "0", text + text},
+            {"gzip of an old page", gzip(oldPageOf(text)), text},
+            {"gzip of a long page", gzip(pageOf(longText)), longText},
+            {"gzip of a text with a byte-order mark", gzip(kByteOrderMark + text), text},
+            {"atrace -z", atrace(text), text},
+            {"atrace -z without other lines", "TRACE:\r\n" + test::zlib(text), text},
+            {"gzip of atrace -z", gzip(atrace(text)), text},
+            {"zip", zipOf({{"a", text}}), text},
             {"zip of a page among other files",
-             zipOf({{"folder/", ""},
-                    {"a.png", "\x89PNG\0"s},
-                    {"read.me", "a"},
-                    {"b", pageOf(text)}}),
-             text, small},
-            {"zip of gzip among other files", zipOf({{"read.me", "a"}, {"b", gzip(text)}}), text,
-             small},
+             zipOf({{"folder/", ""}, {"a.png", "\x89PNG\0"s}, {"b", pageOf(text)}}), text},
+            {"zip of gzip among other files", zipOf({{"read.me", "a"}, {"b", gzip(text)}}), text},
             {"bug report",
              zipOf({{"version.txt", "2.0"}, {"systrace.txt", kText}, {kReportFolder + "a", text}}),
-             text, small},
-            {"gzip of a zip", gzip(zipOf({{"a", longText}})), longText, large},
+             text},
+            {"gzip of a zip", gzip(zipOf({{"a", longText}})), longText},
     };
-    for (const auto& [what, bytes, expected, maxReads] : cases) {
-        for (const size_t maxRead : maxReads) {
+    for (const auto& [what, bytes, expected] : cases) {
+        for (const size_t maxRead : std::vector<size_t>{1, 2, 3, 7, 64, kWhole}) {
+            // A long trace in tiny blocks takes too long.
+            if (expected.size() > 100'000 && maxRead < 64) continue;
             TraceInput input = inputOf(bytes, maxRead);
             EXPECT_EQ(rest(input.open()), expected) << what << " in reads of " << maxRead;
             char some[10];
@@ -134,8 +82,6 @@ TEST(InputTest, FindsTheTraceInEveryFormat) {
         }
     }
 }
-
-constexpr replay::TimeWindow kWholeTrace = {INT64_MIN, INT64_MAX};
 
 TEST(InputTest, FindsTheTraceOfAPageWhereverABlockEnds) {
     for (size_t before = 6000; before < 6060; ++before) {
@@ -147,76 +93,42 @@ TEST(InputTest, FindsTheTraceOfAPageWhereverABlockEnds) {
     }
 }
 
-TEST(InputTest, GivesTheSameHintsInEveryFormat) {
-    const std::string examples = BREVOLD_EXAMPLES;
-    host::loadProfile(examples + "/everything-on.profile");
-    std::ifstream file(examples + "/game-60hz-headroom.ftrace.txt");
-    const std::string text(std::istreambuf_iterator<char>(file), {});
-    const auto hintsOf = [](const std::string& bytes) {
-        TraceInput input = inputOf(bytes);
-        const Timeline timeline = readTimeline(input, {});
-        std::ostringstream csv;
-        report::writeHintsCsv(timeline, replay::playIsolated(timeline, {}), kWholeTrace, csv);
-        return csv.str();
-    };
-    const std::string hints = hintsOf(text);
-    EXPECT_GT(std::count(hints.begin(), hints.end(), '\n'), 10);
-    const std::pair<const char*, std::string> cases[] = {
-            {"gzip", gzip(text)},
-            {"page", pageOf(text)},
-            {"old page", oldPageOf(text)},
-            {"atrace -z", atrace(text)},
-            {"zip", zipOf({{"a", pageOf(text)}})},
-            {"Perfetto", perfetto(text)},
-            {"zip of a Perfetto trace", zipOf({{"a", perfetto(text)}})},
-            {"without the last newline", text.substr(0, text.size() - 1)},
-    };
-    for (const auto& [what, bytes] : cases)
-        EXPECT_EQ(hintsOf(bytes), hints) << what;
-}
-
 TEST(InputTest, NamesTheRemedyForOtherFormats) {
-    const std::string kRecordAgain = "; record a Perfetto trace or use atrace";
+    const std::string recordAgain = "; record a Perfetto trace or use atrace";
+    const std::string artTrace = "an ART method trace" + recordAgain;
+    const std::string jsonTrace =
+            "a JSON trace; give the Perfetto trace itself, or convert it with 'traceconv systrace'";
+    const std::string utf16Text = "UTF-16 text; convert it with 'iconv -f UTF-16";
     std::string utf16;
     for (const char c : kText)
         utf16 += {c, '\0'};
     const std::pair<std::string, std::string> cases[] = {
             {"\x17\x08\x44tracing6\0"s, "a trace-cmd file; convert it with 'trace-cmd report'"},
-            {"*version\n3\nclock=dual\n", "an ART method trace" + kRecordAgain},
-            {"SLOW\x03\0\x20\0"s, "an ART method trace" + kRecordAgain},
-            {"\tLYRTRACE\x12\x05"s, "a winscope trace" + kRecordAgain},
-            {"\xfd"
-             "7zXZ\0\0"s,
-             "xz data; decompress it with 'xz -d'"},
+            {"*version\n3\nclock=dual\n", artTrace},
+            {"SLOW\x03\0\x20\0"s, artTrace},
+            {"\tLYRTRACE\x12\x05"s, "a winscope trace" + recordAgain},
+            {"\xfd\x37zXZ\0\0"s, "xz data; decompress it with 'xz -d'"},
             {"\x28\xb5\x2f\xfd\x24"s, "zstd data; decompress it with 'zstd -d'"},
             {"BZh91AY&SY\x12"s, "bzip2 data; decompress it with 'bzip2 -d'"},
-            {"\xff\xfe" + utf16, "UTF-16 text; convert it with 'iconv -f UTF-16 -t UTF-8'"},
-            {"\xfe\xff\0#\0 "s, "UTF-16 text; convert it with 'iconv -f UTF-16 -t UTF-8'"},
-            {utf16, "UTF-16 text; convert it with 'iconv -f UTF-16LE -t UTF-8'"},
-            {"\0"s + utf16.substr(0, utf16.size() - 1),
-             "UTF-16 text; convert it with 'iconv -f UTF-16BE -t UTF-8'"},
-            {"{\n \"traceEvents\": [",
-             "a JSON trace; give the Perfetto trace itself, or convert "
-             "it with 'traceconv systrace'"},
-            {"[{\"ph\":\"X\"},",
-             "a JSON trace; give the Perfetto trace itself, or convert it with "
-             "'traceconv systrace'"},
+            {"\xff\xfe" + utf16, utf16Text + " -t UTF-8'"},
+            {"\xfe\xff\0#\0 "s, utf16Text + " -t UTF-8'"},
+            {utf16, utf16Text + "LE -t UTF-8'"},
+            {"\0"s + utf16.substr(0, utf16.size() - 1), utf16Text + "BE -t UTF-8'"},
+            {"{\n \"traceEvents\": [", jsonTrace},
+            {"[{\"ph\":\"X\"},", jsonTrace},
             {"\x89PNG\r\n\x1a\n\0\0"s, "binary data of an unknown format"},
     };
     for (const auto& [bytes, expected] : cases) {
         for (const std::string& packed : {bytes, gzip(bytes), zipOf({{"a", bytes}})})
-            EXPECT_EQ(errorOf([&] { inputOf(packed); }), ": expected a trace, got " + expected);
+            EXPECT_EQ(errorOf([&] { inputOf(packed); }),
+                      "trace: expected a trace, got " + expected);
     }
 }
 
 TEST(InputTest, ReadsWhatIsWholeOfATextThatEndsInsideALine) {
     const std::string unfinished =
             "lines skipped because the text ends inside them: 1, the first in line ";
-    const struct {
-        std::string text;
-        int frames;
-        std::string warning;
-    } cases[] = {
+    const std::tuple<std::string, int, std::string> cases[] = {
             {kText.substr(0, kText.size() - 1), 2, ""},
             {kText.substr(0, kText.size() - 2), 1, unfinished + "4"},
             {kText.substr(0, kText.size() - 20), 1, ""},  // "C|90|Bu" may be whole
@@ -232,10 +144,7 @@ TEST(InputTest, ReadsWhatIsWholeOfATextThatEndsInsideALine) {
         TraceInput input = inputOf(text);
         const Timeline timeline = readTimeline(input, {});
         EXPECT_EQ(timeline.layers[0].frames, frames) << text;
-        std::string warnings;
-        for (const TraceWarning& one : timeline.warnings)
-            warnings += report::warningText(one);
-        EXPECT_EQ(warnings, warning) << text;
+        EXPECT_EQ(warningsOf(timeline), warning) << text;
     }
 }
 
@@ -243,41 +152,38 @@ TEST(InputTest, TakesOneTraceOfAnArchive) {
     const std::string several = zipOf({{"a", kText}, {"b", "none"}, {"c", kRows}, {"d\n", kText}});
     const std::string report = zipOf({{kReportFolder + "x", kText}, {kReportFolder + "y", kText}});
     std::vector<std::pair<std::string, std::string>> many;
-    for (int i = 0; i < 22; ++i)
-        many.emplace_back(std::string(1, static_cast<char>('a' + i)), kText);
+    for (const char name : "abcdefghijklmnopqrstuv"s)
+        many.emplace_back(std::string(1, name), kText);
     std::string damaged = zipOf({{"a", kText}});
     damaged[40] = static_cast<char>(damaged[40] ^ 0x55);
-    const auto choose = [](const std::string& list) {
-        return ": expected an archive with one trace, got " + list;
+    const auto choose = [](int count, const std::string& list) {
+        return fmt::format(
+                "expected an archive with one trace, got {}; choose one of them as "
+                "ARCHIVE:MEMBER: {}",
+                count, list);
     };
-    const char* const kChoose = "; choose one of them as ARCHIVE:MEMBER: ";
-    const struct {
-        std::string bytes;
-        const char* member;
-        std::string error;
-    } cases[] = {
-            {several, "", choose("3"s + kChoose + "'a', 'c', 'd?'")},
-            {report, "",
-             choose("2"s + kChoose + quote(kReportFolder + "x") + ", " +
-                    quote(kReportFolder + "y"))},
+    const std::string reports = quote(kReportFolder + "x") + ", " + quote(kReportFolder + "y");
+    const std::tuple<std::string, const char*, std::string> cases[] = {
+            {several, "", choose(3, "'a', 'c', 'd?'")},
+            {report, "", choose(2, reports)},
             {zipOf(many), "",
-             choose("22"s + kChoose +
-                    "'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h', 'i', 'j', 'k', "
-                    "'l', 'm', 'n', 'o', 'p', 'q', 'r', 's', 't' and 2 more")},
-            {several, "e", ": the archive has no such member"},
+             choose(22,
+                    "'a', 'b', 'c', 'd', 'e', 'f', 'g', 'h', 'i', 'j', 'k', 'l', 'm', 'n', "
+                    "'o', 'p', 'q', 'r', 's', 't' and 2 more")},
+            {several, "e", "the archive has no such member"},
             {zipOf({{"a", "none"}, {"b", "\x89PNG"}}), "",
-             ": expected an archive with a trace, found none in it"},
+             "expected an archive with a trace, found none in it"},
             {several.substr(0, several.size() - 10), "",
-             ": the zip archive is damaged or incomplete; copy the file again"},
-            {kText, "a", ": expected a zip archive before the colon, got another file"},
+             "the zip archive is damaged or incomplete; copy the file again"},
+            {kText, "a", "expected a zip archive before the colon, got another file"},
             {gzip(gzip(gzip(gzip(gzip(kText))))), "",
-             ": is compressed too many times; decompress it first"},
+             "is compressed too many times; decompress it first"},
     };
     for (const auto& [bytes, member, expected] : cases)
         EXPECT_EQ(errorOf([&, &packed = bytes, &name = member] { inputOf(packed, 64, name); }),
-                  expected);
+                  "trace: " + expected);
     const std::string error = errorOf([&] { rest(inputOf(damaged).open()); });
-    EXPECT_EQ(error.find(": the member 'a' of the zip archive cannot be read: "), 0u) << error;
+    EXPECT_EQ(error.find("trace: the member 'a' of the zip archive cannot be read: "), 0u) << error;
 
     const std::string path = fmt::format("{}input:{}.zip", testing::TempDir(), getpid());
     std::ofstream(path, std::ios::binary) << several;
@@ -297,12 +203,7 @@ TEST(InputTest, LimitsTheExpansionOfTheWholeInput) {
     const std::string blanks = kText + std::string(1'000'000, '\n');
     const ExpansionLimits byteLimit = {text.size(), 1000, text.size()};
     const ExpansionLimits ratioLimit = {10'000'000, 100, 500'000};
-    const struct {
-        const char* what;
-        std::string bytes;
-        ExpansionLimits limits;
-        bool isRefused;
-    } cases[] = {
+    const std::tuple<const char*, std::string, ExpansionLimits, bool> cases[] = {
             {"gzip at the limit", gzip(text), byteLimit, false},
             {"gzip beyond the limit", gzip(text + "\n"), byteLimit, true},
             {"zip at the limit", zipOf({{"a", text}}), byteLimit, false},
@@ -316,15 +217,14 @@ TEST(InputTest, LimitsTheExpansionOfTheWholeInput) {
             {"gzip in zip", zipOf({{"a", gzip(blanks)}}), {10'000'000, 1500, 500'000}, true},
             {"gzip only", gzip(blanks), {10'000'000, 1500, 500'000}, false},
     };
-    for (const auto& one : cases) {
-        const std::string error = errorOf([&one] {
-            TraceInput input(std::make_unique<StringSource>(one.bytes), kName, {}, one.limits);
+    for (const auto& [what, bytes, limits, isRefused] : cases) {
+        const std::string error = errorOf([&packed = bytes, &limit = limits] {
+            TraceInput input(std::make_unique<StringSource>(packed), "trace", {}, limit);
             rest(input.open());
             rest(input.open());
         });
-        const bool isRefused = error.find(": expected a compressed trace, got ") == 0;
-        EXPECT_EQ(isRefused, one.isRefused) << one.what << error;
-        EXPECT_EQ(error == "no error", !one.isRefused) << one.what << error;
+        const std::string expected = isRefused ? "trace: expected a compressed trace, got " : "";
+        EXPECT_EQ(error.substr(0, 40), expected) << what << error;
     }
 }
 

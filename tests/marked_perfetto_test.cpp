@@ -8,9 +8,9 @@
 #include <sstream>
 
 #include "tests/gzip.h"
+#include "tests/inputs.h"
 #include "tests/proto_writer.h"
 #include "trace/read_timeline.h"
-#include "trace/string_source.h"
 
 namespace brevold::report {
 namespace {
@@ -43,48 +43,40 @@ void flatten(const std::string& path, pbf_reader message, const std::vector<std:
 
 /** Describes each packet; tracks are numbered in the order in which they are described. */
 std::vector<std::string> describe(const std::string& packets) {
-    std::map<std::string, size_t> tracks;
+    const std::pair<const char*, const char*> labels[] = {
+            {"10", "sequence "},    {"60.1", " track "},  {"60.3.1", " process "},
+            {"60.4.2", " thread "}, {"60.4.1", " of "},   {"60.4.5", " named "},
+            {"60.8", " counter"},   {"60.2", " named "},  {"60.5", " of track "},
+            {"58", " clock "},      {"8", " at "},        {"11.11", " track "},
+            {"11.9", " type "},     {"11.23", " named "}, {"11.30", " value "}};
+    std::map<std::string, std::string> tracks;
     std::vector<std::string> lines;
-    pbf_reader trace(packets);
-    while (trace.next(1)) {
+    for (pbf_reader trace(packets); trace.next(1);) {
         Fields fields;
         flatten("", trace.get_message(), {"60", "60.3", "60.4", "60.8", "11"}, &fields);
-        std::string line = "sequence " + fields["10"];
         if (fields.count("60") != 0) {
-            const size_t number = tracks.size();
-            EXPECT_TRUE(tracks.emplace(fields["60.1"], number).second);
-            line += fmt::format(" track {}", number);
-            if (fields.count("60.3") != 0) line += " process " + fields["60.3.1"];
-            if (fields.count("60.4") != 0) {
-                line += fmt::format(" thread {} of {} '{}'", fields["60.4.2"], fields["60.4.1"],
-                                    fields["60.4.5"]);
-            }
-            if (fields.count("60.8") != 0) {
-                line += fmt::format(" counter '{}' of track {}", fields["60.2"],
-                                    tracks.at(fields["60.5"]));
-            }
-        } else {
-            line += fmt::format(" clock {} {} track {} type {} '{}{}'", fields["58"], fields["8"],
-                                tracks.at(fields["11.11"]), fields["11.9"], fields["11.23"],
-                                fields["11.30"]);
+            EXPECT_TRUE(tracks.emplace(fields["60.1"], std::to_string(tracks.size())).second);
         }
-        lines.push_back(line);
+        for (const char* const track : {"60.1", "60.5", "11.11"}) {
+            if (fields.count(track) != 0) fields[track] = tracks.at(fields[track]);
+        }
+        std::string& line = lines.emplace_back();
+        for (const auto& [field, label] : labels) {
+            if (fields.count(field) != 0) line += label + fields[field];
+        }
     }
     return lines;
 }
 
-host::Hint hintAt(int64_t timeNs, host::HintKind kind, int32_t durationMs, uint32_t type,
-                  double scale) {
-    return {timeNs, kind, 0, durationMs, type, scale, 0, 0};
-}
+using Kind = host::HintKind;
 
 replay::Recording exampleRecording() {
     replay::Recording recording;
     recording.hints = {
-            hintAt(1'000'500'001, host::HintKind::Down, 19, 0, 0.282),
-            hintAt(1'000'500'001, host::HintKind::RefreshRate, 0, 90, 0),
-            hintAt(1'020'000'000, host::HintKind::JankBoost, 2000, 0, 10),
-            hintAt(1'025'000'000, host::HintKind::Release, 0, 1, 0),
+            {1'000'500'001, Kind::Down, 0, 19, 0, 0.282, 0, 0},
+            {1'000'500'001, Kind::RefreshRate, 0, 0, 90, 0, 0, 0},
+            {1'020'000'000, Kind::JankBoost, 0, 2000, 0, 10, 0, 0},
+            {1'025'000'000, Kind::Release, 0, 0, 1, 0, 0, 0},
     };
     recording.threads = {"Monitor0"};
     recording.marks = {{{1'000'000'000, -1, true, "frame"}, 4'194'305},
@@ -107,7 +99,7 @@ const std::string kPackets =
 
 /** What writePerfetto() adds to the packets of a trace with these bytes. */
 std::string addedTo(const std::string& bytes, const std::string& packets) {
-    trace::TraceInput input(std::make_unique<trace::StringSource>(bytes), "trace");
+    trace::TraceInput input = test::inputOf(bytes);
     trace::TraceForm form;
     const trace::Timeline timeline = trace::readTimeline(input, {}, &form);
     std::ostringstream output;
@@ -120,33 +112,33 @@ TEST(MarkedPerfettoTest, AppendsTheMarksToTheWholePackets) {
     const std::string incomplete = kPackets.substr(0, 5);
     const std::vector<std::string> expected = {
             "sequence 8 track 0 process 90",
-            "sequence 8 track 1 thread 90 of 90 'sf'",
+            "sequence 8 track 1 thread 90 of 90 named sf",
             // The first id after those of kernels is taken.
-            "sequence 8 track 2 thread 4194306 of 90 'Monitor0'",
-            "sequence 8 track 3 thread 4194305 of 90 ''",
-            "sequence 8 track 4 thread 4194307 of 90 'hints QB'",
-            "sequence 8 track 5 thread 4194308 of 90 'hints SF'",
-            "sequence 8 track 6 thread 4194309 of 90 'hints rate'",
-            "sequence 8 clock 6 1000000000 track 3 type 1 'frame'",
-            "sequence 8 clock 6 1000000000 track 3 type 2 ''",
-            "sequence 8 clock 6 1000500001 track 1 type 1 'report'",
-            "sequence 8 clock 6 1000500001 track 2 type 1 'x y'",
-            "sequence 8 clock 6 1000500001 track 2 type 2 ''",
-            "sequence 8 track 7 counter 'hint scale x1000' of track 0",
-            "sequence 8 clock 6 1000500001 track 7 type 4 '282'",
-            "sequence 8 clock 6 1000500001 track 4 type 1 'DOWN 0.282'",
-            "sequence 8 track 8 counter 'hint refresh rate' of track 0",
-            "sequence 8 clock 6 1000500001 track 8 type 4 '90'",
-            "sequence 8 clock 6 1000500001 track 6 type 1 'refresh-rate 90'",
-            "sequence 8 clock 6 1000500002 track 1 type 2 ''",
-            "sequence 8 clock 6 1019500001 track 4 type 2 ''",
-            "sequence 8 clock 6 1019500001 track 7 type 4 '0'",
-            "sequence 8 track 9 counter 'hint boost' of track 0",
-            "sequence 8 clock 6 1020000000 track 9 type 4 '1'",
-            "sequence 8 clock 6 1020000000 track 5 type 1 'jank boost 10.000'",
-            "sequence 8 clock 6 1025000000 track 5 type 2 ''",
-            "sequence 8 clock 6 1025000000 track 9 type 4 '0'",
-            "sequence 8 clock 6 1030000000 track 6 type 2 ''",
+            "sequence 8 track 2 thread 4194306 of 90 named Monitor0",
+            "sequence 8 track 3 thread 4194305 of 90",
+            "sequence 8 track 4 thread 4194307 of 90 named hints QB",
+            "sequence 8 track 5 thread 4194308 of 90 named hints SF",
+            "sequence 8 track 6 thread 4194309 of 90 named hints rate",
+            "sequence 8 clock 6 at 1000000000 track 3 type 1 named frame",
+            "sequence 8 clock 6 at 1000000000 track 3 type 2",
+            "sequence 8 clock 6 at 1000500001 track 1 type 1 named report",
+            "sequence 8 clock 6 at 1000500001 track 2 type 1 named x y",
+            "sequence 8 clock 6 at 1000500001 track 2 type 2",
+            "sequence 8 track 7 counter named hint scale x1000 of track 0",
+            "sequence 8 clock 6 at 1000500001 track 7 type 4 value 282",
+            "sequence 8 clock 6 at 1000500001 track 4 type 1 named DOWN 0.282",
+            "sequence 8 track 8 counter named hint refresh rate of track 0",
+            "sequence 8 clock 6 at 1000500001 track 8 type 4 value 90",
+            "sequence 8 clock 6 at 1000500001 track 6 type 1 named refresh-rate 90",
+            "sequence 8 clock 6 at 1000500002 track 1 type 2",
+            "sequence 8 clock 6 at 1019500001 track 4 type 2",
+            "sequence 8 clock 6 at 1019500001 track 7 type 4 value 0",
+            "sequence 8 track 9 counter named hint boost of track 0",
+            "sequence 8 clock 6 at 1020000000 track 9 type 4 value 1",
+            "sequence 8 clock 6 at 1020000000 track 5 type 1 named jank boost 10.000",
+            "sequence 8 clock 6 at 1025000000 track 5 type 2",
+            "sequence 8 clock 6 at 1025000000 track 9 type 4 value 0",
+            "sequence 8 clock 6 at 1030000000 track 6 type 2",
     };
     EXPECT_EQ(describe(addedTo(kPackets, kPackets)), expected);
     EXPECT_EQ(describe(addedTo(gzip(kPackets + incomplete), kPackets)), expected);
@@ -158,14 +150,18 @@ TEST(MarkedPerfettoTest, KeepsApartTheMarksOfTwoReplays) {
     // Each descriptor gives a track that no other has, and the events find theirs.
     const std::vector<std::string> lines = describe(first + second);
     ASSERT_EQ(lines.size(), 55u);
-    EXPECT_EQ(lines[27], "sequence 9 track 10 process 90");
-    EXPECT_EQ(lines[28], "sequence 9 track 11 thread 90 of 90 'sf'");
-    EXPECT_EQ(lines[29], "sequence 9 track 12 thread 4194310 of 90 'Monitor0 (replayed)'");
-    EXPECT_EQ(lines[30], "sequence 9 track 13 thread 4194311 of 90 '4194305 (replayed)'");
-    EXPECT_EQ(lines[31], "sequence 9 track 14 thread 4194312 of 90 'sf (replayed)'");
-    EXPECT_EQ(lines[37], "sequence 9 clock 6 1000500001 track 14 type 1 'report'");
-    EXPECT_EQ(lines[38], "sequence 9 clock 6 1000500001 track 12 type 1 'x y'");
-    EXPECT_EQ(lines[40], "sequence 9 track 18 counter 'hint scale x1000 (replayed)' of track 10");
+    const std::pair<size_t, const char*> expected[] = {
+            {27, "track 10 process 90"},
+            {28, "track 11 thread 90 of 90 named sf"},
+            {29, "track 12 thread 4194310 of 90 named Monitor0 (replayed)"},
+            {30, "track 13 thread 4194311 of 90 named 4194305 (replayed)"},
+            {31, "track 14 thread 4194312 of 90 named sf (replayed)"},
+            {37, "clock 6 at 1000500001 track 14 type 1 named report"},
+            {38, "clock 6 at 1000500001 track 12 type 1 named x y"},
+            {40, "track 18 counter named hint scale x1000 (replayed) of track 10"},
+    };
+    for (const auto& [line, text] : expected)
+        EXPECT_EQ(lines[line], std::string("sequence 9 ") + text);
 }
 
 }  // namespace

@@ -1,15 +1,16 @@
 #include "report/marked_trace.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
 #include <sstream>
 #include <tuple>
 
 #include "host/device_profile.h"
 #include "replay/isolated_play.h"
+#include "tests/inputs.h"
+#include "tests/pages.h"
 #include "trace/read_timeline.h"
-#include "trace/string_source.h"
 #include "trace/text_mark_reader.h"
 
 namespace brevold::report {
@@ -19,14 +20,14 @@ const std::string kExamples = BREVOLD_EXAMPLES;
 
 using Mark = std::tuple<int64_t, std::string, bool, std::string>;
 
-/** Returns the marked trace of a text, with the recording of its replay. */
-std::string marked(const std::string& text, replay::Recording* recording) {
-    trace::TraceInput input(std::make_unique<trace::StringSource>(text), "trace");
+/** Returns the trace with the marks of a recording, or of a replay if that is null. */
+std::string marked(const std::string& bytes, const replay::Recording* recording = nullptr) {
+    trace::TraceInput input = test::inputOf(bytes);
     trace::TraceForm form;
     const trace::Timeline timeline = trace::readTimeline(input, {}, &form);
-    *recording = replay::playIsolated(timeline, {});
     std::ostringstream output;
-    writeTrace(input.open(), "trace", timeline, form, *recording, output);
+    writeTrace(input.open(), input.name(), timeline, form,
+               recording == nullptr ? replay::playIsolated(timeline, {}) : *recording, output);
     return output.str();
 }
 
@@ -47,12 +48,6 @@ std::string addedTo(const std::string& text, const std::string& markedText) {
     }
     EXPECT_FALSE(original) << "missing or changed line: " << expected;
     return added;
-}
-
-std::string fileText(const std::string& path) {
-    std::ostringstream text;
-    text << std::ifstream(path).rdbuf();
-    return text.str();
 }
 
 /** The marks of the library in added lines. `suffix` ends the names of threads and counters. */
@@ -76,10 +71,9 @@ std::vector<Mark> marksIn(const std::string& added, const std::string& suffix) {
 
 TEST(MarkedTraceTest, KeepsTheTraceAndAddsEveryMarkOfTheLibrary) {
     host::loadProfile(kExamples + "/everything-on.profile");
-    const std::string text = fileText(kExamples + "/game-120hz-falls-behind.ftrace.txt");
-    replay::Recording recording;
-    const std::string first = marked(text, &recording);
-
+    const std::string text = test::contentOf(kExamples + "/game-120hz-falls-behind.ftrace.txt");
+    trace::TraceInput input = test::inputOf(text);
+    const replay::Recording recording = replay::playIsolated(trace::readTimeline(input, {}), {});
     std::vector<Mark> emitted;
     std::string caller;
     for (const replay::RecordedMark& recorded : recording.marks) {
@@ -90,60 +84,44 @@ TEST(MarkedTraceTest, KeepsTheTraceAndAddsEveryMarkOfTheLibrary) {
         emitted.emplace_back(mark.timeNs, tasks[mark.thread + 1], mark.isBegin, mark.label);
     }
     EXPECT_GT(emitted.size(), 1000u);
+    const std::string first = marked(text);
     EXPECT_EQ(marksIn(addedTo(text, first), ""), emitted);
-
     // The marks of a second replay are the same, on tracks of their own.
-    replay::Recording again;
-    EXPECT_EQ(marksIn(addedTo(first, marked(first, &again)), " (replayed)"), emitted);
+    EXPECT_EQ(marksIn(addedTo(first, marked(first)), " (replayed)"), emitted);
 }
 
-host::Hint hintAt(int64_t timeNs, host::HintKind kind, int32_t durationMs, uint32_t type,
-                  double scale) {
-    return {timeNs, kind, 0, durationMs, type, scale, 0, 0};
-}
+using Kind = host::HintKind;
 
 TEST(MarkedTraceTest, UsesTheNotationOfTheTrace) {
-    const struct {
-        std::string columns;
-        std::string event;
-        std::string end;
-        std::string decimals;
-    } styles[] = {
+    const std::tuple<std::string, std::string, std::string, std::string> styles[] = {
             {" [000] ", ": 0: ", "E", ""},
             {" [000] .... ", ": print: ", "E", "00000"},
             {" (   90) [000] .... ", ": tracing_mark_write: ", "E|90", "00"},
     };
+    replay::Recording recording;
+    recording.hints = {
+            {1'000'500'000, Kind::Down, 0, 19, 0, 0.282, 0, 0},
+            {1'000'500'000, Kind::Up, 0, 19, 0, 1.5, 0, 0},
+            {1'000'500'000, Kind::RefreshRate, 0, 0, 90, 0, 0, 0},
+            {1'020'000'000, Kind::JankBoost, 0, 2000, 0, 10, 0, 0},
+            {1'020'000'000, Kind::Release, 0, 0, 1, 0, 0, 0},
+            {1'020'000'000, Kind::Down, 0, 19, 0, 0.5, 0, 0},
+    };
+    recording.threads = {"Monitor0"};
+    recording.marks = {{{1'000'500'000, 0, true, "x y"}, 0}, {{1'000'500'000, 0, false, ""}, 0}};
     for (const auto& style : styles) {
         const auto line = [&](const char* thread, const char* time, const std::string& mark) {
-            return thread + style.columns + time + style.decimals + style.event +
-                   (mark == "E" ? style.end : mark) + "\n";
+            const auto& [columns, event, end, decimals] = style;
+            return fmt::format("{}{}    {}{}{}{}\n", thread, columns, time, decimals, event,
+                               mark == "E" ? end : mark);
         };
         // The thread of the second line has the first id that would be added.
         const std::string head = "# comment\n" +
-                                 line("sf-90  ", "    1.0000", "C|90|BufferTX - a#1|1") +
-                                 line("app-4194305", "    1.0005", "B|90|commit") + "stray\n";
-        const std::string middle = line("sf-90  ", "    1.0200", "C|90|BufferTX - a#1|0") +
-                                   line("sf-90  ", "    0.5000", "E") +
-                                   line("sf-90  ", "    1.0200", "E");
-        const std::string last = line("sf-90  ", "    1.0300", "B|90|x") + "# end\n";
-        const std::string text = head + middle + last;
-
-        trace::TraceInput read(std::make_unique<trace::StringSource>(text), "trace");
-        trace::TraceForm form;
-        const trace::Timeline timeline = trace::readTimeline(read, {}, &form);
-        replay::Recording recording;
-        recording.hints = {
-                hintAt(1'000'500'000, host::HintKind::Down, 19, 0, 0.282),
-                hintAt(1'000'500'000, host::HintKind::Up, 19, 0, 1.5),
-                hintAt(1'000'500'000, host::HintKind::RefreshRate, 0, 90, 0),
-                hintAt(1'020'000'000, host::HintKind::JankBoost, 2000, 0, 10),
-                hintAt(1'020'000'000, host::HintKind::Release, 0, 1, 0),
-                hintAt(1'020'000'000, host::HintKind::Down, 19, 0, 0.5),
-        };
-        recording.threads = {"Monitor0"};
-        recording.marks = {{{1'000'500'000, 0, true, "x y"}, 0},
-                           {{1'000'500'000, 0, false, ""}, 0}};
-
+                                 line("sf-90  ", "1.0000", "C|90|BufferTX - a#1|1") +
+                                 line("app-4194305", "1.0005", "B|90|commit") + "stray\n";
+        const std::string middle = line("sf-90  ", "1.0200", "C|90|BufferTX - a#1|0") +
+                                   line("sf-90  ", "0.5000", "E") + line("sf-90  ", "1.0200", "E");
+        const std::string last = line("sf-90  ", "1.0300", "B|90|x") + "# end\n";
         const char* kSurfaceFlinger = "              sf-90   ";
         const char* kMonitor = "        Monitor0-4194306";
         const char* kQb = "        hints QB-4194307";
@@ -153,22 +131,17 @@ TEST(MarkedTraceTest, UsesTheNotationOfTheTrace) {
             return line(kSurfaceFlinger, time, std::string("C|90|hint ") + mark);
         };
         const std::string expected =
-                head + line(kMonitor, "    1.0005", "B|90|x y") +
-                line(kMonitor, "    1.0005", "E") + counter("    1.0005", "scale x1000|282") +
-                line(kQb, "    1.0005", "B|90|DOWN 0.282") + line(kQb, "    1.0005", "E") +
-                counter("    1.0005", "scale x1000|1500") +
-                line(kQb, "    1.0005", "B|90|UP 1.500") +
-                counter("    1.0005", "refresh rate|90") +
-                line(kRate, "    1.0005", "B|90|refresh-rate 90") + line(kQb, "    1.0195", "E") +
-                counter("    1.0195", "scale x1000|0") + middle +
-                counter("    1.0200", "scale x1000|500") +
-                line(kQb, "    1.0200", "B|90|DOWN 0.500") + counter("    1.0200", "boost|1") +
-                line(kSf, "    1.0200", "B|90|jank boost 10.000") + line(kSf, "    1.0200", "E") +
-                counter("    1.0200", "boost|0") + last + line(kQb, "    1.0300", "E") +
-                line(kRate, "    1.0300", "E");
-        std::ostringstream output;
-        writeTrace(read.open(), read.name(), timeline, form, recording, output);
-        EXPECT_EQ(output.str(), expected);
+                head + line(kMonitor, "1.0005", "B|90|x y") + line(kMonitor, "1.0005", "E") +
+                counter("1.0005", "scale x1000|282") + line(kQb, "1.0005", "B|90|DOWN 0.282") +
+                line(kQb, "1.0005", "E") + counter("1.0005", "scale x1000|1500") +
+                line(kQb, "1.0005", "B|90|UP 1.500") + counter("1.0005", "refresh rate|90") +
+                line(kRate, "1.0005", "B|90|refresh-rate 90") + line(kQb, "1.0195", "E") +
+                counter("1.0195", "scale x1000|0") + middle + counter("1.0200", "scale x1000|500") +
+                line(kQb, "1.0200", "B|90|DOWN 0.500") + counter("1.0200", "boost|1") +
+                line(kSf, "1.0200", "B|90|jank boost 10.000") + line(kSf, "1.0200", "E") +
+                counter("1.0200", "boost|0") + last + line(kQb, "1.0300", "E") +
+                line(kRate, "1.0300", "E");
+        EXPECT_EQ(marked(head + middle + last, &recording), expected);
     }
 }
 
@@ -189,25 +162,19 @@ TEST(MarkedTraceTest, NamesTheProcessesOfAPage) {
             "system 90    1 9234 7404 0        0 S surfaceflinger  surfaceflinger\n"
             "u0_a8  91    1 9234 7404 0        0 S com.example.app com.example.app\n"
             "USER  PID TID CMD\nu0_a8  91  91 com.example.app\nu0_a8  91  95 RenderThread\n";
+    replay::Recording recording;
+    recording.marks = {{{1'000'000'000, -1, true, "x"}, 95}};
     for (const std::string& dump : {oldDump, newDump}) {
-        const std::string element = "<script class=\"trace-data\" type=\"application/text\">\n";
-        const std::string page = "<!DOCTYPE html>\n" + element + "PROCESS DUMP\n" + dump +
-                                 "  </script>\n" + element + text + "  </script>\n</html>\n";
-        trace::TraceInput input(std::make_unique<trace::StringSource>(page), "page");
-        trace::TraceForm form;
-        const trace::Timeline timeline = trace::readTimeline(input, {}, &form);
-        replay::Recording recording;
-        recording.marks = {{{1'000'000'000, -1, true, "x"}, 95}};
-        std::ostringstream output;
-        writeTrace(input.open(), input.name(), timeline, form, recording, output);
-        EXPECT_EQ(addedTo(text, output.str()),
+        const std::string output = marked(
+                "<html>\n" + elementOf("PROCESS DUMP\n" + dump) + elementOf(text), &recording);
+        EXPECT_EQ(addedTo(text, output),
                   "           <...>-90    (   90) [000] ....     1.0000: task_rename: pid=90 "
                   "oldcomm=<...> newcomm=surfaceflinger oom_score_adj=0\n"
                   "            main-91    (   91) [000] ....     1.0000: task_rename: pid=91 "
                   "oldcomm=main newcomm=com.example.app oom_score_adj=0\n"
                   // The thread has the name that it had last.
                   "             new-95    (   90) [000] ....     1.0000: print: B|90|x\n");
-        EXPECT_EQ(output.str().substr(0, 14), "# tracer: nop\n");
+        EXPECT_EQ(output.substr(0, 14), "# tracer: nop\n");
     }
 }
 

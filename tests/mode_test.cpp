@@ -24,6 +24,11 @@ TEST_F(ModeTest, BoundsOfTheModes) {
     for (const auto& [meanNs, mode] : cases)
         EXPECT_EQ(windowOf({meanNs, meanNs, meanNs}, meanNs).substr(10, 2), mode + std::string(" "))
                 << meanNs;
+    android::clearConfigs();
+    EXPECT_EQ(windowOf({1}, 1), "");
+    android::modeMonitor(100000000);  // forgotten by the initialisation
+    brevoldInit();
+    EXPECT_EQ(windowOf({1}, 1).substr(0, 31), "[FM]gMode:5 \tFPS:\t1000000000.00");
 }
 
 TEST_F(ModeTest, WindowClosesAfterMoreThanOneSecond) {

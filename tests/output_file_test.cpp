@@ -11,15 +11,15 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 
-#include "base/error.h"
 #include "base/file_identity.h"
+#include "tests/inputs.h"
 
 namespace brevold {
 namespace {
 
 namespace fs = std::filesystem;
+using test::contentOf;
 
 class OutputFileTest : public testing::Test {
   protected:
@@ -32,10 +32,6 @@ class OutputFileTest : public testing::Test {
         fs::remove_all(mFolder);
     }
 
-    static std::string contentOf(const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
     static void put(const std::string& path, const std::string& content) {
         std::ofstream(path, std::ios::binary) << content;
     }
@@ -45,12 +41,7 @@ class OutputFileTest : public testing::Test {
         file.commit();
     }
     static std::string errorOf(const std::string& path) {
-        try {
-            write(path, "x");
-        } catch (const OutputError& error) {
-            return error.what();
-        }
-        return "";
+        return test::errorOf<OutputError>([&] { write(path, "x"); });
     }
     static std::ptrdiff_t fileCount() {
         return std::distance(fs::directory_iterator("."), fs::directory_iterator());
@@ -72,14 +63,11 @@ TEST_F(OutputFileTest, ReplacesAFileOnlyWhenItIsWhole) {
     EXPECT_EQ(fileCount(), 1);
     write("a", std::string(100'000, 'y'));
     EXPECT_EQ(contentOf("a"), std::string(100'000, 'y'));
-    struct stat status;
-    stat("a", &status);
-    EXPECT_EQ(status.st_mode & 07777u, 0640u);
     const mode_t mask = umask(027);
     write("b", "new");
     umask(mask);
-    stat("b", &status);
-    EXPECT_EQ(status.st_mode & 07777u, 0640u);
+    for (const char* const path : {"a", "b"})
+        EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640)) << path;
     EXPECT_EQ(fileCount(), 2);
 }
 
@@ -144,32 +132,26 @@ TEST_F(OutputFileTest, RefusesTheFileOfAnInputOrOfAnotherOutput) {
     fs::create_symlink("in", "link");
     fs::create_hard_link("in", "hard");
     fs::create_directory("folder");
-    const struct {
-        std::vector<NamedFile> outputs;
-        const char* error;
-    } cases[] = {
+    const std::string also = "--plot -: is also the output of --hints";
+    const std::pair<std::vector<NamedFile>, std::string> cases[] = {
             {{{"--hints", "a"}, {"--plot", "b"}}, ""},
             {{{"--hints", "-"}}, ""},
             {{{"--hints", ""}}, "--hints: expected the name of a file"},
             {{{"--hints", "./in"}}, "--hints ./in: is also an input"},
             {{{"--hints", "link"}}, "--hints link: is also an input"},
             {{{"--hints", "hard"}}, "--hints hard: is also an input"},
-            {{{"--hints", "a"}, {"--plot", "folder/../a"}},
-             "--plot folder/../a: is also the output of --hints"},
-            {{{"--hints", "-"}, {"--plot", "-"}}, "--plot -: is also the output of --hints"},
-            {{{"--hints", "/dev/stdout"}, {"--plot", "-"}},
-             "--plot -: is also the output of --hints"},
+            {{{"--hints", "-"}, {"--plot", "-"}}, also},
+            {{{"--hints", "/dev/stdout"}, {"--plot", "-"}}, also},
             {{{"--hints", "a"}, {"--plot", "folder/a"}}, ""},
             {{{"--hints", "none/a"}, {"--plot", "none/a"}}, ""},
+            {{{"--hints", "a"}, {"--plot", "folder/../a"}},
+             "--plot folder/../a: is also the output of --hints"},
     };
     for (const auto& [outputs, error] : cases) {
-        std::string got;
-        try {
-            requireSeparateFiles({"-", "in"}, outputs);
-        } catch (const OutputError& thrown) {
-            got = thrown.what();
-        }
-        EXPECT_EQ(got, error);
+        EXPECT_EQ(test::errorOf<OutputError>([&files = outputs] {
+                      requireSeparateFiles({"-", "in"}, files);
+                  }),
+                  error);
     }
 }
 

@@ -15,6 +15,7 @@ namespace {
 thread_local int tLockError;
 thread_local int tUnlockError;
 std::string gOpened;
+bool gIsClientMissing;
 
 // If not null, called before this thread waits for a lock.
 thread_local void (*tBeforeWaiting)();
@@ -48,6 +49,8 @@ extern "C" void* dlopen(const char* path, int flags) {
     static void* (*gReal)(const char*, int);
     if (gReal == nullptr) gReal = real<void* (*)(const char*, int)>("dlopen");
     if (path != nullptr) gOpened += path + (" " + std::to_string(flags)) + "; ";
+    if (gIsClientMissing && path != nullptr && path == std::string(brevold::test::kClient))
+        return nullptr;
     return gReal(path, flags);
 }
 
@@ -60,6 +63,12 @@ TEST_F(PlatformTest, OpensTheFeatureSwitchLazilyAndTheClientAtOnce) {
     gOpened.clear();
     restart();
     EXPECT_EQ(gOpened, "libfeatgate_system.so 1; libvnx-perfd-client_system.so 2; ");
+    // Without the client, functions that were found before stay, but new workers have none.
+    gIsClientMissing = true;
+    restart();
+    const std::string log = takeLogTexts();
+    const std::string failed = "; Failed to get hwopt handle.\n";
+    EXPECT_EQ(log.substr(log.find(';')), failed + failed + failed);
 }
 
 TEST_F(PlatformTest, AFailedLockAbortsExceptInModeMonitorAndWorkers) {

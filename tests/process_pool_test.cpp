@@ -3,6 +3,7 @@
 #include "base/process_pool.h"
 
 #include <gtest/gtest.h>
+#include <poll.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -31,47 +32,34 @@ TEST(ProcessPoolTest, ReturnsResultsInTheOrderOfTheJobs) {
     }
 }
 
-class Pipe {
-  public:
-    Pipe() { EXPECT_EQ(pipe(mFds), 0); }
-    ~Pipe() {
-        close(mFds[0]);
-        close(mFds[1]);
-    }
-    void put(char byte) const { EXPECT_EQ(write(mFds[1], &byte, 1), 1); }
-    char take() const {
-        char byte = 0;
-        EXPECT_EQ(read(mFds[0], &byte, 1), 1);
-        return byte;
-    }
-
-  private:
-    int mFds[2];
-};
-
 TEST(ProcessPoolTest, RunsAsManyJobsAtATimeAsAllowed) {
-    const Pipe pipe;
-    const std::vector<Job> steps(20, [&] {
-        pipe.put('b');
-        pipe.put('e');
-        return std::string();
-    });
-    runInProcesses(steps, 1, "");
-    for (size_t i = 0; i < steps.size(); ++i)
-        EXPECT_TRUE(pipe.take() == 'b' && pipe.take() == 'e');
-
-    // Each job waits for the other one; the alarm ends it if that does not run.
-    const Pipe pipes[2];
-    std::vector<Job> jobs;
-    for (const size_t i : {0u, 1u}) {
-        jobs.push_back([&pipes, i] {
-            alarm(60);
-            pipes[i].put('m');
-            return std::string(1, pipes[1 - i].take());
-        });
+    const struct {
+        size_t maxProcesses;
+        int timeoutMs;
+        std::vector<std::string> received;
+    } cases[] = {{1, 100, {"", "m"}}, {2, 60'000, {"m", "m"}}};
+    for (const auto& c : cases) {
+        int fds[2][2];
+        ASSERT_TRUE(pipe(fds[0]) == 0 && pipe(fds[1]) == 0);
+        // Each job sends a byte, and waits for that of the other one.
+        std::vector<Job> jobs;
+        for (const size_t i : {0u, 1u}) {
+            jobs.push_back([&fds, &c, i] {
+                char byte = 'm';
+                pollfd other = {fds[1 - i][0], POLLIN, 0};
+                const bool isMet = write(fds[i][1], &byte, 1) == 1 &&
+                                   poll(&other, 1, c.timeoutMs) == 1 &&
+                                   read(other.fd, &byte, 1) == 1;
+                return std::string(isMet ? 1 : 0, byte);
+            });
+        }
+        std::vector<std::string> received;
+        for (const JobResult& result : runInProcesses(jobs, c.maxProcesses, ""))
+            received.push_back(result.bytes);
+        EXPECT_EQ(received, c.received);
+        for (const int fd : {fds[0][0], fds[0][1], fds[1][0], fds[1][1]})
+            close(fd);
     }
-    for (const JobResult& result : runInProcesses(jobs, 2, ""))
-        EXPECT_EQ(result.bytes, "m");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@ find_package(Boost REQUIRED COMPONENTS context)
 add_executable(schedule_test schedule_platform.cpp schedule_test.cpp)
 target_link_libraries(schedule_test PRIVATE
     brevold_warnings brevold android_platform Boost::context ${CMAKE_DL_LIBS})
+target_compile_options(schedule_test PRIVATE -O2)
 set_target_properties(schedule_test PROPERTIES
     ENABLE_EXPORTS ON RUNTIME_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
 add_test(NAME schedule COMMAND schedule_test)
@@ -20,7 +21,7 @@ function(add_fault name violation correct_code faulty_code)
     file(CONFIGURE OUTPUT ${folder}/scaling.cpp CONTENT "${faulty_text}" @ONLY)
     add_library(fault_${name} SHARED ${folder}/scaling.cpp
         $<FILTER:$<TARGET_OBJECTS:brevold_objects>,EXCLUDE,scaling>)
-    target_compile_options(fault_${name} PRIVATE -fvisibility=hidden)
+    target_compile_options(fault_${name} PRIVATE -O2 -fvisibility=hidden)
     target_link_libraries(fault_${name} PRIVATE android_platform brevold_profile)
     set_target_properties(fault_${name} PROPERTIES
         OUTPUT_NAME brevold LIBRARY_OUTPUT_DIRECTORY ${folder})

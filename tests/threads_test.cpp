@@ -56,17 +56,16 @@ TEST_F(DeviceTest, ConcurrentCallsSendWholeRequestsAndReleaseEveryBoost) {
             boosts.fetch_add(1, std::memory_order_relaxed);
         }
     };
-    std::thread threads[] = {
-            std::thread([] {
-                for (int i = 0; !isEnough(); ++i)
-                    reportFrame(i);
-            }),
-            std::thread([] {
-                // A verdict needs 30 fps.
-                for (int i = 0; !isEnough(); ++i)
-                    tick(i / 128 % 4 == 3 ? kSecondNs / 30 : kPeriod60Ns);
-            }),
-            std::thread(compose), std::thread(compose)};
+    std::thread threads[] = {std::thread([] {
+                                 for (int i = 0; !isEnough(); ++i)
+                                     reportFrame(i);
+                             }),
+                             std::thread([] {
+                                 // A verdict needs 30 fps.
+                                 for (int i = 0; !isEnough(); ++i)
+                                     tick(i / 128 % 4 == 3 ? kSecondNs / 30 : kPeriod60Ns);
+                             }),
+                             std::thread(compose), std::thread(compose)};
     for (std::thread& thread : threads)
         thread.join();
     // A signal between two passes of a worker is lost, so send one more request.

@@ -1,14 +1,16 @@
 #include "replay/time_window.h"
 
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
-#include "base/error.h"
 #include "host/device_profile.h"
 #include "replay/isolated_play.h"
 #include "report/summary.h"
+#include "tests/inputs.h"
 #include "trace/read_timeline.h"
 
 namespace brevold::replay {
@@ -17,29 +19,21 @@ namespace {
 const std::string kExamples = BREVOLD_EXAMPLES;
 constexpr int64_t kMs = 1'000'000;
 
+const double kInfinite = std::numeric_limits<double>::infinity();
+
 TEST(TimeWindowTest, RefusesEndsOutOfOrder) {
-    const std::pair<WindowOptions, const char*> cases[] = {
-            {{{}, {}}, ""},
-            {{0, 0.5}, ""},
-            {{{}, std::numeric_limits<double>::infinity()}, ""},
-            {{2, 2}, "--from must be less than --to, got 2 and 2"},
-    };
-    for (const auto& [options, expected] : cases) {
-        std::string error;
-        try {
-            checkWindow(options);
-        } catch (const std::runtime_error& thrown) {
-            error = thrown.what();
-        }
-        EXPECT_EQ(error, expected);
-    }
+    for (const WindowOptions& options : {WindowOptions{}, {0, 0.5}, {{}, kInfinite}})
+        EXPECT_NO_THROW(checkWindow(options));
+    EXPECT_EQ(test::errorOf<std::runtime_error>([] {
+                  checkWindow({2, 2});
+              }),
+              "--from must be less than --to, got 2 and 2");
 }
 
 TEST(TimeWindowTest, EndsWithTheTrace) {
     trace::Timeline timeline;
     timeline.startNs = 1000 * kMs;
     timeline.endNs = 3500 * kMs;
-    const double kInfinite = std::numeric_limits<double>::infinity();
     const std::tuple<WindowOptions, int64_t, int64_t> cases[] = {
             {{{}, {}}, 1000, 3500},         {{0.25, {}}, 1250, 3500}, {{{}, 2}, 1000, 3000},
             {{2.5, kInfinite}, 3500, 3500}, {{1, 99}, 2000, 3500},
@@ -106,46 +100,37 @@ TEST(TimeWindowTest, StartsWithTheFocusAndTheRateOfThatTime) {
     timeline.layers = {{"a#1", 3}, {"b#2", 2}, {"c#3", 1}, {"d#4", 4}, {"e#5", 1}, {"f#6", 1}};
     timeline.passedOverLayer = 3;
     timeline.endNs = 1000 * kMs;
-    timeline.events = {
-            {0, Kind::Period, 0, 0, 0, 10 * kMs},
-            {100 * kMs, Kind::Frame, 3, 1, 0, 0},
-            {200 * kMs, Kind::Focus, 1, 0, 0, 0},
-            {250 * kMs, Kind::Period, 0, 0, 0, 20 * kMs},
-            {300 * kMs, Kind::Frame, 0, 1, 0, 0},
-            {310 * kMs, Kind::Frame, 1, 1, 0, 0},
-            {400 * kMs, Kind::Focus, 0, 0, 0, 0},
-            {400 * kMs, Kind::Frame, 0, 1, 0, 0},
-            {410 * kMs, Kind::Frame, 0, 1, 0, 0},
-            {420 * kMs, Kind::Frame, 1, 1, 0, 0},
-            {430 * kMs, Kind::Frame, 2, 1, 0, 0},
-            {440 * kMs, Kind::Frame, 4, 1, 0, 0},
-            {450 * kMs, Kind::Period, 0, 0, 0, 10 * kMs},
-            {460 * kMs, Kind::Frame, 5, 1, 0, 0},
-            {500 * kMs, Kind::Frame, 3, 1, 0, 0},
-            {501 * kMs, Kind::Frame, 3, 1, 0, 0},
-    };
+    timeline.events = {{0, Kind::Period, 0, 0, 0, 10 * kMs},
+                       {200 * kMs, Kind::Focus, 1, 0, 0, 0},
+                       {250 * kMs, Kind::Period, 0, 0, 0, 20 * kMs},
+                       {400 * kMs, Kind::Focus, 0, 0, 0, 0},
+                       {450 * kMs, Kind::Period, 0, 0, 0, 10 * kMs}};
+    const std::pair<int, int> frames[] = {{100, 3}, {300, 0}, {310, 1}, {400, 0},
+                                          {410, 0}, {420, 1}, {430, 2}, {440, 4},
+                                          {460, 5}, {500, 3}, {501, 3}};
+    for (const auto& [ms, layer] : frames)
+        timeline.events.push_back({ms * kMs, Kind::Frame, layer, 1, 0, 0});
+    std::stable_sort(timeline.events.begin(), timeline.events.end(),
+                     [](const auto& a, const auto& b) { return a.timeNs < b.timeNs; });
     const report::Summary summary =
             report::summarise("trace", timeline, {}, {300 * kMs, 500 * kMs});
-    ASSERT_EQ(summary.focuses.size(), 2u);
-    EXPECT_EQ(summary.focuses[0].layer, "b#2");
-    EXPECT_EQ(summary.focuses[0].fromNs, 300 * kMs);
-    EXPECT_EQ(summary.focuses[0].frames, 1);
-    EXPECT_EQ(summary.focuses[1].layer, "a#1");
-    EXPECT_EQ(summary.focuses[1].fromNs, 400 * kMs);
-    EXPECT_EQ(summary.focuses[1].frames, 2);
-    EXPECT_EQ(summary.frames, 3);
-    EXPECT_EQ(summary.otherFrames, 6);
-    EXPECT_EQ(summary.otherLayers, 6);
-    EXPECT_EQ(summary.passedOverLayer, "d#4");
-    ASSERT_EQ(summary.rates.size(), 2u);
-    EXPECT_EQ(summary.rates[0].hz, 50);
-    EXPECT_EQ(summary.rates[0].fromNs, 300 * kMs);
-    EXPECT_EQ(summary.rates[1].hz, 100);
-    EXPECT_EQ(summary.rateNs, (std::map<int64_t, int64_t>{{50, 150 * kMs}, {100, 50 * kMs}}));
-    std::string top;
-    for (const report::Summary::LayerFrames& layer : summary.topLayers)
-        top += layer.layer + "*" + std::to_string(layer.frames) + " ";
-    EXPECT_EQ(top, "a#1*3 b#2*2 c#3*1 d#4*1 e#5*1 ");
+    std::string text = fmt::format("{} frames, {} other frames of {} layers, {} was passed over\n",
+                                   summary.frames, summary.otherFrames, summary.otherLayers,
+                                   summary.passedOverLayer.value_or("none"));
+    for (const auto& focus : summary.focuses)
+        text += fmt::format("{} from {}: {} frames\n", focus.layer, focus.fromNs / kMs,
+                            focus.frames);
+    for (const auto& rate : summary.rates)
+        text += fmt::format("{} Hz from {}\n", rate.hz, rate.fromNs / kMs);
+    for (const auto& [hz, ns] : summary.rateNs)
+        text += fmt::format("{} Hz for {}\n", hz, ns / kMs);
+    for (const auto& layer : summary.topLayers)
+        text += fmt::format("{}*{} ", layer.layer, layer.frames);
+    EXPECT_EQ(text,
+              "3 frames, 6 other frames of 6 layers, d#4 was passed over\n"
+              "b#2 from 300: 1 frames\na#1 from 400: 2 frames\n"
+              "50 Hz from 300\n100 Hz from 450\n50 Hz for 150\n100 Hz for 50\n"
+              "a#1*3 b#2*2 c#3*1 d#4*1 e#5*1 ");
 }
 
 }  // namespace

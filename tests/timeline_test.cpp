@@ -5,32 +5,17 @@
 #include <gtest/gtest.h>
 
 #include <sstream>
-#include <tuple>
 
-#include "base/error.h"
-#include "report/labels.h"
 #include "tests/gzip.h"
+#include "tests/inputs.h"
 #include "tests/pages.h"
-#include "tests/rest.h"
 #include "trace/read_timeline.h"
 #include "trace/refresh_period.h"
-#include "trace/string_source.h"
 
 namespace brevold::trace {
 namespace {
 
-using Texts = std::vector<std::string>;
-using report::compositionSourceText;
-using report::periodSourceText;
-using report::vsyncSourceText;
-using report::warningText;
-
-const std::string kName = "trace";
-constexpr size_t kWhole = std::string::npos;
-
-TraceInput inputOf(const std::string& bytes, size_t maxRead = kWhole) {
-    return {std::make_unique<StringSource>(bytes, maxRead), kName};
-}
+using namespace test;
 
 Timeline read(const std::string& bytes, const TimelineOptions& options = {},
               size_t maxRead = kWhole) {
@@ -38,18 +23,6 @@ Timeline read(const std::string& bytes, const TimelineOptions& options = {},
     // The first reading gives the bytes of the head at once, and only a second one in small reads.
     rest(input.open());
     return readTimeline(input, options);
-}
-
-/** The warnings about an input, or the error without the name. */
-Texts warningsOf(const std::string& bytes, const TimelineOptions& options = {}) {
-    Texts texts;
-    try {
-        for (const TraceWarning& warning : read(bytes, options).warnings)
-            texts.push_back(warningText(warning));
-    } catch (const InputError& error) {
-        texts = {std::string(error.what()).substr(kName.size())};
-    }
-    return texts;
 }
 
 /**
@@ -76,29 +49,28 @@ std::string trace(const std::string& marks) {
 std::string layersOf(const Timeline& timeline) {
     std::string text;
     for (const Layer& layer : timeline.layers)
-        text += layer.name + "*" + std::to_string(layer.frames) + " ";
+        text += fmt::format("{}*{} ", layer.name, layer.frames);
     return text;
 }
 
 /** Times in tenths of a millisecond; < and > for start and end of a composition, | for a vsync. */
 std::string describe(const Timeline& timeline) {
+    using Kind = TimelineEvent::Kind;
     std::string text;
     for (const TimelineEvent& event : timeline.events) {
         text += std::to_string(event.timeNs / 100'000);
-        if (event.kind == TimelineEvent::Kind::Period) {
-            text += " " + std::to_string(event.periodNs);
-        } else if (event.kind == TimelineEvent::Kind::Depth ||
-                   event.kind == TimelineEvent::Kind::Frame) {
-            text += timeline.layers[static_cast<size_t>(event.layer)].name + "=" +
-                    std::to_string(event.depth);
+        if (event.kind == Kind::Period) {
+            text += fmt::format(" {} ", event.periodNs);
+        } else if (event.kind == Kind::Depth || event.kind == Kind::Frame) {
+            text += fmt::format("{}={} ", timeline.layers[static_cast<size_t>(event.layer)].name,
+                                event.depth);
         } else {
-            text += "   <>|"[static_cast<size_t>(event.kind)];
+            text += fmt::format("{} ", "   <>|"[static_cast<size_t>(event.kind)]);
         }
-        text += " ";
     }
-    return text + "to " + std::to_string(timeline.endNs / 100'000) + "; " + layersOf(timeline) +
-           "; " + compositionSourceText(timeline.compositionSource) + ", " +
-           vsyncSourceText(timeline.vsyncSource);
+    return text + fmt::format("to {}; {}; {}, {}", timeline.endNs / 100'000, layersOf(timeline),
+                              report::compositionSourceText(timeline.compositionSource),
+                              report::vsyncSourceText(timeline.vsyncSource));
 }
 
 TEST(TimelineTest, ReportsErrorsAndWarnings) {
@@ -107,75 +79,75 @@ TEST(TimelineTest, ReportsErrorsAndWarnings) {
     const std::string early = trace("0 9 E;");
     const std::string whole = gzip(start);
     const std::string page = pageOf(start);
-    const char* const kNoCompositor =
-            ": no process has compositions, vsync counters or buffer counters; record the trace "
-            "with graphics events (gfx)";
-    const char* const pageCutShort =
+    const std::string record = "; record the trace with graphics events";
+    const std::string noCompositor =
+            ": no process has compositions, vsync counters or buffer counters" + record + " (gfx)";
+    const std::string pageCutShort =
             ": expected the end of a script element, got the end of the page; was the file cut "
             "short?";
-    const std::pair<std::string, Texts> cases[] = {
-            {"", {": expected ftrace text, got no bytes; was anything recorded?"}},
-            {"# tracer\nhello [1] x\n", {": expected ftrace text, got no line with an event"}},
-            {event, {kNoCompositor}},
-            {trace("0 90 C|90|VSYNC|1;"),
-             {": no layer has frames; record the trace with graphics events"}},
+    const auto backInTime = [](int lines) {
+        return fmt::format("lines skipped because they go back in time: {}, the first in line 3",
+                           lines);
+    };
+    const auto entries = [](const char* counts) {
+        return fmt::format("# entries-in-buffer/entries-written: {}   #P:4\n", counts);
+    };
+    const std::pair<std::string, std::string> cases[] = {
+            {"", ": expected ftrace text, got no bytes; was anything recorded?"},
+            {"# tracer\nhello [1] x\n", ": expected ftrace text, got no line with an event"},
+            {event, noCompositor},
+            {trace("0 90 C|90|VSYNC|1;"), ": no layer has frames" + record},
             {event + std::string(1, '\0') + "\n",
-             {": expected text, got binary data at byte 36; copy the file again"}},
-            {start + "a-7 [001] 1.0: 0: C|9|a",
-             {"lines skipped because the text ends inside them: 1, the first in line 3"}},
-            {trace("0 91 +crosses threads;100 91 +crosses threads;"), {kNoCompositor}},
-            {start + trace("60 7 C|7|a;61 7 C|7|a|9223372036854775808;"),
-             {"counters skipped because their value is not a number: 2, the first in line 3"}},
-            {"# entries-in-buffer/entries-written: 30624/87143   #P:4\n" + start +
-                     "a-7 [000] 0.005: x: y\na-7 [002] 0.3: x: y\na-7 [001] 0.4: x: y\n",
-             {"the recorder's buffer was full and lost its oldest events: 56519; the trace is "
-              "whole "
-              "from 0.40 s on"}},
-            {"# entries-in-buffer/entries-written: 4/4   #P:4\n" + start + "a-7 [1] 0.4: x: y\n",
-             {}},
-            {start + trace("60 19 C|19|BufferTX - a|1;61 19 C|19|BufferTX - a|2;"),
-             {"another process has marks of a compositor too: 2 of process 19; process 9 was taken "
-              "as the compositor"}},
-            {start + trace("60 19 C|19|BufferTX - a|1;61 8 C|8|many|1;62 8 C|8|others|2;"), {}},
+             ": expected text, got binary data at byte 36; copy the file again"},
+            {trace("0 91 +crosses threads;100 91 +crosses threads;"), noCompositor},
+            {whole.substr(0, whole.size() - 1),
+             ": expected more gzip data, got the end of the file; was the file cut short?"},
+            {whole.substr(0, whole.size() - 8) + "12345678",
+             ": the gzip data is damaged; copy the file again"},
+            {page.substr(0, page.size() - 30), pageCutShort},
+            {oldPageOf(start).substr(0, 100), pageCutShort},
+            {pageOf("USER PID\n"),
+             ": expected a page with ftrace text, found none in it; was tracing enabled?"},
+            {"16666666\n0\t0\t0\n5\t9223372036854775807\t6\n",
+             ": expected rows of presented frames, got none; was the layer drawing?"},
             {event + std::string(300'000, 'x') + "\n",
-             {":2: expected a line of at most 262144 bytes, got a longer one"}},
+             ":2: expected a line of at most 262144 bytes, got a longer one"},
             {start + early + early + early,
-             {":3: expected ascending times, got mostly earlier ones from here on; is the time of "
-              "a "
-              "line above wrong?"}},
-            {start + early, {}},
-            {start + early + early,
-             {"lines skipped because they go back in time: 2, the first in line 3"}},
-            {start + early + trace("60 9 C|9|BufferTX - a|1;"),
-             {"lines skipped because they go back in time: 1, the first in line 3"}},
+             ":3: expected ascending times, got mostly earlier ones from here on; is the time of a "
+             "line above wrong?"},
+            {"999999\n", ":1: expected a refresh period of 1000000 to 1000000000 ns, got '999999'"},
+            {start + trace("60 7 C|7|a;61 7 C|7|a|9223372036854775808;"),
+             "counters skipped because their value is not a number: 2, the first in line 3"},
+            {entries("30624/87143") + start +
+                     "a-7 [000] 0.005: x: y\na-7 [002] 0.3: x: y\na-7 [001] 0.4: x: y\n",
+             "the recorder's buffer was full and lost its oldest events: 56519; the trace is "
+             "whole from 0.40 s on"},
+            {entries("4/4") + start + "a-7 [1] 0.4: x: y\n", ""},
+            {start + trace("60 19 C|19|BufferTX - a|1;61 19 C|19|BufferTX - a|2;"),
+             "another process has marks of a compositor too: 2 of process 19; process 9 was taken "
+             "as the compositor"},
+            {start + trace("60 19 C|19|BufferTX - a|1;61 8 C|8|many|1;62 8 C|8|others|2;"), ""},
+            {start + early, ""},
+            {start + early + early, backInTime(2)},
+            {start + early + trace("60 9 C|9|BufferTX - a|1;"), backInTime(1)},
             {"capturing trace... done\n" + start + "a-7 [001] 99999999999.0: 0: beyond 64 bits\n" +
                      "a-99999999999 [001] 4.0: 0: beyond 32 bits\n" +
                      "a-7 [001] 4.0000000001: 0: ten decimals\nstray\n",
-             {"lines that are not trace events: 5, the first in line 1"}},
+             "lines that are not trace events: 5, the first in line 1"},
             {start + trace("60 9 C|9|BufferTX - a|0;70 9 C|9|BufferTX - a|-1;"
                            "80 9 C|9|BufferTX - a|0;90 9 C|9|BufferTX - a|2;"),
-             {"queue depths below 0, taken as 0: 1, the first in line 4",
-              "queue depths that change by more than one: 2, the first in line 3"}},
-            {whole.substr(0, whole.size() - 1),
-             {": expected more gzip data, got the end of the file; was the file cut short?"}},
-            {whole.substr(0, whole.size() - 8) + "12345678",
-             {": the gzip data is damaged; copy the file again"}},
-            {page.substr(0, page.size() - 30), {pageCutShort}},
-            {oldPageOf(start).substr(0, 100), {pageCutShort}},
-            {pageOf("USER PID\n"),
-             {": expected a page with ftrace text, found none in it; was tracing enabled?"}},
-            {"999999\n",
-             {":1: expected a refresh period of 1000000 to 1000000000 ns, got '999999'"}},
-            {"16666666\n0\t0\t0\n5\t9223372036854775807\t6\n",
-             {": expected rows of presented frames, got none; was the layer drawing?"}},
-            {"16666666\n500\t600\t500\n5000\t6000\t50",
-             {"lines skipped because the text ends inside them: 1, the first in line 3"}},
+             "queue depths below 0, taken as 0: 1, the first in line 4\n"
+             "queue depths that change by more than one: 2, the first in line 3"},
             {"16666666\n5\t6000\t5\nx\n5\t7000\t4\n5\t8000\t9000000000000000001\n",
-             {"lines that are not rows of a latency dump: 2, the first in line 3",
-              "rows skipped because they go back in time: 1, the first in line 4"}},
+             "lines that are not rows of a latency dump: 2, the first in line 3\n"
+             "rows skipped because they go back in time: 1, the first in line 4"},
     };
-    for (const auto& [bytes, warnings] : cases)
-        EXPECT_EQ(warningsOf(bytes), warnings) << bytes.substr(0, 300);
+    for (const auto& [bytes, problems] : cases) {
+        Timeline timeline;
+        const std::string error = errorOf([&, &text = bytes] { timeline = read(text); });
+        EXPECT_EQ(error.substr(error.empty() ? 0 : 5) + warningsOf(timeline), problems)
+                << bytes.substr(0, 300);
+    }
 }
 
 TEST(TimelineTest, ReadsTheEvents) {
@@ -272,6 +244,7 @@ TEST(TimelineTest, RecognisesLayers) {
     EXPECT_EQ(layersOf(read(trace(marks))), "Crossing#0*1 60fps#9*1 Xfps#0*1 ");
     const std::string slotted = marks + "802 91 B|90|Slotted: 3;803 91 E;900 91 C|90|Slotted|1;";
     EXPECT_EQ(layersOf(read(trace(slotted))), "Slotted#0*1 ");
+    EXPECT_EQ(layersOf(read("16666666\n5\t60000\t5\n", {"com.a#7", {}})), "com.a#7*1 ");
     EXPECT_EQ(layersOf(read(trace(slotted + "950 91 +BufferTX - Newer#12;"))), "Newer#12*1 ");
 }
 
@@ -343,7 +316,8 @@ TEST(TimelineTest, ChoosesTheSourceOfThePeriod) {
             marks += fmt::format("{} 92 C|90|{}|{};", time += step.interval, step.counter,
                                  i % 2 ? step.otherValue : step.value);
         const Timeline timeline = read(trace(marks));
-        EXPECT_EQ(periodSourceText(timeline.periodSource, timeline.periodCounter), step.source);
+        EXPECT_EQ(report::periodSourceText(timeline.periodSource, timeline.periodCounter),
+                  step.source);
         EXPECT_EQ(timeline.events[0].periodNs, step.periodNs) << step.source;
     }
     EXPECT_EQ(read(trace(marks), {{}, 59.94}).events[0].periodNs, 16'683'350);
@@ -364,15 +338,11 @@ TEST(TimelineTest, FollowsTheDisplayFrom120To60Hz) {
     for (const auto& [what, marks] : cases) {
         std::string periods;
         for (const TimelineEvent& event : read(trace("0 91 +BufferTX - a#0;" + marks)).events) {
-            if (event.kind != TimelineEvent::Kind::Period) continue;
-            periods += fmt::format("{} {} ", event.timeNs / 100'000, event.periodNs);
+            if (event.kind == TimelineEvent::Kind::Period)
+                periods += fmt::format("{} {} ", event.timeNs / 100'000, event.periodNs);
         }
         EXPECT_EQ(periods, "0 8333333 2490 16666666 ") << what;
     }
-}
-
-TEST(TimelineTest, NamesTheLayerOfALatencyDump) {
-    EXPECT_EQ(layersOf(read("16666666\n5\t60000\t5\n", {"com.a#7", {}})), "com.a#7*1 ");
 }
 
 }  // namespace

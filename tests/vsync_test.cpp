@@ -61,3 +61,16 @@ TEST_F(VsyncTest, VerdictRequiresATickAndAQueueNotBusyTwice) {
     host::setTimeNs(INT64_MIN);
     EXPECT_ABORT(brevoldMonitor(0, kPeriod60Ns));
 }
+
+TEST_F(VsyncTest, AResetForgetsTheKeysAndTheBusyQueue) {
+    android::brevoldLayerStatusCheck(false, kLayer, 1, 1);
+    restart();
+    measure(kPeriod60Ns);
+    android::brevoldLayerStatusCheck(false, kLayer, 0, 0);
+    EXPECT_TRUE(hasMode());
+    brevoldMonitor(2, 0);
+    restartWith("com.example.other#0");
+    measure(kSecondNs / 30);
+    advance(1000000);
+    EXPECT_EQ(brevoldMonitor(2, kPeriod60Ns), 1);
+}

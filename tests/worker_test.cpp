@@ -105,20 +105,10 @@ TEST_F(WorkerTest, AFailedWaitEndsTheThread) {
     EXPECT_EQ(takeLogTexts(), "");
 }
 
-TEST_F(WorkerTest, OutputRequiresDebugAndSectionsTheTag) {
+TEST_F(WorkerTest, SectionsRequireTheTag) {
     host::setEnabledTraceTags(~uint64_t{1});
     EXPECT_EQ(requestBoost(), kBoostHint);
     EXPECT_TRUE(host::takeTraceMarks().empty());
-    host::setEnabledTraceTags(~uint64_t{0});
-    gDevice.properties["vendor.perf.brevold.debug"] = "0";
-    restart();
-    takeLogTexts();
-    measure(kPeriod60Ns);
-    EXPECT_TRUE(hasMode());
-    EXPECT_EQ(requestBoost(), kBoostHint);
-    EXPECT_EQ(release(), "hint 4166 0 0x1");
-    EXPECT_TRUE(host::takeTraceMarks().empty());
-    EXPECT_EQ(takeLogTexts(), "");
 }
 
 TEST_F(WorkerTest, AHintInProgressSurvivesANewInitialisation) {

@@ -14,7 +14,7 @@ class NearestFrame {
           : mFrames(frames), mTimeNs(timeNs), mTid(tid) {
         const auto next = std::lower_bound(
                 frames.begin(), frames.end(), timeNs,
-                [](const ExpectedFrame& frame, int64_t timeNs) { return frame.timeNs < timeNs; });
+                [](const ExpectedFrame& frame, int64_t ns) { return frame.timeNs < ns; });
         const auto after = static_cast<size_t>(next - frames.begin());
         for (size_t i = after; i < frames.size() && isInReach(i); ++i)
             visit(i);
