@@ -164,6 +164,35 @@ TEST(FigureSupportTest, TheDepthThatFitsMostLabelsIsTheCause) {
     }
 }
 
+TEST(PairingTest, FramesCountTheLatchesAroundThemAndTheThreadDecides) {
+    using Kind = TimelineEvent::Kind;
+    trace::Timeline timeline;
+    timeline.layers = {{"a", 0}, {"b", 0}};
+    // Time in ms, kind, layer, depth, thread.
+    timeline.events = {{0, Kind::Period, 0, 0, 0, kPeriodNs},
+                       {1 * kMs, Kind::Frame, 0, 1, 1, 0},
+                       {10 * kMs, Kind::CompositionBegin, 0, 0, 9, 0},
+                       {11 * kMs, Kind::Depth, 0, 0, 9, 0},
+                       {12 * kMs, Kind::Frame, 0, 1, 1, 0},
+                       {13 * kMs, Kind::CompositionEnd, 0, 0, 9, 0},
+                       {14 * kMs, Kind::Frame, 0, 2, 1, 0},
+                       {15 * kMs, Kind::Frame, 1, 1, 2, 0},
+                       {20 * kMs, Kind::CompositionBegin, 0, 0, 9, 0},
+                       {21 * kMs, Kind::CompositionEnd, 0, 0, 9, 0},
+                       {22 * kMs, Kind::Frame, 0, 3, 1, 0}};
+    const std::vector<ExpectedFrame> frames = expect(timeline, {}).frames;
+    const std::pair<int32_t, int32_t> kLatches[] = {{0, 1}, {1, 0}, {1, 0}, {0, 0}, {0, 0}};
+    ASSERT_EQ(frames.size(), std::size(kLatches));
+    for (size_t i = 0; i < frames.size(); ++i)
+        EXPECT_EQ(std::make_pair(frames[i].latchedBefore, frames[i].latchedAfter), kLatches[i]);
+
+    LibraryMarks recorded;
+    recorded.decisions = {{15 * kMs, 1, {}}, {15 * kMs, 3, {}}};
+    const Pairing pairing = pairDecisions(frames, recorded, {});
+    EXPECT_EQ(pairing.frames[2].recorded, &recorded.decisions[0]);
+    EXPECT_EQ(pairing.frames[3].recorded, &recorded.decisions[1]);
+}
+
 /** A decision, or a section of the worker. */
 struct Posted {
     int64_t timeMs;

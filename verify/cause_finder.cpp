@@ -99,8 +99,6 @@ CauseSet CauseFinder::ofSilence(size_t frame) const {
     if (isLayerSilent && hasDecisions(mDecidedOther, expected.timeNs, kFarNs)) {
         return Cause::OtherLayer;
     }
-    const Report report = reportOf(frame);
-    if (report == Report::Missing) return Cause::NotReported;
     const std::optional<int32_t> mode = mModes.modeAt(expected.timeNs);
     if (mode != expected.mode) return mModes.causeAt(expected.timeNs);
 
@@ -109,7 +107,7 @@ CauseSet CauseFinder::ofSilence(size_t frame) const {
     const bool isSilent = isLayerSilent && !hasBoost(expected.timeNs);
     if (isSilent) causes.add(Cause::OtherLayer);
     if (isLayerSilent) causes.add(Cause::OtherPeer);
-    if (report != Report::Made && (isSilent || !isLayerSilent)) causes.add(Cause::NotReported);
+    if ((isSilent || !isLayerSilent) && !isReported(frame)) causes.add(Cause::NotReported);
     causes.add(mDepths.causesOfSilence(expected));
     causes.add(mStamps.causesOfSilence(expected));
     if (isSilent) causes.add(Cause::PeriodInNoBand);
@@ -124,16 +122,15 @@ bool CauseFinder::hasDecisions(const std::vector<int64_t>& counts, int64_t timeN
     return counts[first] != counts[last];
 }
 
-CauseFinder::Report CauseFinder::reportOf(size_t frame) const {
+// The next decision shows the time of the frame before it.
+bool CauseFinder::isReported(size_t frame) const {
     const int64_t queuedNs = mFrames[frame].timeNs;
     for (size_t i = frame + 1; i < mFrames.size() && mFrames[i].timeNs <= queuedNs + kFarNs; ++i) {
         const DecisionLabel* const label = recordedLabel(i);
         if (mFrames[i].layer != mFrames[frame].layer || label == nullptr) continue;
-        const int64_t previousNs = timeBefore(mFrames[i].timeNs, label->intervalNs);
-        if (isSameTime(previousNs, queuedNs)) return Report::Made;
-        return previousNs < queuedNs ? Report::Missing : Report::Unknown;
+        return isSameTime(timeBefore(mFrames[i].timeNs, label->intervalNs), queuedNs);
     }
-    return Report::Unknown;
+    return false;
 }
 
 bool CauseFinder::hasOtherPeriodBefore(size_t frame) const {

@@ -26,13 +26,11 @@ class CauseFinder {
     CauseSet ofExtra(const ExtraDecision& extra) const;
 
   private:
-    enum class Report : uint8_t { Unknown, Made, Missing };
-
     const DecisionLabel* recordedLabel(size_t frame) const;
     CauseSet ofLabel(size_t frame, const DecisionLabel& label) const;
     CauseSet ofSilence(size_t frame) const;
     CauseSet ofInterval(size_t frame, const DecisionLabel& label) const;
-    Report reportOf(size_t frame) const;
+    bool isReported(size_t frame) const;
     bool hasOtherPeriodBefore(size_t frame) const;
     bool hasDecisions(const std::vector<int64_t>& counts, int64_t timeNs, int64_t distanceNs) const;
     bool hasBoost(int64_t timeNs) const;

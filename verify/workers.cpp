@@ -76,9 +76,7 @@ std::vector<Latency> checkReleases(const LibraryMarks& marks, const WorkerContex
                                            context.compositionsNs.end(), boost->beginNs);
         const bool isDue = tick != context.compositionsNs.end() &&
                            *tick + context.periodNs <= context.traceEndNs;
-        if (hasNext || isDue) {
-            differences->add(Subject::Release, boost->beginNs, Cause::BoostNotReleased);
-        }
+        if (isDue) differences->add(Subject::Release, boost->beginNs, Cause::BoostNotReleased);
     }
     return holds;
 }
