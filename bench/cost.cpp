@@ -17,6 +17,9 @@ constexpr int kExpressionCalls = 200;
 constexpr int kPosts = 100;
 constexpr size_t kLongName = 65536;
 constexpr Target kEntryTarget = {1.15};
+// The time of a call of 6 to 12 ns depends on where a process has its code and data: the same
+// program has a ratio of 1.0 in some runs and of 1.3 in others.
+constexpr Target kShortestEntryTarget = {1.5};
 // A report copies two names from the record, and two entry points take one by value.
 constexpr Target kReportTarget = {1.05, 4};
 constexpr Target kHostileNameTarget = {3.0, 20};
@@ -139,7 +142,7 @@ bool printCosts() {
 
     measureRate(kPeriod60Ns);
     isMet &= printCost("brevoldScaling, not due", batch(kShortCalls, [] { brevoldScaling(1, 0); }),
-                       batch(kShortCalls, [] { scalingFloor(1, 0); }), kEntryTarget);
+                       batch(kShortCalls, [] { scalingFloor(1, 0); }), kShortestEntryTarget);
 
     Posting boost = libraryPosting(Channel::Sf, [] { brevoldScaling(2, 0); });
     boost.undo = android::releaseScaling;

@@ -58,7 +58,7 @@ ExitStatus run(const CLI::App& app, const ReplayOptions& options, std::ostream& 
             out << job.bytes;
         }
     }
-    if (options.common.json && !results.empty()) {
+    if (options.common.json) {
         report::printJson(results, out);
     } else if (!results.empty()) {
         report::printRows(results, out, options.legend);

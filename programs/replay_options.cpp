@@ -61,7 +61,8 @@ void addOutputOptions(CLI::App& app, ReplayOptions& options) {
     app.add_flag_callback(
                "--explain", [&options] { options.legend = report::Legend::Shown; },
                "explain the terms below each block of the summary")
-            ->group(kOutputGroup);
+            ->group(kOutputGroup)
+            ->excludes(app.get_option("--json"));
     const auto layers = app.add_flag("--layers", options.layers,
                                      "list the layers that have frames instead of replaying")
                                 ->group(kOutputGroup);
@@ -76,7 +77,7 @@ void addVerifyOptions(CLI::App& app, ReplayOptions& options) {
                          "compare the decisions of the library on the device, which its marks in "
                          "the trace show, with those of the replay")
                     ->group(kVerifyGroup);
-    for (const char* other : {"--layers", "--vs", "--from", "--to", "--hints"})
+    for (const char* other : {"--layers", "--vs", "--from", "--to", "--hints", "--explain"})
         verify->excludes(app.get_option(other));
     app.add_option("--tolerance", options.tolerancePercent,
                    fmt::format("share of the decisions that may differ after the first two "

@@ -128,7 +128,7 @@ Label labelOf(trace::TraceWarning::Kind kind) {
         case Kind::OutOfOrderRow:
             return {"rows skipped because they go back in time", "out_of_order_row"};
         case Kind::IncompletePacket:
-            return {"the last packet is incomplete", "incomplete_packet"};
+            return {"incomplete packets at the end", "incomplete_packet"};
         case Kind::DamagedPacket:
             return {"damaged packets", "damaged_packet"};
         case Kind::LossyBundle:

@@ -131,7 +131,8 @@ TEST(InputTest, ReadsWhatIsWholeOfATextThatEndsInsideALine) {
     const std::tuple<std::string, int, std::string> cases[] = {
             {kText.substr(0, kText.size() - 1), 2, ""},
             {kText.substr(0, kText.size() - 2), 1, unfinished + "4"},
-            {kText.substr(0, kText.size() - 20), 1, ""},  // "C|90|Bu" may be whole
+            {kText.substr(0, kText.size() - 20), 1, ""},                // "C|90|Bu" may be whole
+            {kText.substr(0, kText.size() - 22), 1, unfinished + "4"},  // the event "0"
             {kText.substr(0, kText.size() - 34), 1, unfinished + "4"},
             {kText + "# comment", 2, ""},
             {kText + "  ", 2, ""},

@@ -165,7 +165,7 @@ TEST(PerfettoTest, WarnsOfLossAndDamage) {
               {"bytes read", framesWithStats(2, 5, 4)},
               {"1 ms earlier", framesAnd(ftraceEvent(1'021'000'000, 9, ""))},
               {"no time", framesAnd(ftraceEvent(0, 9, "clock sync"))}}},
-            {"the last packet is incomplete: 1",
+            {"incomplete packets at the end: 1",
              {{"last packet", kFrames + incomplete}, {"last tag", kFrames + "\n"}}},
             {"damaged packets: 1",
              {{"wire type", kFrames + badWireType + kFrames},

@@ -47,6 +47,9 @@ class Compositor {
   public:
     Compositor(const trace::Timeline& timeline, const Calls& calls)
           : mTimeline(timeline), mCalls(calls), mQueues(timeline.layers.size()) {
+        if (calls.focusesSecondLayer && timeline.layers.size() < 2) {
+            throw std::runtime_error("the trace needs two layers");
+        }
         mFocus = calls.focusesSecondLayer ? 1 - timeline.focusedLayer : timeline.focusedLayer;
         for (size_t i = 0; i < mQueues.size(); ++i) {
             LayerFrameInfo& info = mQueues[i].info;

@@ -46,6 +46,11 @@ bool TextMarkReader::readLine() {
         noteHeader(text);
         return true;
     }
+    // The text may end inside the time, or inside the name of the event.
+    if (mLines.isUnfinished() && line.event.find(':') == std::string_view::npos) {
+        noteSkipped();
+        return true;
+    }
     const int64_t minNs = std::max(mEndNs - kMaxDisorderNs, mSorter.lastTakenNs());
     mIsLastOutOfOrder = mEvents > 0 && line.timeNs < minNs;
     if (mIsLastOutOfOrder) {
