@@ -78,75 +78,38 @@ int64_t anyStampNs(FuzzedDataProvider& input) {
     return gNowNs + input.ConsumeIntegralInRange<int64_t>(-50000000, 50000000);
 }
 
-int64_t anyPeriodNs(FuzzedDataProvider& input) {
-    return input.ConsumeBool() ? kRates[input.ConsumeIntegralInRange(0, 2)].periodNs
-                               : input.ConsumeIntegral<int64_t>();
-}
-
-int anyQueue(FuzzedDataProvider& input) {
-    return input.ConsumeBool() ? input.ConsumeIntegralInRange(0, 4) : input.ConsumeIntegral<int>();
-}
-
 std::string anyName(FuzzedDataProvider& input) {
-    return input.ConsumeBool() ? "com.example.a/Main#0" : input.ConsumeRandomLengthString(40);
+    return input.ConsumeBool() ? kLayers[0].name : input.ConsumeRandomLengthString(40);
 }
 
-void reportAnything(FuzzedDataProvider& input) {
+/** Calls the entry points with anything that must not abort. */
+void callAll(FuzzedDataProvider& input) {
+    gService.appType = input.ConsumeIntegralInRange(-1, 3);
+    gService.nextHandle = input.ConsumeIntegralInRange(-2, 9);
     LayerFrameInfo info = {};
-    info.skipLayerCheck = input.ConsumeIntegralInRange<uint8_t>(0, 7) == 0 ? 1 : 0;
+    info.skipLayerCheck = input.ConsumeBool() ? 1 : 0;
     info.layerKeyA = input.ConsumeIntegralInRange(0, 1);
-    info.lastMaxQueuedFrames = anyQueue(input);
+    info.lastMaxQueuedFrames = input.ConsumeIntegral<int>();
     info.layerName = anyName(input);
     info.peerLayerName = input.ConsumeBool() ? info.layerName : anyName(input);
     info.qbTime = anyStampNs(input);
     info.lastQbTime = input.ConsumeBool() ? -1 : anyStampNs(input);
     info.sfTime = anyStampNs(input);
-    info.refreshPeriod = anyPeriodNs(input);
-    require(brevoldOnFrameAvailable(&info) == 0, "a report always returns 0");
-}
-
-void callAnything(FuzzedDataProvider& input) {
-    switch (input.ConsumeIntegralInRange(0, 8)) {
-        case 0:
-            host::setTimeNs(gNowNs += input.ConsumeIntegralInRange<int64_t>(-1000, 200000000));
-            return brevoldRefresh();
-        case 1:
-            return require(brevoldScaling(anyQueue(input), input.ConsumeBool()) == 0, "0");
-        case 2:
-            return require(brevoldMonitor(anyQueue(input), anyPeriodNs(input)) <= 1, "verdict");
-        case 3:
-            return energyScaling(
-                    input.ConsumeFloatingPoint<float>(), input.ConsumeIntegral<unsigned>(),
-                    input.ConsumeIntegral<unsigned>(), input.ConsumeIntegralInRange(-1, 2));
-        case 4:
-            // The ticks of a second, after which a window closes.
-            for (int64_t left = 1000000000 + 2 * kRates[0].tickNs; left > 0;
-                 left -= kRates[0].tickNs) {
-                host::setTimeNs(gNowNs += kRates[0].tickNs);
-                brevoldRefresh();
-            }
-            return;
-        case 5:
-            gService.appType = input.ConsumeIntegralInRange(-1, 3);
-            gService.nextHandle = input.ConsumeIntegralInRange(-2, 9);
-            return;
-        case 6:
-            return initialiseAnyhow(input);
-        default:
-            return reportAnything(input);
+    info.refreshPeriod =
+            input.ConsumeBool() ? kRates[0].periodNs : input.ConsumeIntegral<int64_t>();
+    brevoldOnFrameAvailable(&info);
+    brevoldMonitor(input.ConsumeIntegral<int>(), info.refreshPeriod);
+    brevoldScaling(input.ConsumeIntegral<int>(), 0);
+    energyScaling(input.ConsumeFloatingPoint<float>(), input.ConsumeIntegral<unsigned>(),
+                  input.ConsumeIntegral<unsigned>(), input.ConsumeIntegralInRange(-1, 2));
+    modeMonitor(input.ConsumeIntegral<int64_t>());
+    const int64_t intervalNs = input.ConsumeIntegralInRange<int64_t>(-1000, 200000000);
+    for (int ticks = input.ConsumeBool() ? 100 : 1; ticks > 0; --ticks) {
+        host::setTimeNs(gNowNs += intervalNs);
+        brevoldRefresh();
     }
-}
-
-void playAnything(FuzzedDataProvider& input) {
-    initialiseAnyhow(input);
-    while (input.remaining_bytes() > 0) {
-        const bool isOff = !gScalingEnabled && !gJr10Enabled && gFpsSwitchEnabled == 0;
-        callAnything(input);
-        host::settle();
-        const std::string calls = std::exchange(gService.calls, {});
-        require(!isOff || calls.empty(), "with every feature off the service is not called");
-        require(modeWithoutLock() >= 0 && modeWithoutLock() <= 5, "the mode is one of six");
-    }
+    host::settle();
+    require(modeWithoutLock() >= 0 && modeWithoutLock() <= 5, "the mode is one of six");
 }
 
 void playSteadily(FuzzedDataProvider& input) {
@@ -160,31 +123,32 @@ void playSteadily(FuzzedDataProvider& input) {
     const auto isOn = [](const char* setting) { return gService.settings[setting] == "1"; };
     account.restart({isOn(kScalingProperty), isOn(kScalingDownProperty), isOn(kJankBoostProperty),
                      isOn(kSmoothMotionProperty), isOn(kFpsSwitchProperty)});
-
     Frame frame;
-    const auto requireDue = [&account](const char* entryPoint) {
-        host::settle();
-        require(std::exchange(gService.calls, {}) == account.takeDue(), entryPoint);
-    };
     while (input.remaining_bytes() > 0) {
-        advance(frame, gNowNs,
-                [&](size_t below) { return input.ConsumeIntegralInRange<size_t>(0, below - 1); });
-        gService.appType = frame.layer->appType;
-        host::setTimeNs(frame.nowNs);
-        account.tick(frame);
-        brevoldRefresh();
-        requireDue("calls of a tick");
-        account.report(frame);
-        LayerFrameInfo info = infoOf(frame);
-        brevoldOnFrameAvailable(&info);
-        requireDue("calls of a report");
-        host::setTimeNs(frame.nowNs += input.ConsumeIntegralInRange(0, 2) * 9000000);
-        require(brevoldMonitor(frame.queued, frame.rate->periodNs) == account.vsync(frame),
-                "the verdict");
-        account.compose(frame);
-        brevoldScaling(frame.queued, frame.isSuppressed);
-        requireDue("calls of a composition");
+        const bool isAccountedFor = playFrame(
+                account, frame, gNowNs,
+                [&](size_t below) { return input.ConsumeIntegralInRange<size_t>(0, below - 1); },
+                host::setTimeNs, [](int appType) { gService.appType = appType; },
+                [](const std::string& due) {
+                    host::settle();
+                    return std::exchange(gService.calls, {}) == due;
+                });
+        require(isAccountedFor, "the calls and the verdict are those due");
     }
+}
+
+/** The state after loading, except that the workers live as long as the process. */
+void reset() {
+    releaseScaling();
+    host::settle();
+    gCurrentLayer.clear();
+    gDebugLayers.clear();
+    gRefreshRate = gRefreshRateHandle = 0;
+    host::takeLog();
+    host::takeTraceMarks();
+    host::setTimeNs(gNowNs = 100000000000);
+    gService.nextHandle = 1;
+    gService.calls.clear();
 }
 
 }  // namespace
@@ -234,23 +198,14 @@ int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     [[maybe_unused]] static const bool isStarted =
             (initialise([](const std::string&) { return "1"; }), true);
     FuzzedDataProvider input(data, size);
-    // The workers live as long as the process; everything else starts as after loading.
-    releaseScaling();
-    host::settle();
-    gCurrentLayer.clear();
-    gDebugLayers.clear();
-    gRefreshRate = gRefreshRateHandle = 0;
-    host::takeLog();
-    host::takeTraceMarks();
-    host::setTimeNs(gNowNs = 100000000000);
-    gService.appType = 2;
-    gService.nextHandle = 1;
-    gService.calls.clear();
-    if (input.ConsumeBool()) {
-        playSteadily(input);
-    } else {
-        playAnything(input);
+    reset();
+    while (input.ConsumeIntegralInRange(0, 7) > 2) {
+        initialiseAnyhow(input);
+        while (input.ConsumeIntegralInRange(0, 7) > 1)
+            callAll(input);
     }
+    reset();
+    playSteadily(input);
     return 0;
 }
 

@@ -139,4 +139,29 @@ class Account {
     State mState;
 };
 
+/**
+ * Plays the next frame to the library. pick(n) returns a random number below n, setTime(ns) sets
+ * the clock, appTypeIs(type) the service's next answers. After each entry point, isDue(text)
+ * compares the calls of the service. Returns false once something differs.
+ */
+template <typename Pick, typename SetTime, typename AppTypeIs, typename IsDue>
+bool playFrame(Account& account, Frame& frame, int64_t& tickNs, Pick pick, SetTime setTime,
+               AppTypeIs appTypeIs, IsDue isDue) {
+    advance(frame, tickNs, pick);
+    appTypeIs(frame.layer->appType);
+    setTime(frame.nowNs);
+    account.tick(frame);
+    brevoldRefresh();
+    if (!isDue(account.takeDue()) || brevoldCheck("sf") != account.isActing()) return false;
+    account.report(frame);
+    LayerFrameInfo info = infoOf(frame);
+    brevoldOnFrameAvailable(&info);
+    if (!isDue(account.takeDue())) return false;
+    setTime(frame.nowNs += static_cast<int64_t>(pick(3)) * 9000000);
+    const int verdict = account.vsync(frame);
+    if (brevoldMonitor(frame.queued, frame.rate->periodNs) != verdict) return false;
+    account.compose(frame);
+    return brevoldScaling(frame.queued, frame.isSuppressed) == 0 && isDue(account.takeDue());
+}
+
 }  // namespace brevold::test

@@ -38,22 +38,14 @@ TEST_F(DeviceTest, EveryCallOfTheServiceIsTheOneDue) {
             account.restart(switches);
             ASSERT_EQ(restart(), switches.scaling || switches.jankBoost || switches.refreshRate);
         }
-        advance(frame, tickNs, pick);
-        gDevice.appType = frame.layer->appType;
-        host::setTimeNs(frame.nowNs);
-        account.tick(frame);
-        brevoldRefresh();
-        ASSERT_EQ(brevoldCheck("sf"), account.isActing());
-        ASSERT_EQ(takeCalls(), account.takeDue());
-
-        account.report(frame);
-        ASSERT_EQ(submit(infoOf(frame)), account.takeDue());
-
-        host::setTimeNs(frame.nowNs += static_cast<int64_t>(pick(3)) * 9000000);
-        ASSERT_EQ(brevoldMonitor(frame.queued, frame.rate->periodNs), account.vsync(frame));
-        account.compose(frame);
-        ASSERT_EQ(brevoldScaling(frame.queued, frame.isSuppressed), 0);
-        ASSERT_EQ(takeCalls(), account.takeDue());
+        ASSERT_TRUE(playFrame(
+                account, frame, tickNs, pick, host::setTimeNs,
+                [](int appType) { gDevice.appType = appType; },
+                [](const std::string& due) {
+                    const std::string calls = takeCalls();
+                    EXPECT_EQ(calls, due);
+                    return calls == due;
+                }));
     }
     EXPECT_TRUE(host::takeTraceMarks().empty());  // debug output is off
     EXPECT_EQ(takeLogTexts(), "");

@@ -105,36 +105,31 @@ INSTANTIATE_TEST_SUITE_P(
                                 "hint 4244 0 0x3c; release 1; hint 4244 0 0x5a"}),
         [](const auto& test) { return test.param[0]; });
 
-TEST_F(InitTest, DebugLayersAreSplitAtSingleBlanks) {
-    using Names = std::vector<std::string>;
-    const std::pair<std::string, Names> cases[] = {
+TEST_F(InitTest, DebugLayersAreSplitAtSingleBlanksAndNeverRemoved) {
+    provide(kFeatures);
+    std::vector<std::string> all;
+    const std::pair<std::string, std::vector<std::string>> cases[] = {
             {"", {}},    {"a", {"a"}},      {"a b", {"a", "b"}},          {"a b ", {"a", "b"}},
             {" ", {""}}, {" a", {"", "a"}}, {"a\tb,c\nd", {"a\tb,c\nd"}}, {"a  b", {"a", "", "b"}},
     };
+    std::vector<std::string> out;
     for (auto [setting, expected] : cases) {
-        Names out = {"kept"};
         android::addDebugLayers(setting.data(), out);
-        expected.insert(expected.begin(), "kept");
-        EXPECT_EQ(out, expected) << '"' << setting << '"';
+        all.insert(all.end(), expected.begin(), expected.end());
+        EXPECT_EQ(out, all) << '"' << setting << '"';
     }
-}
-
-TEST_F(InitTest, DebugLayersAreReadFromTheSettingAndNeverRemoved) {
-    provide(kFeatures);
-    const auto areListed = [](const char* setting, std::vector<std::string> layers) {
+    const auto answersAfter = [](const std::string& setting) {
         gDevice.properties["vendor.perf.brevold.debug.layers"] = setting;
         restart();
         std::string answers;
-        for (const std::string& layer : layers)
+        for (const std::string& layer : {std::string("a"), std::string(89, 'b'), std::string(),
+                                         std::string("A"), std::string("aa"), std::string("c")})
             answers += android::isDebugLayer(layer) ? 'y' : 'n';
         return answers;
     };
-    EXPECT_EQ(areListed("NONEsuch a", {"a", "NONEsuch"}), "nn");
-    // A setting is cut after 91 bytes, within its second name.
-    EXPECT_EQ(areListed(("a " + std::string(200, 'b')).c_str(),
-                        {"a", std::string(89, 'b'), "", "A", "ab", "aa", " "}),
-              "yynnnnn");
-    EXPECT_EQ(areListed("c  d", {"a", "c", "", "d"}), "yyyy");
+    EXPECT_EQ(answersAfter("NONEsuch a"), "nnnnnn");
+    EXPECT_EQ(answersAfter("a " + std::string(200, 'b')), "yynnnn");  // cut after 91 bytes
+    EXPECT_EQ(answersAfter("c  d"), "yyynny");
 }
 
 TEST_F(InitTest, NothingIsOnBeforeItAndCheckTakesNamesThatBeginWithSf) {

@@ -39,18 +39,6 @@ TEST_F(WorkerTest, QbTypeWordIsPackedUnmasked) {
     EXPECT_EQ(labels.substr(labels.rfind(';')), "; energyScaling[Scale:INF]");
 }
 
-TEST_F(WorkerTest, QbSendsTheLastRequestAtEveryWakeUp) {
-    measure(kPeriod60Ns);
-    takeLabels();
-    host::holdWorkers();
-    android::energyScaling(0.25f, 1, 0, kQb);
-    android::energyScaling(0.5f, 1, 0, kQb);
-    host::releaseWorkers();
-    EXPECT_EQ(takeCalls(), kHalf);
-    EXPECT_EQ(wake(kQb), kHalf);
-    EXPECT_EQ(takeLabels(), "energyScaling[Scale:0.50]; energyScaling[Scale:0.50]");
-}
-
 TEST_F(WorkerTest, SfBoostsOnceAndReleasesWithTheCount) {
     EXPECT_EQ(requestBoost(), kBoostHint);
     EXPECT_EQ(requestBoost(), "");
