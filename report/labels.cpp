@@ -145,6 +145,8 @@ Label labelOf(trace::TraceWarning::Kind kind) {
             return {"the recorder's buffer was full and lost its oldest events", "ring_overrun"};
         case Kind::OtherCompositor:
             return {"another process has marks of a compositor too", "other_compositor"};
+        case Kind::UnknownPeriod:
+            return {"the refresh period at the start is not in the trace", "unknown_period"};
         case Kind::NegativeDepth:
             return {"queue depths below 0, taken as 0", "negative_depth"};
         case Kind::DepthJump:
@@ -176,7 +178,11 @@ std::string warningText(const trace::TraceWarning& warning) {
     const std::string text = fmt::format("{}: {}", labelOf(warning.kind).text, warning.lines.lines);
     if (warning.kind == Kind::RingOverrun) {
         return fmt::format("{}; the trace is whole from {:.2f} s on", text,
-                           toSeconds(warning.wholeFromNs));
+                           toSeconds(warning.fromNs));
+    }
+    if (warning.kind == Kind::UnknownPeriod) {
+        return fmt::format("{}; it was taken to be that from {:.2f} s on",
+                           labelOf(warning.kind).text, toSeconds(warning.fromNs));
     }
     if (warning.kind == Kind::OtherCompositor) {
         return fmt::format("{} of process {}; process {} was taken as the compositor", text,

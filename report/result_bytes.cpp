@@ -24,8 +24,8 @@ namespace brevold::trace {
 
 template <typename Archive>
 void serialize(Archive& archive, TraceWarning& warning) {
-    auto& [kind, lines, wholeFromNs, pid, otherPid] = warning;
-    archive(kind, lines, wholeFromNs, pid, otherPid);
+    auto& [kind, lines, fromNs, pid, otherPid] = warning;
+    archive(kind, lines, fromNs, pid, otherPid);
 }
 
 }  // namespace brevold::trace

@@ -12,7 +12,8 @@ nlohmann::ordered_json warningOf(const trace::TraceWarning& warning) {
     nlohmann::ordered_json object = {{"kind", warningWord(warning.kind)},
                                      {"count", warning.lines.lines}};
     if (warning.lines.firstLine != 0) object["first_line"] = warning.lines.firstLine;
-    if (warning.kind == Kind::RingOverrun) object["whole_from_s"] = toSeconds(warning.wholeFromNs);
+    if (warning.kind == Kind::RingOverrun) object["whole_from_s"] = toSeconds(warning.fromNs);
+    if (warning.kind == Kind::UnknownPeriod) object["known_from_s"] = toSeconds(warning.fromNs);
     if (warning.kind == Kind::OtherCompositor) {
         object["pid"] = warning.pid;
         object["other_pid"] = warning.otherPid;

@@ -305,10 +305,10 @@ TEST(TimelineTest, ChoosesTheSourceOfThePeriod) {
             {"VSP-period", 167, 6, 10'900'000, 11'300'000, "VSP-period values", kPeriod90Ns},
             {"VSP-period 7", 83, 7, 8'100'000, 8'500'000, "VSP-period 7 values", kPeriod120Ns},
             {"VSR-setDisplayMode 123", 1, 1, 8'333'333, 0, "VSR-setDisplayMode 123 values",
-             kPeriod120Ns},
+             kPeriod90Ns},
             {"VSR-setDisplayMode 456", 1, 1, 11'111'111, 0, "VSR-setDisplayMode 456 values",
              kPeriod90Ns},
-            {"VSR-setPeriod", 100, 6, 16'600'000, 16'600'001, "VSR-setPeriod", kPeriod60Ns},
+            {"VSR-setPeriod", 100, 6, 16'600'000, 16'600'001, "VSR-setPeriod", kPeriod120Ns},
     };
     int time = 10'000;
     for (const auto& step : steps) {

@@ -8,6 +8,8 @@
 namespace brevold::trace {
 namespace {
 
+constexpr int64_t kForeverNs = std::numeric_limits<int64_t>::max();
+
 bool isPeriod(int32_t value) {
     return value >= kMinPeriodNs && value <= kMaxPeriodNs;
 }
@@ -24,7 +26,7 @@ std::vector<PeriodChange> statedPeriods(const ChangeList& values) {
 }
 
 /** The ticks that a predicted period leads to, as far as they matter to followPeriod(). */
-std::vector<Interval> predictedTicks(const ChangeList& values) {
+std::vector<Interval> predictedTicks(const ChangeList& values, int64_t untilNs) {
     std::vector<Interval> ticks;
     std::optional<PeriodChange> last;
     const auto addTicksUntil = [&](int64_t timeNs) {
@@ -35,19 +37,21 @@ std::vector<Interval> predictedTicks(const ChangeList& values) {
             ticks.push_back({last->timeNs + i * last->periodNs, last->periodNs});
     };
     values.forEach([&](const CounterChange& value) {
+        if (value.timeNs > untilNs) return;
         addTicksUntil(value.timeNs);
         last.reset();
         if (isPeriod(value.value)) last = PeriodChange{value.timeNs, value.value};
     });
-    addTicksUntil(std::numeric_limits<int64_t>::max());
+    addTicksUntil(untilNs);
     return ticks;
 }
 
-std::vector<Interval> toggleIntervals(const ChangeList& toggles) {
+std::vector<Interval> toggleIntervals(const ChangeList& toggles, int64_t untilNs) {
     std::vector<Interval> intervals;
     intervals.reserve(toggles.size());
     std::optional<int64_t> lastNs;
     toggles.forEach([&](const CounterChange& toggle) {
+        if (toggle.timeNs > untilNs) return;
         if (lastNs) intervals.push_back({toggle.timeNs, toggle.timeNs - *lastNs});
         lastNs = toggle.timeNs;
     });
@@ -78,17 +82,47 @@ std::vector<Interval> frameIntervals(const std::deque<QueuedLayer>& layers) {
     return intervals;
 }
 
-std::vector<PeriodChange> periodsOf(const PeriodCounter& counter) {
+bool isStated(PeriodSource source) {
+    return source == PeriodSource::SetPeriod || source == PeriodSource::DisplayMode;
+}
+
+/** Returns the periods that the ticks up to a time show. */
+std::vector<PeriodChange> tickedPeriods(const PeriodCounter& counter, int64_t untilNs) {
     const ChangeList& changes = counter.track->changes;
-    switch (counter.source) {
-        case PeriodSource::SetPeriod:
-        case PeriodSource::DisplayMode:
-            return statedPeriods(changes);
-        case PeriodSource::PredictedPeriod:
-            return followPeriod(predictedTicks(changes), IntervalKind::DisplayTick);
-        default:
-            return followPeriod(toggleIntervals(changes), counter.intervals);
+    return followPeriod(counter.source == PeriodSource::PredictedPeriod
+                                ? predictedTicks(changes, untilNs)
+                                : toggleIntervals(changes, untilNs),
+                        counter.intervals);
+}
+
+std::vector<PeriodChange> periodsOf(const PeriodCounter& counter) {
+    return isStated(counter.source) ? statedPeriods(counter.track->changes)
+                                    : tickedPeriods(counter, kForeverNs);
+}
+
+/** Returns the period before the first stated one, or nullopt if the ticks do not show it. */
+std::optional<int64_t> periodBefore(const PeriodChange& first, const PeriodCounter& stated,
+                                    std::vector<PeriodCounter> counters,
+                                    const Compositor& compositor) {
+    // The compositor's own vsyncs are shifted at times, which does not matter here.
+    for (const CounterTrack& track : compositor.tracks()) {
+        if (track.name != kVsyncSfCounter) continue;
+        counters.push_back({PeriodSource::VsyncToggles, IntervalKind::RequestedTick, &track});
     }
+    const std::string_view display = displayIdOf(stated.track->name);
+    for (const PeriodCounter& counter : counters) {
+        const std::string_view ticking = displayIdOf(counter.track->name);
+        const bool isOtherDisplay = !display.empty() && !ticking.empty() && ticking != display;
+        if (isStated(counter.source) || isOtherDisplay) continue;
+        const std::vector<PeriodChange> periods = tickedPeriods(counter, first.timeNs);
+        if (periods.empty()) continue;
+        const int64_t periodNs = periods.back().periodNs;
+        // Vsyncs on request may skip ticks of the period that is stated later.
+        const bool isClear = counter.intervals == IntervalKind::DisplayTick ||
+                             periodNs == first.periodNs || !isTicksOf(periodNs, first.periodNs);
+        if (isClear) return periodNs;
+    }
+    return {};
 }
 
 }  // namespace
@@ -98,11 +132,23 @@ RefreshPeriods findRefreshPeriods(const Compositor& compositor,
                                   std::optional<double> rateHz) {
     if (rateHz) return {PeriodSource::Option, "", {{0, periodOfRate(*rateHz)}}};
 
-    for (const PeriodCounter& counter : findPeriodCounters(compositor)) {
+    const std::vector<PeriodCounter> counters = findPeriodCounters(compositor);
+    for (const PeriodCounter& counter : counters) {
         std::vector<PeriodChange> changes = periodsOf(counter);
         if (changes.empty()) continue;
         const bool isNamed = counter.source != PeriodSource::SetPeriod;
-        return {counter.source, isNamed ? counter.track->name : "", std::move(changes)};
+        std::optional<int64_t> unknownUntilNs;
+        if (isStated(counter.source)) {
+            const PeriodChange first = changes.front();
+            const std::optional<int64_t> beforeNs =
+                    periodBefore(first, counter, counters, compositor);
+            if (!beforeNs) unknownUntilNs = first.timeNs;
+            if (beforeNs.value_or(first.periodNs) != first.periodNs) {
+                changes.insert(changes.begin(), {first.timeNs, *beforeNs});
+            }
+        }
+        return {counter.source, isNamed ? counter.track->name : "", std::move(changes),
+                unknownUntilNs};
     }
     std::vector<PeriodChange> changes = followPeriod(frameIntervals(layers), IntervalKind::Frame);
     if (!changes.empty()) return {PeriodSource::FrameIntervals, "", std::move(changes)};

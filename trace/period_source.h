@@ -16,6 +16,8 @@ struct RefreshPeriods {
     PeriodSource source;
     std::string counter;                // see Timeline::periodCounter
     std::vector<PeriodChange> changes;  // the first is the initial period; ignore its time
+    /** Set if the trace does not show the initial period; it is taken to be the next one. */
+    std::optional<int64_t> unknownUntilNs = {};
 };
 
 /** Takes the periods from the best source that the trace has, or from `rateHz` if given. */

@@ -68,6 +68,12 @@ Timeline readMarks(MarkReader& reader, const std::string& path, const TimelineOp
     RefreshPeriods periods = findRefreshPeriods(compositor, layers, options.refreshRateHz);
     timeline.periodSource = periods.source;
     timeline.periodCounter = std::move(periods.counter);
+    // The first refreshes of a trace cannot show their period.
+    constexpr int64_t kShortNs = 50'000'000;
+    if (periods.unknownUntilNs.value_or(0) > timeline.startNs + kShortNs) {
+        timeline.warnings.push_back({TraceWarning::Kind::UnknownPeriod, {1, 0}});
+        timeline.warnings.back().fromNs = *periods.unknownUntilNs - timeline.startNs;
+    }
     periods.changes.front().timeNs = timeline.startNs;
 
     std::deque<Section> compositions = compositor.takeCompositions();

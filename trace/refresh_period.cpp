@@ -31,13 +31,6 @@ bool isWithin(int64_t percent, int64_t lengthNs, int64_t referenceNs) {
     return std::abs(lengthNs - referenceNs) * 100 <= referenceNs * percent;
 }
 
-bool isTicksOf(int64_t lengthNs, int64_t periodNs) {
-    for (int64_t ticks = 1; ticks <= kMaxTicks; ++ticks) {
-        if (isWithin(kSnapPercent, lengthNs, ticks * periodNs)) return true;
-    }
-    return false;
-}
-
 bool isKnown(int64_t periodNs) {
     return std::find(std::begin(kKnownPeriodsNs), std::end(kKnownPeriodsNs), periodNs) !=
            std::end(kKnownPeriodsNs);
@@ -104,6 +97,13 @@ int64_t snapPeriod(int64_t periodNs) {
         if (isWithin(kSnapPercent, periodNs, knownNs)) return knownNs;
     }
     return periodNs;
+}
+
+bool isTicksOf(int64_t lengthNs, int64_t periodNs) {
+    for (int64_t ticks = 1; ticks <= kMaxTicks; ++ticks) {
+        if (isWithin(kSnapPercent, lengthNs, ticks * periodNs)) return true;
+    }
+    return false;
 }
 
 int64_t periodOfRate(double rateHz) {

@@ -38,6 +38,9 @@ constexpr size_t kDisplayTicksToFollow = 5;
 /** Returns the exact period at 60, 90 or 120 Hz if periodNs is within 3 % of it, else periodNs. */
 int64_t snapPeriod(int64_t periodNs);
 
+/** Returns true if a length is within 3 % of one, two or three periods. */
+bool isTicksOf(int64_t lengthNs, int64_t periodNs);
+
 /** Returns the period of a rate, exact for 60, 90 and 120 Hz, else rounded to the nearest ns. */
 int64_t periodOfRate(double rateHz);
 

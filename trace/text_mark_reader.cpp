@@ -150,7 +150,7 @@ std::vector<TraceWarning> TextMarkReader::warnings() const {
     addWarning(TraceWarning::Kind::BadCounterValue, mBadCounters, &warnings);
     if (mOverrun.lines > 0) {
         addWarning(TraceWarning::Kind::RingOverrun, mOverrun, &warnings);
-        warnings.back().wholeFromNs = mWholeFromNs - mStartNs;
+        warnings.back().fromNs = mWholeFromNs - mStartNs;
     }
     return warnings;
 }

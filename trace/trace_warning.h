@@ -27,14 +27,18 @@ struct TraceWarning {
         BadCounterValue,   // a counter's value is not a number; skipped
         RingOverrun,       // the recorder's buffer was full and lost its oldest events; counts them
         OtherCompositor,   // another process has about as many marks of a compositor; counts them
+        UnknownPeriod,     // the first refresh period in the trace is not that of its start
         NegativeDepth,     // a queue depth below 0; taken as 0
         DepthJump,         // a queue depth that changes by more than one
     };
 
     Kind kind;
     LineCount lines;
-    /** RingOverrun: no processor's events are missing from here on, in ns since the first event. */
-    int64_t wholeFromNs = 0;
+    /**
+     * In ns since the first event. RingOverrun: no processor's events are missing from here on.
+     * UnknownPeriod: the refresh period is known from here on.
+     */
+    int64_t fromNs = 0;
     /** OtherCompositor: the process that was chosen, and the other. */
     int32_t pid = 0;
     int32_t otherPid = 0;

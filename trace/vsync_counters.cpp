@@ -8,7 +8,7 @@ namespace brevold::trace {
 namespace {
 
 constexpr std::pair<const char*, VsyncSource> kVsyncCounters[] = {
-        {"VSYNC-sf", VsyncSource::VsyncSf}, {"VSYNC", VsyncSource::Vsync}};
+        {kVsyncSfCounter, VsyncSource::VsyncSf}, {"VSYNC", VsyncSource::Vsync}};
 
 constexpr std::string_view kHardwareVsync = "HW_VSYNC_";
 
@@ -93,9 +93,9 @@ std::vector<PeriodCounter> findPeriodCounters(const Compositor& compositor) {
         const RankedCounter::Rank rank = rankOf(track);
         if (changes == 0 || rank == RankedCounter::None) continue;
         const auto vsyncs = displayVsyncs.find(displayIdOf(track.name));
-        const IntervalKind intervals = rank == RankedCounter::Hardware
-                                               ? IntervalKind::DisplayTick
-                                               : IntervalKind::RequestedTick;
+        const bool isRequested = rank == RankedCounter::Vsync || rank == RankedCounter::VsyncApp;
+        const IntervalKind intervals =
+                isRequested ? IntervalKind::RequestedTick : IntervalKind::DisplayTick;
         found.push_back({rank,
                          vsyncs == displayVsyncs.end() ? 0 : vsyncs->second,
                          changes,

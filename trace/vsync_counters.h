@@ -10,6 +10,9 @@
 
 namespace brevold::trace {
 
+/** The counter that toggles when the compositor composes. */
+constexpr const char* kVsyncSfCounter = "VSYNC-sf";
+
 /** The toggles of the counter that shows when the compositor's vsyncs are due. */
 struct Vsyncs {
     VsyncSource source = VsyncSource::None;
@@ -22,7 +25,7 @@ Vsyncs takeVsyncs(Compositor& compositor);
 /** A counter that shows the refresh period. */
 struct PeriodCounter {
     PeriodSource source;
-    IntervalKind intervals;  // between its toggles, if the source is PeriodSource::VsyncToggles
+    IntervalKind intervals;  // between its ticks, if the source is not the stated period
     const CounterTrack* track;
 };
 
