@@ -136,14 +136,24 @@ PlotPanel markPanel(const PlotData& data, const std::vector<PlotMark>& marks, in
         const double timeS = toSeconds(mark.timeNs - startNs);
         if (data.fromS <= timeS && timeS <= data.toS) times[mark.label].push_back({timeS, 1});
     }
-    std::vector<Lane> lanes;
+    constexpr int kLanePx = 34;
+    const auto count = static_cast<int>(times.size());
+    PlotPanel panel = {"marked moments", kLanePx * count, 0, static_cast<double>(count)};
+    panel.ticks = {{0, ""}};
+    // The labels may be long, so they are over their marks and not at the axis.
+    std::string labels;
+    double y = count;
     for (const auto& [label, points] : times) {
+        y -= 1;
         PlotSpans ticks;
         for (const Bin& bin : binPoints(points, maker.grid(1)))
             ticks.push_back({bin.fromS, bin.toS, 1});
-        lanes.push_back({fmt::format("{}: {}", label, points.size()), {ticks}, kBlack});
+        panel.curves.push_back(boxes(bars(ticks, y + 0.1, 0.4, maker), framed(kBlack), ""));
+        labels +=
+                fmt::format("{:.9g} {:g} \"{}: {}\"\n", data.fromS, y + 0.75, label, points.size());
     }
-    return lanePanel("marked moments", 17, lanes, maker);
+    panel.curves.push_back({labels, "1:2:3", "labels left offset 0.5,0 font ',10'", ""});
+    return panel;
 }
 
 }  // namespace brevold::plot

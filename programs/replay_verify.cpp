@@ -18,7 +18,7 @@ namespace brevold {
 
 namespace {
 
-/** Returns the differences with short labels: "decisions: depth_plus_one +1". */
+/** Returns the differences with labels: "decisions: the stamp is 0 or another cause". */
 std::vector<plot::PlotMark> differenceMarks(const verify::Verification& verification) {
     std::vector<plot::PlotMark> marks;
     for (const verify::Difference& difference : verification.differences.list()) {
@@ -26,12 +26,13 @@ std::vector<plot::PlotMark> differenceMarks(const verify::Verification& verifica
         int32_t others = 0;
         difference.causes.forEach([&](verify::Cause cause) {
             if (label.empty()) {
-                label = fmt::format("{}: {}", wordOf(difference.subject), wordOf(cause));
+                label = fmt::format("{}: {}", wordOf(difference.subject), textOf(cause));
             } else {
                 ++others;
             }
         });
-        if (others > 0) label += fmt::format(" +{}", others);
+        if (others == 1) label += " or another cause";
+        if (others > 1) label += fmt::format(" or one of {} other causes", others);
         marks.push_back({difference.timeNs, label});
     }
     return marks;
