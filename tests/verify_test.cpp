@@ -271,7 +271,9 @@ TEST(LibrarySectionsTest, AMarkedPerfettoTraceHasTheSections) {
     add(1000, -1, kDown);
     add(1100, 1, "energyScaling[Scale:0.62]");
     std::ostringstream marked;
-    report::writePerfetto(input.open(), "trace", timeline, form, recording, marked);
+    report::writePerfetto(input.open(), "trace", timeline, form, recording, marked,
+                          {{"differs", {{1000, 2000, "decisions: unexplained"}}}});
+    EXPECT_NE(marked.str().find("decisions: unexplained"), std::string::npos);
 
     trace::TraceInput again(std::make_unique<trace::StringSource>(marked.str()), "trace");
     trace::LibrarySections sections;

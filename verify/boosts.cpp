@@ -30,23 +30,29 @@ CauseSet nearestCauses(const std::vector<Difference>& differences, size_t count,
 
 }  // namespace
 
-Boosts::Boosts(const std::vector<int64_t>& timesNs, const std::vector<int64_t>& compositionsNs)
-      : mIsAfter(compositionsNs.size()) {
+Boosts::Boosts(const std::vector<int64_t>& timesNs, const Expectation& expected,
+               const ModeEvidence& modes)
+      : mIsAfter(expected.compositionsNs.size()) {
+    const std::vector<int64_t>& compositionsNs = expected.compositionsNs;
     for (const int64_t timeNs : timesNs) {
         const auto next = std::upper_bound(compositionsNs.begin(), compositionsNs.end(), timeNs);
         if (next == compositionsNs.begin()) continue;
-        mIsAfter[static_cast<size_t>(next - compositionsNs.begin()) - 1] = true;
+        const int64_t composedNs = *std::prev(next);
+        mIsAfter[static_cast<size_t>(next - compositionsNs.begin()) - 1] =
+                composedNs >= expected.periodKnownFromNs &&
+                modes.expectedModeAt(composedNs) == modes.replayedModeAt(composedNs);
     }
 }
 
 BoostReplay fitBoosts(const Boosts& recorded, const replay::Recording& replayed,
-                      replay::BoostDepth depth, const std::vector<int64_t>& compositionsNs) {
+                      replay::BoostDepth depth, const Expectation& expected,
+                      const ModeEvidence& modes) {
     std::vector<int64_t> timesNs;
     for (const host::Hint& hint : replayed.hints) {
         if (hint.kind == host::HintKind::JankBoost) timesNs.push_back(hint.timeNs);
     }
-    BoostReplay result = {{depth, 0, 0}, Boosts(timesNs, compositionsNs)};
-    for (size_t i = 0; i < compositionsNs.size(); ++i) {
+    BoostReplay result = {{depth, 0, 0}, Boosts(timesNs, expected, modes)};
+    for (size_t i = 0; i < expected.compositionsNs.size(); ++i) {
         const bool isReplayed = result.boosts.isAfter(i);
         result.fit.compositions += recorded.isAfter(i) || isReplayed ? 1 : 0;
         result.fit.agreeing += recorded.isAfter(i) && isReplayed ? 1 : 0;

@@ -20,8 +20,12 @@ struct BoostFit {
 /** The compositions after which boosts were sent, by index. */
 class Boosts {
   public:
-    /** A boost belongs to the latest composition that begins before it. */
-    Boosts(const std::vector<int64_t>& timesNs, const std::vector<int64_t>& compositionsNs);
+    /**
+     * A boost belongs to the latest composition that begins before it. Boosts are left out if the
+     * trace does not show the refresh period yet, or if the replay has another mode than expected.
+     */
+    Boosts(const std::vector<int64_t>& timesNs, const Expectation& expected,
+           const ModeEvidence& modes);
 
     bool isAfter(size_t composition) const { return mIsAfter[composition]; }
 
@@ -36,7 +40,8 @@ struct BoostReplay {
 };
 
 BoostReplay fitBoosts(const Boosts& recorded, const replay::Recording& replayed,
-                      replay::BoostDepth depth, const std::vector<int64_t>& compositionsNs);
+                      replay::BoostDepth depth, const Expectation& expected,
+                      const ModeEvidence& modes);
 
 /** Returns the beginnings of the compositions after which both have a boost. */
 std::vector<int64_t> commonBoostsNs(const Boosts& recorded, const Boosts& replayed,

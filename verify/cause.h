@@ -35,6 +35,8 @@ enum class Cause : uint8_t {
     BoostDepthFound,  // is the maximum since the previous call
     BoostDepthOther,
     // The workers
+    DownOff,           // DOWN requests are off on the device
+    DownOn,            // or on, but off in the profile
     RequestLate,       // the worker sends a request more than a refresh period later
     RequestNotSent,    // or never
     BoostNotReleased,  // before the next boost

@@ -12,11 +12,18 @@ using trace::TimelineEvent;
 
 class Expecter {
   public:
-    Expecter(const trace::Timeline& timeline, const std::vector<replay::ModeChange>& modes)
+    Expecter(const trace::Timeline& timeline, const replay::Recording& replayed)
           : mTimeline(timeline),
-            mModes(modes),
+            mReplayed(replayed),
             mFocus(timeline.focusedLayer),
-            mLayers(timeline.layers.size()) {}
+            mTracked(mFocus),
+            mLayers(timeline.layers.size()) {
+        mExpectation.periodKnownFromNs = timeline.startNs;
+        for (const trace::TraceWarning& warning : timeline.warnings) {
+            if (warning.kind != trace::TraceWarning::Kind::UnknownPeriod) continue;
+            mExpectation.periodKnownFromNs += warning.fromNs;
+        }
+    }
 
     Expectation expect() {
         for (const TimelineEvent& event : mTimeline.events)
@@ -46,6 +53,9 @@ class Expecter {
                 changeDepth(event);
                 break;
             case TimelineEvent::Kind::CompositionBegin:
+                if (mStampNs != 0 && android::isIdleGap(event.timeNs - mStampNs)) {
+                    mExpectation.modeResetsNs.push_back(event.timeNs);
+                }
                 mPreviousStampNs = mStampNs;
                 mStampNs = event.timeNs;
                 mExpectation.compositionsNs.push_back(event.timeNs);
@@ -63,18 +73,40 @@ class Expecter {
     }
 
     int32_t modeAt(int64_t timeNs) {
-        while (mNextMode < mModes.size() && mModes[mNextMode].timeNs <= timeNs)
-            mMode = mModes[mNextMode++].mode;
+        const std::vector<replay::ModeChange>& modes = mReplayed.modes;
+        while (mNextMode < modes.size() && modes[mNextMode].timeNs <= timeNs)
+            mMode = modes[mNextMode++].mode;
         return mMode;
+    }
+
+    /** The layer in focus has a frame. Returns true if the replay compares its mode. */
+    bool nextIsModeTested() {
+        if (mNextFrame == mReplayed.frames.size()) return false;
+        const replay::FrameOutcome outcome = mReplayed.frames[mNextFrame++].outcome;
+        return isRequest(outcome) || outcome >= replay::FrameOutcome::UnclassifiedMode;
     }
 
     void addFrame(const TimelineEvent& event) {
         const auto layer = static_cast<size_t>(event.layer);
         LayerState& state = mLayers[layer];
         state.depth = event.depth;
-        ExpectedFrame frame = {event.timeNs, event.tid,        event.layer, layer == mFocus,
-                               event.depth,  state.frameNs,    mPeriodNs,   modeAt(event.timeNs),
-                               mStampNs,     mPreviousStampNs, mVsyncNs};
+        const bool isFocused = layer == mFocus;
+        if (isFocused && layer != mTracked) {
+            mExpectation.modeResetsNs.push_back(event.timeNs);
+            mTracked = layer;
+        }
+        ExpectedFrame frame = {event.timeNs,
+                               event.tid,
+                               event.layer,
+                               isFocused,
+                               event.depth,
+                               state.frameNs,
+                               mPeriodNs,
+                               modeAt(event.timeNs),
+                               isFocused && nextIsModeTested(),
+                               mStampNs,
+                               mPreviousStampNs,
+                               mVsyncNs};
         frame.latchedBefore = state.latching > 0 ? state.latching : state.latched;
         state.frameNs = event.timeNs;
         state.waiting.push_back(mExpectation.frames.size());
@@ -100,11 +132,13 @@ class Expecter {
     }
 
     const trace::Timeline& mTimeline;
-    const std::vector<replay::ModeChange>& mModes;
+    const replay::Recording& mReplayed;
     Expectation mExpectation;
     size_t mFocus;
+    size_t mTracked;
     std::vector<LayerState> mLayers;
     size_t mNextMode = 0;
+    size_t mNextFrame = 0;
     int32_t mMode = android::kModeUnclassified;
     int64_t mPeriodNs = 0;
     int64_t mStampNs = 0;
@@ -127,8 +161,8 @@ int64_t timeBefore(int64_t timeNs, int64_t lengthNs) {
     return lengthNs < 0 ? Limits::max() : Limits::min();
 }
 
-Expectation expect(const trace::Timeline& timeline, const std::vector<replay::ModeChange>& modes) {
-    return Expecter(timeline, modes).expect();
+Expectation expect(const trace::Timeline& timeline, const replay::Recording& replayed) {
+    return Expecter(timeline, replayed).expect();
 }
 
 }  // namespace brevold::verify

@@ -25,7 +25,9 @@ struct ExpectedFrame {
     int32_t depth;
     std::optional<int64_t> previousNs;  // the layer's frame before
     int64_t periodNs;
-    int32_t mode;  // of the replay
+    int32_t mode;
+    /** The library compares the mode with the refresh period; the tests before let the frame by. */
+    bool isModeTested;
     // The compositor's stamps; 0 if there is none yet.
     int64_t stampNs;          // the beginning of the latest composition
     int64_t previousStampNs;  // of the one before
@@ -44,10 +46,14 @@ constexpr int64_t kTimeToleranceNs = 1'000'000;
 
 /** A timeline as the replay reports it. */
 struct Expectation {
-    std::vector<ExpectedFrame> frames;
+    std::vector<ExpectedFrame> frames;    // with the modes of the replay
     std::vector<int64_t> compositionsNs;  // their beginnings
+    /** The library resets the mode: after idle gaps, and for a new layer in focus. */
+    std::vector<int64_t> modeResetsNs;
+    /** Until then the trace does not show the refresh period. */
+    int64_t periodKnownFromNs;
 };
 
-Expectation expect(const trace::Timeline& timeline, const std::vector<replay::ModeChange>& modes);
+Expectation expect(const trace::Timeline& timeline, const replay::Recording& replayed);
 
 }  // namespace brevold::verify

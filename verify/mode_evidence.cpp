@@ -18,8 +18,10 @@ constexpr double kRateTolerance = 0.1;
 
 ModeEvidence::ModeEvidence(const LibraryMarks& recorded,
                            const std::vector<replay::ModeChange>& modes,
-                           const std::vector<int64_t>& compositionsNs)
-      : mRecorded(recorded), mCompositionsNs(compositionsNs), mReplayed(modes) {
+                           const Expectation& expected)
+      : mRecorded(recorded), mCompositionsNs(expected.compositionsNs), mReplayed(modes) {
+    for (const int64_t timeNs : expected.modeResetsNs)
+        mModes.push_back({timeNs, android::kModeUnclassified});
     for (const WindowMark& window : recorded.windows)
         mModes.push_back({window.timeNs, window.label.mode});
     for (const DecisionMark& decision : recorded.decisions)
@@ -27,9 +29,6 @@ ModeEvidence::ModeEvidence(const LibraryMarks& recorded,
     std::stable_sort(
             mModes.begin(), mModes.end(),
             [](const RecordedMode& a, const RecordedMode& b) { return a.timeNs < b.timeNs; });
-    for (const replay::ModeChange& change : modes) {
-        if (change.mode == android::kModeUnclassified) mResetsNs.push_back(change.timeNs);
-    }
 }
 
 std::optional<int32_t> ModeEvidence::modeAt(int64_t timeNs) const {
@@ -37,10 +36,7 @@ std::optional<int32_t> ModeEvidence::modeAt(int64_t timeNs) const {
             std::upper_bound(mModes.begin(), mModes.end(), timeNs,
                              [](int64_t t, const RecordedMode& mode) { return t < mode.timeNs; });
     if (next == mModes.begin()) return {};
-    const RecordedMode& last = *std::prev(next);
-    const auto reset = std::upper_bound(mResetsNs.begin(), mResetsNs.end(), timeNs);
-    if (reset != mResetsNs.begin() && *std::prev(reset) > last.timeNs) return {};
-    return last.mode;
+    return std::prev(next)->mode;
 }
 
 int32_t ModeEvidence::replayedModeAt(int64_t timeNs) const {
@@ -48,6 +44,13 @@ int32_t ModeEvidence::replayedModeAt(int64_t timeNs) const {
             mReplayed.begin(), mReplayed.end(), timeNs,
             [](int64_t t, const replay::ModeChange& change) { return t < change.timeNs; });
     return next == mReplayed.begin() ? android::kModeUnclassified : std::prev(next)->mode;
+}
+
+int32_t ModeEvidence::expectedModeAt(int64_t timeNs) const {
+    const std::optional<int32_t> recorded = modeAt(timeNs);
+    const int32_t replayed = replayedModeAt(timeNs);
+    if (!recorded || *recorded == replayed) return replayed;
+    return causeAt(timeNs) == Cause::WindowStart ? *recorded : replayed;
 }
 
 Cause ModeEvidence::causeAt(int64_t timeNs) const {

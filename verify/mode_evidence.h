@@ -6,6 +6,7 @@
 
 #include "replay/recording.h"
 #include "verify/cause.h"
+#include "verify/expected_frames.h"
 #include "verify/library_marks.h"
 
 namespace brevold::verify {
@@ -13,20 +14,21 @@ namespace brevold::verify {
 /** The frame-rate mode on the device, as far as the recording shows it. */
 class ModeEvidence {
   public:
-    /**
-     * `compositionsNs` are the beginnings of the compositions, `modes` those of the replay. The
-     * arguments have to outlive the object.
-     */
+    /** `modes` are those of the replay. The arguments have to outlive the object. */
     ModeEvidence(const LibraryMarks& recorded, const std::vector<replay::ModeChange>& modes,
-                 const std::vector<int64_t>& compositionsNs);
+                 const Expectation& expected);
 
-    /**
-     * Returns the last mode that the recording shows since the replay's mode was reset, or nullopt
-     * if it shows none.
-     */
+    /** Returns the mode on the device, or nullopt if the recording does not show it yet. */
     std::optional<int32_t> modeAt(int64_t timeNs) const;
 
     int32_t replayedModeAt(int64_t timeNs) const;
+
+    /**
+     * Returns the mode that a correct integration has. A replay's measuring windows begin at other
+     * times than those of the device, so this is the recorded mode if causeAt() is WindowStart, and
+     * else the replay's.
+     */
+    int32_t expectedModeAt(int64_t timeNs) const;
 
     /**
      * Returns the cause of a mode that differs from the replay's: TickRate if the measuring window
@@ -46,7 +48,6 @@ class ModeEvidence {
     const std::vector<int64_t>& mCompositionsNs;
     std::vector<RecordedMode> mModes;
     const std::vector<replay::ModeChange>& mReplayed;
-    std::vector<int64_t> mResetsNs;
 };
 
 }  // namespace brevold::verify

@@ -4,6 +4,7 @@
 #include <map>
 
 #include "verify/cause_finder.h"
+#include "verify/device_modes.h"
 #include "verify/expected_frames.h"
 #include "verify/mode_evidence.h"
 #include "verify/pairing.h"
@@ -38,9 +39,21 @@ std::vector<int64_t> beginningsNs(const std::vector<ServiceSection>& sections) {
     return timesNs;
 }
 
-bool sendsDown(const replay::Recording& recording) {
-    return std::any_of(recording.hints.begin(), recording.hints.end(),
-                       [](const host::Hint& hint) { return hint.kind == host::HintKind::Down; });
+bool hasOutcome(const replay::Recording& recording, replay::FrameOutcome outcome) {
+    return std::any_of(recording.frames.begin(), recording.frames.end(),
+                       [&](const replay::DecidedFrame& frame) { return frame.outcome == outcome; });
+}
+
+ProfileGap gapOf(const replay::Recording& recording) {
+    using replay::FrameOutcome;
+    if (hasOutcome(recording, FrameOutcome::ScalingOff)) return ProfileGap::EnergyScaling;
+    const bool isTarget = std::any_of(recording.frames.begin(), recording.frames.end(),
+                                      [](const replay::DecidedFrame& frame) {
+                                          return frame.outcome != FrameOutcome::FirstFrame &&
+                                                 frame.outcome != FrameOutcome::NoTargetApp;
+                                      });
+    const bool isGap = !isTarget && hasOutcome(recording, FrameOutcome::NoTargetApp);
+    return isGap ? ProfileGap::TargetApp : ProfileGap::None;
 }
 
 replay::BoostDepth otherThan(replay::BoostDepth depth) {
@@ -48,10 +61,12 @@ replay::BoostDepth otherThan(replay::BoostDepth depth) {
     return depth == BoostDepth::Left ? BoostDepth::Found : BoostDepth::Left;
 }
 
-void compareDecisions(const std::vector<ExpectedFrame>& frames, const Pairing& pairing,
+void compareDecisions(const Expectation& expected, const Pairing& pairing,
                       const CauseFinder& causes, Differences* differences) {
+    const std::vector<ExpectedFrame>& frames = expected.frames;
     for (size_t i = 0; i < frames.size(); ++i) {
         const auto& [recorded, replayed, isUnreadable] = pairing.frames[i];
+        if (frames[i].timeNs < expected.periodKnownFromNs) continue;
         if (recorded == nullptr && (replayed == nullptr || isUnreadable)) continue;
         if (recorded != nullptr && replayed != nullptr && followsRule(recorded->label) &&
             agree(recorded->label, replayed->label)) {
@@ -60,8 +75,11 @@ void compareDecisions(const std::vector<ExpectedFrame>& frames, const Pairing& p
             differences->add(Subject::Decision, frames[i].timeNs, causes.ofFrame(i));
         }
     }
-    for (const ExtraDecision& extra : pairing.extras)
-        differences->add(Subject::Decision, extra.mark->timeNs, causes.ofExtra(extra));
+    for (const ExtraDecision& extra : pairing.extras) {
+        const int64_t timeNs = extra.mark->timeNs;
+        if (timeNs < expected.periodKnownFromNs) continue;
+        differences->add(Subject::Decision, timeNs, causes.ofExtra(extra));
+    }
     differences->narrowCauses();
     differences->sort();
 }
@@ -90,6 +108,7 @@ Verification verify(DeviceTrace& device, replay::BoostDepth boostDepth, double t
                            recordedMarks(device.sections, device.form),
                            timeline.warnings,
                            Verdict::NoMarks,
+                           ProfileGap::None,
                            Differences(timeline.endNs),
                            {},
                            {},
@@ -100,12 +119,17 @@ Verification verify(DeviceTrace& device, replay::BoostDepth boostDepth, double t
 
     result.replay = play({boostDepth, true});
     const replay::Recording& recording = result.replay;
-    const LibraryMarks replayed = replayedMarks(recording);
-    const Expectation expected = expect(timeline, recording.modes);
-    const ModeEvidence modes(recorded, recording.modes, expected.compositionsNs);
-    const Boosts boosts(beginningsNs(recorded.boosts), expected.compositionsNs);
-    const BoostReplay boostReplay =
-            fitBoosts(boosts, recording, boostDepth, expected.compositionsNs);
+    result.profileGap = recorded.decisions.empty() ? ProfileGap::None : gapOf(recording);
+    if (result.profileGap != ProfileGap::None) {
+        result.verdict = Verdict::OtherProfile;
+        return result;
+    }
+    LibraryMarks replayed = replayedMarks(recording);
+    Expectation expected = expect(timeline, recording);
+    const ModeEvidence modes(recorded, recording.modes, expected);
+    expectModes(modes, &expected.frames, &replayed.decisions);
+    const Boosts boosts(beginningsNs(recorded.boosts), expected, modes);
+    const BoostReplay boostReplay = fitBoosts(boosts, recording, boostDepth, expected, modes);
     const std::vector<int64_t> commonNs =
             commonBoostsNs(boosts, boostReplay.boosts, expected.compositionsNs);
     const Pairing pairing = pairDecisions(expected.frames, recorded, replayed);
@@ -114,23 +138,23 @@ Verification verify(DeviceTrace& device, replay::BoostDepth boostDepth, double t
     if (replayed.windows.size() >= kEarlyWindows) {
         result.differences = Differences(replayed.windows[kEarlyWindows - 1].timeNs);
     }
-    compareDecisions(expected.frames, pairing, causes, &result.differences);
+    compareDecisions(expected, pairing, causes, &result.differences);
 
     result.boostFits.push_back(boostReplay.fit);
     std::optional<BoostReplay> otherReplay;
     if (boostReplay.fit.agreeing != boostReplay.fit.compositions) {
         const replay::PlayOptions other = {otherThan(boostDepth), false};
-        otherReplay = fitBoosts(boosts, play(other), other.boostDepth, expected.compositionsNs);
+        otherReplay = fitBoosts(boosts, play(other), other.boostDepth, expected, modes);
         result.boostFits.push_back(otherReplay->fit);
     }
     compareBoosts(boosts, boostReplay, otherReplay ? &*otherReplay : nullptr,
                   expected.compositionsNs, modes, &result.differences);
 
     result.periodNs = mainPeriodNs(timeline);
-    result.latencies = checkWorkers(
-            recorded,
-            {expected.compositionsNs, result.periodNs, timeline.endNs, sendsDown(recording)},
-            &result.differences);
+    result.latencies = checkWorkers(recorded,
+                                    {expected.compositionsNs, result.periodNs, timeline.endNs,
+                                     !hasOutcome(recording, replay::FrameOutcome::DownOff)},
+                                    &result.differences);
     result.differences.sort();
     result.verdict = verdictOf(result.differences, tolerancePercent);
     return result;

@@ -19,10 +19,22 @@ namespace brevold::verify {
 
 enum class Verdict : uint8_t {
     AsExpected,
-    Differs,      // more than the tolerance
-    TooShort,     // the trace has differences, and no decision after the first two windows
-    NoDecisions,  // neither the recording nor the replay has one
-    NoMarks,      // the trace has no marks of the library
+    Differs,       // more than the tolerance
+    TooShort,      // the trace has differences, and no decision after the first two windows
+    NoDecisions,   // neither the recording nor the replay has one
+    OtherProfile,  // the recording has decisions, but the profile allows none
+    NoMarks,       // the trace has no marks of the library
+};
+
+constexpr bool isCompared(Verdict verdict) {
+    return verdict != Verdict::OtherProfile && verdict != Verdict::NoMarks;
+}
+
+/** The part of a profile without which the library makes no decision. */
+enum class ProfileGap : uint8_t {
+    None,
+    EnergyScaling,  // it is not allowed or not on
+    TargetApp,      // the application in focus is no target
 };
 
 /** The comparison of a recording with its replay. Times are the trace's own. */
@@ -35,7 +47,9 @@ struct Verification {
     LibraryMarks marks;  // those in the trace
     std::vector<trace::TraceWarning> warnings;
     Verdict verdict = Verdict::NoMarks;
-    // The rest is empty if there are no marks.
+    /** Set if the verdict is OtherProfile. */
+    ProfileGap profileGap = ProfileGap::None;
+    // The rest is empty if there are no marks, or if the profile allows no decisions.
     Differences differences;
     /** For the boost depth of the replay and, if boosts differ, for the other one. */
     std::vector<BoostFit> boostFits;

@@ -58,7 +58,10 @@ Json objectOf(const Verification& verification) {
     object["warnings"] = Json::array();
     for (const trace::TraceWarning& warning : verification.warnings)
         object["warnings"].push_back(report::warningOf(warning));
-    if (verification.verdict == Verdict::NoMarks) return object;
+    if (verification.profileGap != ProfileGap::None) {
+        object["profile_lacks"] = wordOf(verification.profileGap);
+    }
+    if (!isCompared(verification.verdict)) return object;
 
     const int64_t earlyUntilNs = verification.differences.earlyUntilNs();
     object["first_two_windows_until_s"] = seconds(earlyUntilNs);

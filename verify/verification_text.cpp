@@ -57,6 +57,11 @@ std::string verdictText(const Verification& verification) {
             return "the recording is too short; it ends within the first two windows: " + agreement;
         case Verdict::NoDecisions:
             return "nothing to verify: the recording and the replay have no DOWN or UP decisions";
+        case Verdict::OtherProfile:
+            return fmt::format(
+                    "nothing to verify: under this profile the library decides nothing, but the "
+                    "device decided {} times: {}",
+                    verification.marks.decisions.size(), textOf(verification.profileGap));
         case Verdict::NoMarks:
             return "nothing to verify: the trace has no marks of the library. Its debug output was "
                    "off, or was switched on without restarting the compositor (settings are read "
@@ -140,7 +145,7 @@ void print(const Verification& verification, std::ostream& out) {
         fmt::print(out, "warning       {}\n", report::warningText(warning));
     printIgnored(marks.ignored, out);
     fmt::print(out, "verdict       {}\n", verdictText(verification));
-    if (verification.verdict == Verdict::NoMarks) return;
+    if (!isCompared(verification.verdict)) return;
     printTallies(verification, out);
     printCauses(verification, out);
     printLatencies(verification, out);

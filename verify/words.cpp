@@ -57,6 +57,12 @@ Words wordsOf(Cause cause) {
                     "boost_depth_found"};
         case Cause::BoostDepthOther:
             return {"brevoldScaling gets another number of frames", "boost_depth_other"};
+        case Cause::DownOff:
+            return {"vendor.perf.pfar.down.enable is 1 in the profile, but not on the device",
+                    "down_off"};
+        case Cause::DownOn:
+            return {"vendor.perf.pfar.down.enable is 1 on the device, but not in the profile",
+                    "down_on"};
         case Cause::RequestLate:
             return {"the worker sends the request more than a refresh period later",
                     "request_late"};
@@ -68,6 +74,20 @@ Words wordsOf(Cause cause) {
             return {"the queue times are not those of the trace", "queue_times"};
         case Cause::Unexplained:
             return {"unexplained", "unexplained"};
+    }
+    return {"", ""};
+}
+
+Words wordsOf(ProfileGap gap) {
+    switch (gap) {
+        case ProfileGap::None:
+            break;
+        case ProfileGap::EnergyScaling:
+            return {"energy scaling is off; it needs feature.5=1 and vendor.perf.pfar.enable=1",
+                    "energy_scaling"};
+        case ProfileGap::TargetApp:
+            return {"the application is no target; it needs app-type.PACKAGE=2 or app-type.*=2",
+                    "target_app"};
     }
     return {"", ""};
 }
@@ -113,6 +133,10 @@ const char* textOf(LatencyKind kind) {
     return wordsOf(kind).text;
 }
 
+const char* textOf(ProfileGap gap) {
+    return wordsOf(gap).text;
+}
+
 const char* wordOf(Cause cause) {
     return wordsOf(cause).word;
 }
@@ -135,6 +159,10 @@ const char* wordOf(LatencyKind kind) {
     return wordsOf(kind).word;
 }
 
+const char* wordOf(ProfileGap gap) {
+    return wordsOf(gap).word;
+}
+
 const char* wordOf(Verdict verdict) {
     switch (verdict) {
         case Verdict::AsExpected:
@@ -143,6 +171,8 @@ const char* wordOf(Verdict verdict) {
             return "differs";
         case Verdict::TooShort:
             return "too_short";
+        case Verdict::OtherProfile:
+            return "other_profile";
         case Verdict::NoDecisions:
             return "no_decisions";
         case Verdict::NoMarks:

@@ -54,6 +54,36 @@ std::vector<Latency> checkRequests(const std::vector<const DecisionMark*>& poste
     return waits;
 }
 
+/** DOWN requests have scales of at most 1, UP requests have larger ones; labels round both. */
+bool isSurelyDown(double scale) {
+    return scale < 1 - kScaleRounding;
+}
+
+/** Checks that DOWN requests are on or off as expected. Returns true if their workers send them. */
+bool checkDownRequests(const LibraryMarks& marks, const WorkerContext& context,
+                       Differences* differences) {
+    std::vector<int64_t> decidedNs;
+    for (const DecisionMark& decision : marks.decisions) {
+        const bool isDue = decision.timeNs < context.traceEndNs - context.periodNs;
+        if (isDue && isSurelyDown(decision.label.scale)) decidedNs.push_back(decision.timeNs);
+    }
+    std::vector<int64_t> sentNs;
+    for (const ServiceSection& request : marks.requests) {
+        if (isSurelyDown(request.scale)) sentNs.push_back(request.beginNs);
+    }
+    if (context.sendsDown && sentNs.empty()) {
+        CauseSet causes = Cause::DownOff;
+        if (marks.requests.empty()) causes.add(Cause::RequestNotSent);
+        for (const int64_t timeNs : decidedNs)
+            differences->add(Subject::Request, timeNs, causes);
+    }
+    if (!context.sendsDown) {
+        for (const int64_t timeNs : sentNs)
+            differences->add(Subject::Request, timeNs, Cause::DownOn);
+    }
+    return context.sendsDown && (!sentNs.empty() || decidedNs.empty());
+}
+
 /** Returns the times from boosts to their releases. */
 std::vector<Latency> checkReleases(const LibraryMarks& marks, const WorkerContext& context,
                                    Differences* differences) {
@@ -109,10 +139,11 @@ std::vector<Latency> reporterWaits(const std::vector<const DecisionMark*>& poste
 
 Latencies checkWorkers(const LibraryMarks& marks, const WorkerContext& context,
                        Differences* differences) {
+    const bool hasDown = checkDownRequests(marks, context, differences);
     std::vector<const DecisionMark*> posted;
     for (const DecisionMark& decision : marks.decisions) {
         const bool isUp = decision.label.direction == Direction::Up;
-        if (isUp || context.sendsDown) posted.push_back(&decision);
+        if (isUp || hasDown) posted.push_back(&decision);
     }
     Latencies latencies;
     const auto set = [&](LatencyKind kind, std::vector<Latency> values) {

@@ -28,7 +28,7 @@ struct WorkerContext {
     const std::vector<int64_t>& compositionsNs;  // their beginnings
     int64_t periodNs;
     int64_t traceEndNs;
-    bool sendsDown;  // if not, DOWN decisions post no requests
+    bool sendsDown;  // in the profile; if not, DOWN decisions post no requests
 };
 
 /** Checks that requests are sent in time and boosts released, and measures the latencies. */
