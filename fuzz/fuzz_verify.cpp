@@ -40,18 +40,16 @@ std::string traceWith(const std::string& labels) {
     return text;
 }
 
-/** A replay that decides in the same way for every second frame. */
+/** A replay that may decide for every second frame. */
 replay::Recording play(const trace::Timeline& timeline) {
     replay::Recording recording;
     recording.modes = {{timeline.startNs, 2}};
     int64_t frames = 0;
     for (const trace::TimelineEvent& event : timeline.events) {
-        if (event.kind != trace::TimelineEvent::Kind::Frame || ++frames % 2 != 0) continue;
-        const std::string label =
-                "[UP_SCALING]mode 2 scale 1.276596 headRoom 7833333 diffQB 30000000 diffSFToQB "
-                "7833333 lastMaxQueuedFrames 1";
-        recording.marks.push_back({{event.timeNs, -1, true, label}, event.tid});
-        recording.marks.push_back({{event.timeNs, -1, false, ""}, event.tid});
+        if (event.kind != trace::TimelineEvent::Kind::Frame) continue;
+        const auto outcome =
+                ++frames % 2 == 0 ? replay::FrameOutcome::AskedUp : replay::FrameOutcome::NoStamp;
+        recording.frames.push_back({event.timeNs, outcome});
     }
     return recording;
 }
@@ -74,7 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     }
     const verify::Verification result =
             verify::verify(device, replay::BoostDepth::Left, 1.0,
-                           [&](const replay::PlayOptions&) { return play(device.timeline); });
+                           [&](replay::BoostDepth, bool) { return play(device.timeline); });
     const verify::Tally& decisions = result.differences.of(verify::Subject::Decision);
     require(decisions.count >= static_cast<int64_t>(result.marks.decisions.size()) ||
                     result.verdict == verify::Verdict::NoMarks,

@@ -50,11 +50,10 @@ bool verifyTrace(const ReplayOptions& options, std::ostream& out) {
     verify::DeviceTrace device;
     device.name = input.name();
     device.timeline = trace::readTimeline(input, options.timeline, &device.form, &device.sections);
-    // The marks of the replay are the library's debug output.
-    const auto play = [&](const replay::PlayOptions& playOptions) {
-        const std::string debugOutput = playOptions.hasMarks ? "=1" : "=0";
-        return replay::playIsolated(device.timeline, {android::kDebugProperty + debugOutput},
-                                    playOptions);
+    // The modes are part of the debug output; only a marked trace needs the marks.
+    const auto play = [&](replay::BoostDepth boostDepth, bool debug) {
+        const std::string setting = android::kDebugProperty + std::string(debug ? "=1" : "=0");
+        return replay::playIsolated(device.timeline, {setting}, {boostDepth, !traceOut.empty()});
     };
     const verify::Verification result =
             verify::verify(device, options.common.boostDepth, options.tolerancePercent, play);

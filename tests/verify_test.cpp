@@ -158,7 +158,7 @@ TEST(FigureSupportTest, TheDepthThatFitsMostLabelsIsTheCause) {
         }
         LibraryMarks recorded;
         recorded.decisions = marks;
-        const Pairing pairing = pairDecisions(frames, recorded, {});
+        const Pairing pairing = pairDecisions(frames, recorded);
         const FigureSupport support(depthFigure(), frames, pairing);
         EXPECT_EQ(support.causesOf(frames[1], marks[1].label), c.causes);
     }
@@ -188,7 +188,7 @@ TEST(PairingTest, FramesCountTheLatchesAroundThemAndTheThreadDecides) {
 
     LibraryMarks recorded;
     recorded.decisions = {{15 * kMs, 1, {}}, {15 * kMs, 3, {}}};
-    const Pairing pairing = pairDecisions(frames, recorded, {});
+    const Pairing pairing = pairDecisions(frames, recorded);
     EXPECT_EQ(pairing.frames[2].recorded, &recorded.decisions[0]);
     EXPECT_EQ(pairing.frames[3].recorded, &recorded.decisions[1]);
 }

@@ -41,9 +41,13 @@ void LibrarySections::add(const TraceMark& mark) {
 }
 
 std::vector<LibrarySection> LibrarySections::take() {
-    std::stable_sort(
-            mSections.begin(), mSections.end(),
-            [](const LibrarySection& a, const LibrarySection& b) { return a.beginNs < b.beginNs; });
+    const auto isEarlier = [](const LibrarySection& a, const LibrarySection& b) {
+        return a.beginNs < b.beginNs;
+    };
+    // Sections of most traces are in order, and a sort would move them all.
+    if (!std::is_sorted(mSections.begin(), mSections.end(), isEarlier)) {
+        std::stable_sort(mSections.begin(), mSections.end(), isEarlier);
+    }
     return std::move(mSections);
 }
 

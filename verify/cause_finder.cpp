@@ -74,8 +74,8 @@ CauseSet CauseFinder::ofLabel(size_t frame, const DecisionLabel& label) const {
     if (!isPeriodOf(label, expected)) return Cause::PeriodOfOtherDisplay;
     if (label.mode != expected.mode) return mModes.causeAt(expected.timeNs);
     // Small differences of the times are left. They may also move a scale across the threshold.
-    const bool hasReplayed = mPairing.frames[frame].replayed != nullptr;
-    return hasReplayed || label.direction == Direction::Up ? Cause::QueueTimes : Cause::Unexplained;
+    return expected.decision || label.direction == Direction::Up ? Cause::QueueTimes
+                                                                 : Cause::Unexplained;
 }
 
 CauseSet CauseFinder::ofInterval(size_t frame, const DecisionLabel& label) const {

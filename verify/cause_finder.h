@@ -11,7 +11,7 @@
 
 namespace brevold::verify {
 
-/** Finds the causes for which recorded and replayed decisions differ. */
+/** Finds the causes for which recorded and expected decisions differ. */
 class CauseFinder {
   public:
     /**

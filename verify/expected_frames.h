@@ -16,7 +16,7 @@ bool isSameTime(int64_t aNs, int64_t bNs);
 /** Returns timeNs - lengthNs, or the nearest number. Lengths in labels may be any. */
 int64_t timeBefore(int64_t timeNs, int64_t lengthNs);
 
-/** A frame of a timeline, and the figures with which the replay reports it. */
+/** A frame of a timeline, and the figures with which a correct integration reports it. */
 struct ExpectedFrame {
     int64_t timeNs;
     int32_t tid;
@@ -35,6 +35,7 @@ struct ExpectedFrame {
     // Frames of the layer that a composition takes.
     int32_t latchedBefore = 0;  // the latest one
     int32_t latchedAfter = 0;   // the next one
+    std::optional<DecisionLabel> decision = {};
 
     FrameFigures figures() const {
         return {periodNs, mode, depth, timeNs - previousNs.value_or(timeNs), timeNs - stampNs};
@@ -46,7 +47,7 @@ constexpr int64_t kTimeToleranceNs = 1'000'000;
 
 /** A timeline as the replay reports it. */
 struct Expectation {
-    std::vector<ExpectedFrame> frames;    // with the modes of the replay
+    std::vector<ExpectedFrame> frames;    // with the modes of the replay, and without decisions
     std::vector<int64_t> compositionsNs;  // their beginnings
     /** The library resets the mode: after idle gaps, and for a new layer in focus. */
     std::vector<int64_t> modeResetsNs;

@@ -71,7 +71,7 @@ FigureSupport::FigureSupport(const Figure& figure, const std::vector<ExpectedFra
     for (size_t c = 1; c < mFits.size(); ++c) {
         mIsPossible[c] = hasLabels ? mFits[c] > 0 && isAsFrequent(mFits[c], maxFits) : true;
         for (size_t i = 0; i < frames.size() && !hasLabels; ++i) {
-            if (pairing.frames[i].replayed == nullptr) continue;
+            if (!frames[i].decision) continue;
             mIsPossible[c] = mIsPossible[c] && isSilent(frames[i], figure.candidates[c]);
         }
     }

@@ -46,7 +46,7 @@ class FigureSupport {
 
     /**
      * Returns the causes for which the library makes no decision for a frame, and that fit the
-     * labels. Without labels, the causes for which it makes none for all frames of the replay.
+     * labels. Without labels, the causes for which it makes none for all frames with a decision.
      */
     CauseSet causesOfSilence(const ExpectedFrame& frame) const;
 

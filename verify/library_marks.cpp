@@ -75,21 +75,4 @@ LibraryMarks recordedMarks(trace::LibrarySections& sections, const trace::TraceF
     return marks.take(sections.endsWithoutBegin());
 }
 
-LibraryMarks replayedMarks(const replay::Recording& recording) {
-    trace::LibrarySections sections;
-    // Workers have numbers from 0 in a recording; callers have the ids of their threads.
-    for (const auto& [mark, callerTid] : recording.marks) {
-        trace::TraceMark section = {};
-        section.kind = mark.isBegin ? trace::TraceMark::Kind::Begin : trace::TraceMark::Kind::End;
-        section.timeNs = mark.timeNs;
-        section.tid = mark.thread < 0 ? callerTid : -1 - mark.thread;
-        section.name = mark.label;
-        sections.add(section);
-    }
-    MarkCollector marks;
-    for (const trace::LibrarySection& section : sections.take())
-        marks.add(section);
-    return marks.take(0);
-}
-
 }  // namespace brevold::verify

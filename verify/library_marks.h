@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <vector>
 
-#include "replay/recording.h"
 #include "trace/library_sections.h"
 #include "trace/trace_form.h"
 #include "verify/label.h"
@@ -44,7 +43,7 @@ struct MarkCounts {
     int64_t withoutBegin = 0;  // the trace starts later
 };
 
-/** The library's marks, from a recording or a replay. All lists are in the order of time. */
+/** The library's marks in a recording. All lists are in the order of time. */
 struct LibraryMarks {
     std::vector<DecisionMark> decisions;
     std::vector<UnreadableMark> unreadable;
@@ -62,7 +61,5 @@ struct LibraryMarks {
 
 /** Takes the sections of a trace. Those that a replay added to the library's own are left out. */
 LibraryMarks recordedMarks(trace::LibrarySections& sections, const trace::TraceForm& form);
-
-LibraryMarks replayedMarks(const replay::Recording& recording);
 
 }  // namespace brevold::verify

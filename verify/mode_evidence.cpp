@@ -73,4 +73,12 @@ bool ModeEvidence::hasRateOfCompositions(const WindowMark& window) const {
     return std::abs(window.label.fps - count) <= std::max(kCountTolerance, kRateTolerance * count);
 }
 
+void expectDecisions(const ModeEvidence& modes, std::vector<ExpectedFrame>* frames) {
+    for (ExpectedFrame& frame : *frames) {
+        if (!frame.isModeTested) continue;
+        frame.mode = modes.expectedModeAt(frame.timeNs);
+        frame.decision = decide(frame.figures());
+    }
+}
+
 }  // namespace brevold::verify

@@ -50,4 +50,10 @@ class ModeEvidence {
     const std::vector<replay::ModeChange>& mReplayed;
 };
 
+/**
+ * Completes the frames of a correct integration: sets the mode where another one is expected than
+ * the replay's, and the decisions.
+ */
+void expectDecisions(const ModeEvidence& modes, std::vector<ExpectedFrame>* frames);
+
 }  // namespace brevold::verify

@@ -43,16 +43,9 @@ class NearestFrame {
     std::optional<size_t> mOnAny;
 };
 
-/** The replay decides at the time of the frame. */
-bool isOfFrame(const DecisionMark& replayed, const ExpectedFrame& frame) {
-    return frame.isFocused && frame.timeNs == replayed.timeNs &&
-           frame.depth == replayed.label.depth;
-}
-
 }  // namespace
 
-Pairing pairDecisions(const std::vector<ExpectedFrame>& frames, const LibraryMarks& recorded,
-                      const LibraryMarks& replayed) {
+Pairing pairDecisions(const std::vector<ExpectedFrame>& frames, const LibraryMarks& recorded) {
     Pairing pairing;
     pairing.frames.resize(frames.size());
     for (const DecisionMark& mark : recorded.decisions) {
@@ -66,15 +59,6 @@ Pairing pairDecisions(const std::vector<ExpectedFrame>& frames, const LibraryMar
     for (const UnreadableMark& mark : recorded.unreadable) {
         const std::optional<size_t> frame = NearestFrame(frames, mark.timeNs, mark.tid).frame();
         if (frame) pairing.frames[*frame].isUnreadable = true;
-    }
-    auto frame = frames.begin();
-    for (const DecisionMark& mark : replayed.decisions) {
-        frame = std::find_if(frame, frames.end(), [&](const ExpectedFrame& expected) {
-            return expected.timeNs > mark.timeNs || isOfFrame(mark, expected);
-        });
-        if (frame == frames.end() || !isOfFrame(mark, *frame)) continue;
-        pairing.frames[static_cast<size_t>(frame - frames.begin())].replayed = &mark;
-        ++frame;
     }
     return pairing;
 }

@@ -9,10 +9,9 @@
 
 namespace brevold::verify {
 
-/** The decisions for one frame; null without one. */
-struct FrameDecisions {
+/** The recorded decision for a frame; null without one. */
+struct FrameDecision {
     const DecisionMark* recorded = nullptr;
-    const DecisionMark* replayed = nullptr;
     /** The recording may have a decision that cannot be read. */
     bool isUnreadable = false;
 };
@@ -24,7 +23,7 @@ struct ExtraDecision {
 };
 
 struct Pairing {
-    std::vector<FrameDecisions> frames;  // with the indices of the expected frames
+    std::vector<FrameDecision> frames;  // with the indices of the expected frames
     std::vector<ExtraDecision> extras;
 };
 
@@ -33,7 +32,6 @@ struct Pairing {
  * because labels name no layer. Frames on the thread of the decision are preferred. The marks have
  * to outlive the result.
  */
-Pairing pairDecisions(const std::vector<ExpectedFrame>& frames, const LibraryMarks& recorded,
-                      const LibraryMarks& replayed);
+Pairing pairDecisions(const std::vector<ExpectedFrame>& frames, const LibraryMarks& recorded);
 
 }  // namespace brevold::verify

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <map>
 
+#include "replay/window_line.h"
 #include "verify/cause_finder.h"
-#include "verify/device_modes.h"
 #include "verify/expected_frames.h"
 #include "verify/mode_evidence.h"
 #include "verify/pairing.h"
@@ -56,6 +56,16 @@ ProfileGap gapOf(const replay::Recording& recording) {
     return isGap ? ProfileGap::TargetApp : ProfileGap::None;
 }
 
+/** Returns the end of the replay's second measuring window, or of the trace. */
+int64_t earlyUntilNs(const replay::Recording& recording, int64_t endNs) {
+    size_t windows = 0;
+    for (const host::LogLine& line : recording.log) {
+        if (!replay::modeOfWindowLine(line.text)) continue;
+        if (++windows == kEarlyWindows) return line.timeNs;
+    }
+    return endNs;
+}
+
 replay::BoostDepth otherThan(replay::BoostDepth depth) {
     using replay::BoostDepth;
     return depth == BoostDepth::Left ? BoostDepth::Found : BoostDepth::Left;
@@ -65,11 +75,12 @@ void compareDecisions(const Expectation& expected, const Pairing& pairing,
                       const CauseFinder& causes, Differences* differences) {
     const std::vector<ExpectedFrame>& frames = expected.frames;
     for (size_t i = 0; i < frames.size(); ++i) {
-        const auto& [recorded, replayed, isUnreadable] = pairing.frames[i];
+        const std::optional<DecisionLabel>& decision = frames[i].decision;
+        const auto& [recorded, isUnreadable] = pairing.frames[i];
         if (frames[i].timeNs < expected.periodKnownFromNs) continue;
-        if (recorded == nullptr && (replayed == nullptr || isUnreadable)) continue;
-        if (recorded != nullptr && replayed != nullptr && followsRule(recorded->label) &&
-            agree(recorded->label, replayed->label)) {
+        if (recorded == nullptr && (!decision || isUnreadable)) continue;
+        if (recorded != nullptr && decision && followsRule(recorded->label) &&
+            agree(recorded->label, *decision)) {
             differences->addAgreement(Subject::Decision, frames[i].timeNs);
         } else {
             differences->add(Subject::Decision, frames[i].timeNs, causes.ofFrame(i));
@@ -117,34 +128,31 @@ Verification verify(DeviceTrace& device, replay::BoostDepth boostDepth, double t
     const LibraryMarks& recorded = result.marks;
     if (recorded.isEmpty()) return result;
 
-    result.replay = play({boostDepth, true});
+    result.replay = play(boostDepth, true);
     const replay::Recording& recording = result.replay;
     result.profileGap = recorded.decisions.empty() ? ProfileGap::None : gapOf(recording);
     if (result.profileGap != ProfileGap::None) {
         result.verdict = Verdict::OtherProfile;
         return result;
     }
-    LibraryMarks replayed = replayedMarks(recording);
     Expectation expected = expect(timeline, recording);
     const ModeEvidence modes(recorded, recording.modes, expected);
-    expectModes(modes, &expected.frames, &replayed.decisions);
+    expectDecisions(modes, &expected.frames);
     const Boosts boosts(beginningsNs(recorded.boosts), expected, modes);
     const BoostReplay boostReplay = fitBoosts(boosts, recording, boostDepth, expected, modes);
     const std::vector<int64_t> commonNs =
             commonBoostsNs(boosts, boostReplay.boosts, expected.compositionsNs);
-    const Pairing pairing = pairDecisions(expected.frames, recorded, replayed);
+    const Pairing pairing = pairDecisions(expected.frames, recorded);
     const CauseFinder causes(expected.frames, pairing, modes, commonNs);
 
-    if (replayed.windows.size() >= kEarlyWindows) {
-        result.differences = Differences(replayed.windows[kEarlyWindows - 1].timeNs);
-    }
+    result.differences = Differences(earlyUntilNs(recording, timeline.endNs));
     compareDecisions(expected, pairing, causes, &result.differences);
 
     result.boostFits.push_back(boostReplay.fit);
     std::optional<BoostReplay> otherReplay;
     if (boostReplay.fit.agreeing != boostReplay.fit.compositions) {
-        const replay::PlayOptions other = {otherThan(boostDepth), false};
-        otherReplay = fitBoosts(boosts, play(other), other.boostDepth, expected, modes);
+        const replay::BoostDepth other = otherThan(boostDepth);
+        otherReplay = fitBoosts(boosts, play(other, false), other, expected, modes);
         result.boostFits.push_back(otherReplay->fit);
     }
     compareBoosts(boosts, boostReplay, otherReplay ? &*otherReplay : nullptr,

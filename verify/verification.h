@@ -67,8 +67,8 @@ struct DeviceTrace {
     trace::LibrarySections sections;
 };
 
-/** Plays the timeline of a trace. */
-using Play = std::function<replay::Recording(const replay::PlayOptions&)>;
+/** Plays the timeline of a trace, with the library's debug output on or off. */
+using Play = std::function<replay::Recording(replay::BoostDepth, bool debug)>;
 
 /**
  * Compares a recording with its replay. Takes the sections of `device`. Calls `play` once, and
