@@ -13,6 +13,7 @@
 #include "trace/string_source.h"
 #include "verify/decision_rule.h"
 #include "verify/figure_support.h"
+#include "verify/mode_evidence.h"
 #include "verify/workers.h"
 
 namespace brevold::verify {
@@ -164,7 +165,7 @@ TEST(FigureSupportTest, TheDepthThatFitsMostLabelsIsTheCause) {
     }
 }
 
-TEST(PairingTest, FramesCountTheLatchesAroundThemAndTheThreadDecides) {
+TEST(ExpectationTest, LatchesAroundFramesModesAndThreadsOfDecisions) {
     using Kind = TimelineEvent::Kind;
     trace::Timeline timeline;
     timeline.layers = {{"a", 0}, {"b", 0}};
@@ -179,14 +180,28 @@ TEST(PairingTest, FramesCountTheLatchesAroundThemAndTheThreadDecides) {
                        {15 * kMs, Kind::Frame, 1, 1, 2, 0},
                        {20 * kMs, Kind::CompositionBegin, 0, 0, 9, 0},
                        {21 * kMs, Kind::CompositionEnd, 0, 0, 9, 0},
-                       {22 * kMs, Kind::Frame, 0, 3, 1, 0}};
-    const std::vector<ExpectedFrame> frames = expect(timeline, {}).frames;
-    const std::pair<int32_t, int32_t> kLatches[] = {{0, 1}, {1, 0}, {1, 0}, {0, 0}, {0, 0}};
+                       {22 * kMs, Kind::Frame, 0, 3, 1, 0},
+                       {169 * kMs, Kind::CompositionBegin, 0, 0, 9, 0},
+                       {319 * kMs, Kind::CompositionBegin, 0, 0, 9, 0},
+                       {400 * kMs, Kind::Focus, 1, 0, 9, 0},
+                       {401 * kMs, Kind::Frame, 1, 0, 2, 0}};
+    const Expectation expected = expect(timeline, {});
+    const std::vector<ExpectedFrame>& frames = expected.frames;
+    const std::pair<int32_t, int32_t> kLatches[] = {{0, 1}, {1, 0}, {1, 0}, {0, 0}, {0, 0}, {0, 0}};
     ASSERT_EQ(frames.size(), std::size(kLatches));
     for (size_t i = 0; i < frames.size(); ++i)
         EXPECT_EQ(std::make_pair(frames[i].latchedBefore, frames[i].latchedAfter), kLatches[i]);
 
     LibraryMarks recorded;
+    recorded.windows = {{50 * kMs, {2, 60.0, 0, 0, 0}}, {350 * kMs, {3, 90.0, 0, 0, 0}}};
+    const std::vector<replay::ModeChange> replayed = {{0, 4}};
+    const ModeEvidence modes(recorded, replayed, expected);
+    // The windows, an idle gap, and another layer in focus.
+    const std::pair<int64_t, int32_t> kModes[] = {{49, 4},  {50, 2},  {318, 2}, {319, 5},
+                                                  {350, 3}, {400, 3}, {401, 5}};
+    for (const auto& [timeMs, mode] : kModes)
+        EXPECT_EQ(modes.expectedModeAt(timeMs * kMs), mode) << timeMs;
+
     recorded.decisions = {{15 * kMs, 1, {}}, {15 * kMs, 3, {}}};
     const Pairing pairing = pairDecisions(frames, recorded);
     EXPECT_EQ(pairing.frames[2].recorded, &recorded.decisions[0]);

@@ -37,10 +37,11 @@ Boosts::Boosts(const std::vector<int64_t>& timesNs, const Expectation& expected,
     for (const int64_t timeNs : timesNs) {
         const auto next = std::upper_bound(compositionsNs.begin(), compositionsNs.end(), timeNs);
         if (next == compositionsNs.begin()) continue;
-        const int64_t composedNs = *std::prev(next);
+        // A window that ends with the composition is marked a little after its beginning.
+        const int64_t postedNs = *std::prev(next) + kTimeToleranceNs;
         mIsAfter[static_cast<size_t>(next - compositionsNs.begin()) - 1] =
-                composedNs >= expected.periodKnownFromNs &&
-                modes.expectedModeAt(composedNs) == modes.replayedModeAt(composedNs);
+                postedNs >= expected.periodKnownFromNs &&
+                modes.expectedModeAt(postedNs) == modes.replayedModeAt(postedNs);
     }
 }
 

@@ -45,7 +45,8 @@ Words wordsOf(Cause cause) {
         case Cause::PeriodOfOtherDisplay:
             return {"the refresh period is that of another display", "period_of_other_display"};
         case Cause::WindowStart:
-            return {"the measuring windows begin at other times", "window_start"};
+            return {"the measuring windows begin at other times, as is normal in the first seconds",
+                    "window_start"};
         case Cause::TickRate:
             return {"brevoldRefresh is called at another rate than compositions begin",
                     "tick_rate"};
