@@ -26,7 +26,7 @@ struct ExpectedFrame {
     std::optional<int64_t> previousNs;  // the layer's frame before
     int64_t periodNs;
     int32_t mode;
-    /** The library compares the mode with the refresh period; the tests before let the frame by. */
+    /** The frame reaches the library's comparison of the mode with the refresh period. */
     bool isModeTested;
     // The compositor's stamps; 0 if there is none yet.
     int64_t stampNs;          // the beginning of the latest composition
