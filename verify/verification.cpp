@@ -57,7 +57,7 @@ ProfileGap gapOf(const replay::Recording& recording) {
 }
 
 /** Returns the end of the replay's second measuring window, or of the trace. */
-int64_t earlyUntilNs(const replay::Recording& recording, int64_t endNs) {
+int64_t earlyEndNs(const replay::Recording& recording, int64_t endNs) {
     size_t windows = 0;
     for (const host::LogLine& line : recording.log) {
         if (!replay::modeOfWindowLine(line.text)) continue;
@@ -145,7 +145,7 @@ Verification verify(DeviceTrace& device, replay::BoostDepth boostDepth, double t
     const Pairing pairing = pairDecisions(expected.frames, recorded);
     const CauseFinder causes(expected.frames, pairing, modes, commonNs);
 
-    result.differences = Differences(earlyUntilNs(recording, timeline.endNs));
+    result.differences = Differences(earlyEndNs(recording, timeline.endNs));
     compareDecisions(expected, pairing, causes, &result.differences);
 
     result.boostFits.push_back(boostReplay.fit);
