@@ -23,7 +23,7 @@ const char* describeDown(DownReading reading) {
         case DownReading::Governor:
             return "that share of the governor's choice";
         case DownReading::Frame:
-            return "a cap at that share of the measured frame's speed";
+            return "a cap at that share of the measured frame's mean frequency";
     }
     return "";
 }
