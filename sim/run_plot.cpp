@@ -53,10 +53,10 @@ constexpr int kMinFramePx = 3;  // without bins
 /** Draws values that hold for spans of time: each of them, or bins if there are too many. */
 class Bands {
   public:
-    Bands(const CurveMaker& maker, size_t frames)
+    Bands(const CurveMaker& maker, const RunCurves& curves, double periodS)
           : mMaker(maker),
-            mGrid(maker.grid(kBinPx)),
-            mIsDense(CurveMaker::isDense(frames, kMinFramePx)) {}
+            mGrid(gridOf(maker.grid(kBinPx), periodS)),
+            mIsDense(CurveMaker::isDense(curves.frameTimesMs.size(), kMinFramePx)) {}
 
     /** Draws the values; of bins, the range and the mean. */
     void add(const PlotSpans& spans, const char* colour, const char* paleColour,
@@ -86,28 +86,33 @@ class Bands {
         PlotSpans means;
         for (const Bin& bin : binSpans(spans, mGrid))
             means.push_back({bin.fromS, bin.toS, bin.mean});
-        panel.curves.push_back(
-                mMaker.steps(means, line(1.5, colour),
-                             fmt::format("{}, mean of {}", title, durationText(mGrid.widthS()))));
+        panel.curves.push_back(mMaker.steps(means, line(1.5, colour), title + ", mean"));
     }
 
     /** Draws boxes of this height; of bins, the share of the time. */
     void addBoxes(const PlotSpans& spans, double height, const std::string& title,
                   PlotPanel& panel) const {
-        std::vector<PlotBox> rectangles;
+        PlotSpans parts = spans;
         if (mIsDense) {
-            for (const Bin& bin : binSpans(spans, mGrid)) {
-                rectangles.push_back({bin.fromS, bin.toS, 0, height * bin.weight / mGrid.widthS()});
-            }
-        } else {
-            for (const PlotSpan& span : spans)
-                rectangles.push_back({span.fromS, span.toS, 0, height});
+            parts.clear();
+            for (const Bin& bin : binSpans(spans, mGrid))
+                parts.push_back({bin.fromS, bin.toS, std::min(bin.weight / mGrid.widthS(), 1.0)});
         }
+        std::vector<PlotBox> rectangles;
+        for (const PlotSpan& part : parts)
+            rectangles.push_back({part.fromS, part.toS, 0, height * part.value});
         panel.curves.push_back(boxes(rectangles, filled(kPaleVermillion),
-                                     mIsDense ? title + ", share of the time" : title));
+                                     mIsDense ? title + ", share of time" : title));
     }
 
   private:
+    /** Bins of whole refresh periods: the means of parts of a period would beat. */
+    static BinGrid gridOf(const BinGrid& bins, double periodS) {
+        const double widthS = std::ceil(bins.widthS() / periodS) * periodS;
+        const double count = std::max(std::floor(bins.endS / widthS), 1.0);
+        return {0, count * widthS, static_cast<int32_t>(count)};
+    }
+
     const CurveMaker& mMaker;
     const BinGrid mGrid;
     const bool mIsDense;
@@ -188,8 +193,8 @@ PlotPanel hintPanel(const RunCurves& curves, const CurveMaker& maker, const Band
 std::string runPanels(const Scenario& scenario, const RunCurves& curves, const std::string& name) {
     const Device& device = scenario.device;
     const CurveMaker maker(0, curves.endS);
-    const Bands bands(maker, curves.frameTimesMs.size());
     const double periodMs = static_cast<double>(scenario.workload.periodNs()) / kNsPerMs;
+    const Bands bands(maker, curves, periodMs / 1e3);
     std::vector<PlotPanel> panels = {frameTimePanel(curves, periodMs, maker),
                                      depthPanel(curves, bands),
                                      frequencyPanel(device, curves, device.appCluster, bands)};

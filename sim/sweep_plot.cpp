@@ -27,16 +27,13 @@ constexpr double kEnergyMargin = 0.1;
 constexpr const char* kColours[] = {plot::kBlue, plot::kVermillion, plot::kGreen, plot::kPurple,
                                     plot::kOrange};
 
-/** Points with equal results are nested: each is smaller than the one before. */
 struct Marker {
     BoostTarget target;
     int filled;
     int open;
-    double size;
 };
-constexpr Marker kMarkers[] = {{BoostTarget::Compositor, 7, 6, 2.4},
-                               {BoostTarget::All, 5, 4, 1.6},
-                               {BoostTarget::None, 9, 8, 0.9}};
+constexpr Marker kMarkers[] = {
+        {BoostTarget::Compositor, 7, 6}, {BoostTarget::All, 5, 4}, {BoostTarget::None, 9, 8}};
 
 const Marker& markerOf(BoostTarget target) {
     return *std::find_if(std::begin(kMarkers), std::end(kMarkers),
@@ -181,8 +178,9 @@ class SweepPage {
         return kColours[colour % std::size(kColours)];
     }
 
-    double sizeOf(size_t setup, const Marker& marker) const {
-        return mResults.size() > 1 ? kMarkers[setup % std::size(kMarkers)].size : marker.size;
+    /** Points with equal results are nested: each is smaller than the one before. */
+    static double sizeOf(size_t index, size_t count) {
+        return 2.6 - 1.8 * static_cast<double>(index) / static_cast<double>(count);
     }
 
     std::string titleOf(const SetupResult& result, const std::string& title) const {
@@ -206,13 +204,28 @@ class SweepPage {
             energy = pointEnergy;
         }
         corners += fmt::format("{:.6g} {:.6g}\n", kFar, energy);
-        if (mResults.size() == 1) {
-            addCurve(corners + fmt::format("{0:.6g} {0:.6g}\n", kFar),
-                     fmt::format("filledcurves closed fc rgb '{}'", plot::kShade), "");
-        }
+        if (mResults.size() == 1) addBeaten(frontier);
         addCurve(corners, plot::dashed(1.5, colour),
                  titleOf(result, "frontier of the held operating points"));
         addCurve(points, plot::marker(1, 0.8, colour), "");
+    }
+
+    /** Shades the side of the frontier where a held point does as well. */
+    void addBeaten(const std::vector<std::pair<double, double>>& frontier) {
+        // gnuplot fills the wrong side if corners are beyond the axes.
+        const auto corner = [this](double missed, double energy) {
+            return fmt::format("{:.6g} {:.6g}\n", std::min(missed, mMaxMissed),
+                               std::clamp(energy, mMinEnergy, mMaxEnergy));
+        };
+        std::string corners;
+        double energy = mMaxEnergy;
+        for (const auto& [missed, pointEnergy] : frontier) {
+            corners += corner(missed, energy) + corner(missed, pointEnergy);
+            energy = pointEnergy;
+        }
+        corners += corner(mMaxMissed, energy) + corner(mMaxMissed, mMaxEnergy);
+        addCurve(corners, fmt::format("filledcurves closed fc rgb '{}'", plot::kShade),
+                 "a held point does as well");
     }
 
     void addPoint(const Estimates& estimates, const char* colour, int type, double size,
@@ -236,7 +249,8 @@ class SweepPage {
             Words words = mAssumptions.different(row, row.size());
             if (reading.vs || words.empty()) words.emplace_back("as given");
             const Marker& marker = markerOf(reading.reading.service.boost);
-            const double size = sizeOf(index, marker);
+            const double size = mResults.size() > 1 ? sizeOf(index, mResults.size())
+                                                    : sizeOf(i, result.readings.size());
             const char* colour = mResults.size() > 1 ? setupColour(index) : readingColour(i);
             addPoint(reading.given.estimates, colour, marker.filled, size,
                      fmt::format("{}", fmt::join(words, ", ")));
