@@ -21,8 +21,10 @@ std::string describeGovernor(const Device& device) {
 }
 
 std::vector<std::string> describeAssumptions(const Setup& setup, const Reading& reading) {
-    return {describeGovernor(setup.device), fmt::format("{} buffers", setup.buffers()),
+    return {describeGovernor(setup.device),
+            fmt::format("{} buffers", setup.buffers()),
             fmt::format("DOWN {}", wordOf(reading.service.down, kDownWords)),
+            fmt::format("UP {}", wordOf(reading.service.up, kUpWords)),
             fmt::format("boost {}", wordOf(reading.service.boost, kBoostWords)),
             fmt::format("depth {}", report::boostDepthWord(reading.boostDepth))};
 }

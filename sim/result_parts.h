@@ -14,7 +14,7 @@ namespace brevold::sim {
 /** "schedutil" or "fixed 70 %" */
 std::string describeGovernor(const Device& device);
 
-/** "schedutil", "3 buffers", "DOWN cap", "boost compositor", "depth left" */
+/** "schedutil", "3 buffers", "DOWN cap", "UP governor", "boost compositor", "depth left" */
 std::vector<std::string> describeAssumptions(const Setup& setup, const Reading& reading);
 /** How many of them are the setup's; they come first. */
 constexpr size_t kSetupAssumptions = 2;

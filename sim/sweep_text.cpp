@@ -49,6 +49,10 @@ constexpr SweepColumn kSweepColumns[] = {
          [](const SweepRow& r) -> std::string {
              return r.reading ? wordOf(r.reading->service.down, kDownWords) : kNone;
          }},
+        {"UP", ColumnKind::Assumption,
+         [](const SweepRow& r) -> std::string {
+             return r.reading ? wordOf(r.reading->service.up, kUpWords) : kNone;
+         }},
         {"boost", ColumnKind::Assumption,
          [](const SweepRow& r) -> std::string {
              return r.reading ? wordOf(r.reading->service.boost, kBoostWords) : kNone;

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "sim/exact_math.h"
+#include "sim/sweep_plot.h"
 #include "tests/sim_test.h"
 
 namespace brevold::sim {
@@ -99,6 +100,8 @@ TEST(Cluster, CompletesExactlyAcrossChangesOfFrequency) {
     EXPECT_DOUBLE_EQ(cluster.meanMhz(Task::App), (4 * 2000 + 4 * 500 + 10 * 1000) / 18.0);
     // The sum over the points of power and time spent there.
     EXPECT_DOUBLE_EQ(cluster.energyMj(30 * kMs), (4 * 900 + 4 * 100 + 10 * 200) / 1e3);
+    cluster.start(Task::App, 0, 30 * kMs);
+    EXPECT_EQ(cluster.meanMhz(Task::App), 1000) << "of a frame that takes no time";
 }
 
 TEST(Governor, UtilisationHasItsHalfLifeAndIsInvariantToFrequency) {
@@ -224,6 +227,28 @@ TEST(Service, BoostOverridesScalesOnItsTargetsUntilItsRelease) {
         EXPECT_EQ(service.pointFor(cluster, false, true, 2), 2u);
         EXPECT_EQ(service.downScale(), 0.5);
     }
+}
+
+TEST(SweepPlot, FrontierLeavesOutHeldPointsThatOthersBeat) {
+    const auto estimates = [](double missed, double energy, double framesPerSecond) {
+        Estimates all;
+        all.fill({0, 0});
+        all[static_cast<size_t>(Metric::MissedPerMinute)].mean = missed;
+        all[static_cast<size_t>(Metric::EnergyRatio)].mean = energy;
+        all[static_cast<size_t>(Metric::FramesPerSecond)].mean = framesPerSecond;
+        return all;
+    };
+    SetupResult result = {{parseDevice(kDevice, "d", {"cluster.little.coefficient=40"}), {}, {}},
+                          estimates(0, 1, 60),
+                          {},
+                          {{}}};
+    result.readings.front().given.estimates = estimates(1, 0.95, 60);
+    result.held = {{0, estimates(0, 0.5, 30)},
+                   {1, estimates(4, 0.8, 60)},
+                   {2, estimates(3, 0.9, 60)},
+                   {3, estimates(3.5, 0.91, 60)},
+                   {4, estimates(0, 1.2, 60)}};
+    EXPECT_NE(sweepPlotPage("svg", {result}).find("\n0 1.2\n3 0.9\n4 0.8\n"), std::string::npos);
 }
 
 TEST(BufferQueue, LendsBuffersAndLatchesReadyFramesInOrder) {
