@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <fmt/ostream.h>
 
+#include "base/time_units.h"
+
 namespace brevold::sim {
 
 namespace {
@@ -37,7 +39,7 @@ std::string remedyOf(const RecordedWork& recording, bool isLate) {
 void printRecording(const RecordedWork& recording, double fit, double lateShare,
                     std::ostream& out) {
     fmt::print(out, "layer       {}: {} frames in {:.4g} s\n", recording.layer,
-               recording.frames.size(), static_cast<double>(recording.lengthNs) / 1e9);
+               recording.frames.size(), toSeconds(recording.lengthNs));
     fmt::print(out, "work        {}\n", describeMethod(recording));
     if (recording.assumedSpeed) {
         fmt::print(out, "            at an assumed speed of {:g} (trace.speed)\n",

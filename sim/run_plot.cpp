@@ -10,9 +10,9 @@
 #include <iterator>
 #include <sstream>
 
+#include "base/time_units.h"
 #include "plot/plot_curves.h"
 #include "plot/plot_style.h"
-#include "plot/plot_text.h"
 #include "sim/experiment.h"
 
 namespace brevold::plot {
@@ -39,11 +39,22 @@ void serialize(Archive& archive, PlotPanel& panel) {
 
 namespace brevold::sim {
 
-using namespace plot;
-
 namespace {
 
-constexpr double kNsPerMs = 1e6;
+using plot::Bin;
+using plot::BinGrid;
+using plot::boxes;
+using plot::CurveMaker;
+using plot::filled;
+using plot::line;
+using plot::PlotBox;
+using plot::PlotPage;
+using plot::PlotPanel;
+using plot::PlotPoint;
+using plot::PlotPoints;
+using plot::PlotSpan;
+using plot::PlotSpans;
+
 constexpr double kMaxPeriods = 3.0;  // on the axis of frame times
 constexpr double kMinScale = 0.1;
 constexpr double kMaxScale = 10.0;
@@ -101,7 +112,7 @@ class Bands {
         std::vector<PlotBox> rectangles;
         for (const PlotSpan& part : parts)
             rectangles.push_back({part.fromS, part.toS, 0, height * part.value});
-        panel.curves.push_back(boxes(rectangles, filled(kPaleVermillion),
+        panel.curves.push_back(boxes(rectangles, filled(plot::kPaleVermillion),
                                      mIsDense ? title + ", share of time" : title));
     }
 
@@ -131,12 +142,12 @@ PlotPanel frameTimePanel(const RunCurves& curves, double periodMs, const CurveMa
     PlotPoints longer;
     for (const PlotPoint& point : curves.frameTimesMs)
         (point.value > limitMs ? longer : shorter).push_back(point);
-    panel.curves = {
-            maker.points(shorter, marker(7, 0.3, kBlue), "frame"),
-            maker.steps({{0, curves.endS, periodMs}}, line(1.5, kOrange), "1 refresh period")};
+    panel.curves = {maker.points(shorter, plot::marker(7, 0.3, plot::kBlue), "frame"),
+                    maker.steps({{0, curves.endS, periodMs}}, line(1.5, plot::kOrange),
+                                "1 refresh period")};
     if (!longer.empty()) {
         panel.curves.push_back(
-                maker.edgeMarks(longer, limitMs * 1.05, marker(9, 0.8, kVermillion),
+                maker.edgeMarks(longer, limitMs * 1.05, plot::marker(9, 0.8, plot::kVermillion),
                                 fmt::format("{} above {:.0f} ms", longer.size(), limitMs)));
     }
     return panel;
@@ -147,7 +158,7 @@ PlotPanel depthPanel(const RunCurves& curves, const Bands& bands) {
     PlotPanel panel = {"frames in the queue", 70, 0, maxDepth + 0.3};
     for (double depth = 0; depth <= maxDepth; depth += std::ceil(maxDepth / 5))
         panel.ticks.push_back({depth, fmt::format("{:g}", depth)});
-    bands.add(curves.depths, kBlue, kPaleBlue, "depth", panel);
+    bands.add(curves.depths, plot::kBlue, plot::kPaleBlue, "depth", panel);
     return panel;
 }
 
@@ -166,9 +177,9 @@ PlotPanel frequencyPanel(const Device& device, const RunCurves& curves, size_t c
         (target == BoostTarget::All || (target == BoostTarget::Compositor && hasCompositor))) {
         bands.addBoxes(curves.boosts, spec.maxMhz(), "boost", panel);
     }
-    bands.add(curves.frequenciesMhz[cluster], kBlue, kPaleBlue, "frequency", panel);
+    bands.add(curves.frequenciesMhz[cluster], plot::kBlue, plot::kPaleBlue, "frequency", panel);
     if (hasApp && !curves.capsMhz.empty()) {
-        bands.addValues(curves.capsMhz, kVermillion, "cap", panel);
+        bands.addValues(curves.capsMhz, plot::kVermillion, "cap", panel);
     }
     return panel;
 }
@@ -179,12 +190,12 @@ PlotPanel hintPanel(const RunCurves& curves, const CurveMaker& maker, const Band
     for (const double scale : {0.1, 0.3, 1.0, 3.0, 10.0})
         panel.ticks.push_back({scale, fmt::format("{:g}", scale)});
     if (!curves.downScales.empty()) {
-        bands.add(curves.downScales, kGreen, kPaleGreen, "DOWN", panel);
+        bands.add(curves.downScales, plot::kGreen, plot::kPaleGreen, "DOWN", panel);
     }
     PlotPoints ups = curves.ups;
     for (PlotPoint& up : ups)
         up.value = std::min(up.value, kMaxScale);
-    panel.curves.push_back(maker.points(ups, marker(9, 0.6, kVermillion), "UP"));
+    panel.curves.push_back(maker.points(ups, plot::marker(9, 0.6, plot::kVermillion), "UP"));
     return panel;
 }
 
@@ -193,7 +204,7 @@ PlotPanel hintPanel(const RunCurves& curves, const CurveMaker& maker, const Band
 std::string runPanels(const Scenario& scenario, const RunCurves& curves, const std::string& name) {
     const Device& device = scenario.device;
     const CurveMaker maker(0, curves.endS);
-    const double periodMs = static_cast<double>(scenario.workload.periodNs()) / kNsPerMs;
+    const double periodMs = toMs(scenario.workload.periodNs());
     const Bands bands(maker, curves, periodMs / 1e3);
     std::vector<PlotPanel> panels = {frameTimePanel(curves, periodMs, maker),
                                      depthPanel(curves, bands),
@@ -202,7 +213,7 @@ std::string runPanels(const Scenario& scenario, const RunCurves& curves, const s
         panels.push_back(frequencyPanel(device, curves, device.compositorCluster, bands));
     }
     panels.push_back({"power of the processor, mW", 80, 0, 1.05 * maxValue(curves.powerMw, 1)});
-    bands.addMeans(curves.powerMw, kPurple, "power", panels.back());
+    bands.addMeans(curves.powerMw, plot::kPurple, "power", panels.back());
     if (!curves.downScales.empty() || !curves.ups.empty()) {
         panels.push_back(hintPanel(curves, maker, bands));
     }
@@ -215,8 +226,8 @@ std::string runPanels(const Scenario& scenario, const RunCurves& curves, const s
 
 std::string runPlotPage(const std::string& terminal, const std::vector<std::string>& heading,
                         int64_t lengthNs, const std::vector<std::string>& panels) {
-    PlotPage page = {heading, 0, static_cast<double>(lengthNs) / 1e9, {}, {}, "run"};
-    const double warmUpS = static_cast<double>(kWarmUpNs) / 1e9;
+    PlotPage page = {heading, 0, toSeconds(lengthNs), {}, {}, "run"};
+    const double warmUpS = toSeconds(kWarmUpNs);
     page.heading.push_back(fmt::format("grey: the first {:g} s, which are not measured", warmUpS));
     page.shaded = {{0, warmUpS, 0}};
     for (const std::string& bytes : panels) {
@@ -225,7 +236,7 @@ std::string runPlotPage(const std::string& terminal, const std::vector<std::stri
         cereal::BinaryInputArchive{stream}(run);
         std::move(run.begin(), run.end(), std::back_inserter(page.panels));
     }
-    return gnuplotScript(page, terminal);
+    return plot::gnuplotScript(page, terminal);
 }
 
 }  // namespace brevold::sim

@@ -15,7 +15,7 @@ namespace brevold::sim {
 
 namespace {
 
-using Words = std::vector<std::string>;
+using Texts = std::vector<std::string>;
 
 // A cluster that is held at a low point shows fewer frames, and is no alternative.
 constexpr double kMinFrames = 0.9;
@@ -61,8 +61,8 @@ class Assumptions {
         }
     }
 
-    Words common() const {
-        Words words;
+    Texts common() const {
+        Texts words;
         for (size_t i = 0; i < mRows.front().size(); ++i) {
             if (isCommon(i)) words.push_back(mRows.front()[i]);
         }
@@ -70,8 +70,8 @@ class Assumptions {
     }
 
     /** The first `count` words without the common ones. */
-    Words different(const Words& row, size_t count) const {
-        Words words;
+    Texts different(const Texts& row, size_t count) const {
+        Texts words;
         for (size_t i = 0; i < count; ++i) {
             if (!isCommon(i)) words.push_back(row[i]);
         }
@@ -81,10 +81,10 @@ class Assumptions {
   private:
     bool isCommon(size_t index) const {
         return std::all_of(mRows.begin(), mRows.end(),
-                           [&](const Words& row) { return row[index] == mRows.front()[index]; });
+                           [&](const Texts& row) { return row[index] == mRows.front()[index]; });
     }
 
-    std::vector<Words> mRows;
+    std::vector<Texts> mRows;
 };
 
 /** The frontier: a row for each held point that takes less energy than all that miss fewer. */
@@ -184,8 +184,8 @@ class SweepPage {
     }
 
     std::string titleOf(const SetupResult& result, const std::string& title) const {
-        const Words row = describeAssumptions(result.setup, result.readings.front().reading);
-        Words words = mAssumptions.different(row, kSetupAssumptions);
+        const Texts row = describeAssumptions(result.setup, result.readings.front().reading);
+        Texts words = mAssumptions.different(row, kSetupAssumptions);
         words.push_back(title);
         return fmt::format("{}", fmt::join(words, ", "));
     }
@@ -245,8 +245,8 @@ class SweepPage {
         addPoint(result.off, setupColour(index), kStar, 1.6, titleOf(result, "library off"));
         for (size_t i = 0; i < result.readings.size(); ++i) {
             const ReadingResult& reading = result.readings[i];
-            const Words row = describeAssumptions(result.setup, reading.reading);
-            Words words = mAssumptions.different(row, row.size());
+            const Texts row = describeAssumptions(result.setup, reading.reading);
+            Texts words = mAssumptions.different(row, row.size());
             if (reading.vs || words.empty()) words.emplace_back("as given");
             const Marker& marker = markerOf(reading.reading.service.boost);
             const double size = mResults.size() > 1 ? sizeOf(index, mResults.size())
