@@ -37,8 +37,7 @@ class Cluster {
     /** Ends the task's work. Call it at completionNs(). */
     void finish(Task task, int64_t nowNs);
 
-    /** The mean frequency while the task did its last work; the present one if that took no time.
-     */
+    /** The mean frequency during the task's last work; the current one if that took no time. */
     double meanMhz(Task task) const;
 
     /** Lets the governor choose again. */
