@@ -95,12 +95,11 @@ TEST(ClosedForm, DownAsACapBecomesUnstableAtTheWorkOfTheFormula) {
 TEST(ClosedForm, DownSettlesAtItsFixedPointAndAsACapMayAlternate) {
     const double periodMs = 1e3 / 60;
     const std::string device = fineDevice();
-    const std::vector<Metrics> metrics =
-            measureAll({makeScenario(device, constantWork(60, 3, 2), 20 * kSecondNs),
-                        makeScenario(device, constantWork(60, 3, 5), 20 * kSecondNs),
-                        makeScenario(device + "service.down=frame\n", constantWork(60, 3, 5),
-                                     20 * kSecondNs)},
-                       kScalingOn);
+    const std::vector<Metrics> metrics = measureAll(
+            {makeScenario(device, constantWork(60, 3, 2), 20 * kSecondNs),
+             makeScenario(device, constantWork(60, 3, 5), 20 * kSecondNs),
+             makeScenario(device + "service.down=frame\n", constantWork(60, 3, 5), 20 * kSecondNs)},
+            kScalingOn);
     const double budgetMs = 2 * (periodMs - 1);
     EXPECT_NEAR(at(metrics[0], Metric::FrameTimeMs), 2 * budgetMs / (periodMs + 2), 0.02);
     EXPECT_NEAR(at(metrics[0], Metric::DownScale), periodMs / (budgetMs - 3.36), 0.002);
