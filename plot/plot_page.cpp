@@ -46,7 +46,8 @@ class ScriptWriter {
         for (const PlotPanel& panel : mPage.panels) {
             if (&panel == &mPage.panels.back()) {
                 addTicks('x', axis.ticks, true);
-                add("set xlabel 'time since the start of the trace, {}' font ',11'\n", axis.unit);
+                add("set xlabel 'time since the start of the {}, {}' font ',11'\n",
+                    mPage.timeOrigin, axis.unit);
             }
             addPanel(panel);
         }

@@ -45,6 +45,8 @@ struct PlotPage {
     /** Times that are grey in all panels. */
     PlotSpans shaded;
     std::vector<PlotPanel> panels;
+    /** The time axis is since the start of this. */
+    std::string timeOrigin = "trace";
 };
 
 /** Returns the script that draws a page. `terminal` is gnuplot's name and options of an output. */

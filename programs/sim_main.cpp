@@ -50,16 +50,20 @@ std::string runPlotScript(const std::string& terminal, const Setup& setup,
         jobs.push_back([&, i] {
             const Scenario scenario =
                     scenarioOf(setup, setup.readings.front(), options.measuredNs, kFirstSeed);
-            RunCurvesObserver observer(scenario, kRunPlotColumns);
+            RunCurvesObserver observer(scenario.device);
             std::optional<Library> library = loadLibrary(variants[i].second);
             Simulation(scenario, library ? &*library : nullptr, observer).run();
-            return runPanels(scenario, observer.curves(), i, variants.size(), variants[i].first);
+            return runPanels(scenario, observer.curves(), variants[i].first);
         });
     }
-    const std::string heading =
-            fmt::format("{} on {}: {}, {}", setup.workload.name, setup.device.name,
-                        shortDescription(setup), shortDescription(setup.readings.front()));
-    return runPlotPage(terminal, heading, runSimulations(jobs, options.jobs));
+    std::vector<std::string> heading = {
+            fmt::format("{} on {}", setup.workload.name, setup.device.name),
+            fmt::format("{}", fmt::join(describeAssumptions(setup, setup.readings.front()), ", "))};
+    if (!options.vsSettings.empty()) {
+        heading.push_back(fmt::format("--vs {}", fmt::join(options.vsSettings, " --vs ")));
+    }
+    return runPlotPage(terminal, heading, kWarmUpNs + options.measuredNs,
+                       runSimulations(jobs, options.jobs));
 }
 
 void writePlot(const std::string& path, const std::string& script) {

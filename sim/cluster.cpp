@@ -22,6 +22,7 @@ void Cluster::start(Task task, int64_t workNs, int64_t nowNs) {
     advance(nowNs);
     core(task).isBusy = true;
     core(task).remainingNs = static_cast<double>(workNs);
+    core(task).elapsedNs = core(task).mhzNs = 0.0;
     core(task).utilisation.wakeUp();
 }
 
@@ -35,6 +36,11 @@ void Cluster::finish(Task task, int64_t nowNs) {
     advance(nowNs);
     core(task).isBusy = false;
     core(task).utilisation.sleep();
+}
+
+double Cluster::meanMhz(Task task) const {
+    const double elapsedNs = core(task).elapsedNs;
+    return elapsedNs > 0.0 ? core(task).mhzNs / elapsedNs : mSpec.points[mPoint].mhz;
 }
 
 void Cluster::evaluateGovernor(int64_t nowNs) {
@@ -68,11 +74,13 @@ double Cluster::energyMj(int64_t nowNs) {
 void Cluster::advance(int64_t nowNs) {
     if (nowNs == mNowNs) return;
     const auto elapsedNs = static_cast<double>(nowNs - mNowNs);
-    const double frequencyShare = mSpec.points[mPoint].mhz / mSpec.maxMhz();
+    const double mhz = mSpec.points[mPoint].mhz;
     for (Core& core : mCores) {
         if (core.isBusy) {
             core.remainingNs -= elapsedNs * mSpeed;
-            core.utilisation.runFor(elapsedNs, frequencyShare);
+            core.elapsedNs += elapsedNs;
+            core.mhzNs += elapsedNs * mhz;
+            core.utilisation.runFor(elapsedNs, mhz / mSpec.maxMhz());
             mBusyNs[mPoint] += nowNs - mNowNs;
         } else {
             core.utilisation.idleFor(elapsedNs);

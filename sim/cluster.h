@@ -37,6 +37,9 @@ class Cluster {
     /** Ends the task's work. Call it at completionNs(). */
     void finish(Task task, int64_t nowNs);
 
+    /** The mean frequency during the task's last work; the current one if that took no time. */
+    double meanMhz(Task task) const;
+
     /** Lets the governor choose again. */
     void evaluateGovernor(int64_t nowNs);
     size_t governorPoint() const { return mGovernor.point(); }
@@ -57,6 +60,9 @@ class Cluster {
 
         bool isBusy = false;
         double remainingNs = 0.0;  // of work, at the maximum frequency
+        // Of this work or the last.
+        double elapsedNs = 0.0;
+        double mhzNs = 0.0;  // integral of the frequency
         Utilisation utilisation;
     };
 

@@ -56,8 +56,9 @@ class DeviceParser {
     Device finish() {
         for (Cluster& cluster : mClusters)
             mDevice.clusters.push_back(finishCluster(cluster));
-        mDevice.appCluster = findCluster("app.cluster", mAppCluster);
-        mDevice.compositorCluster = findCluster("compositor.cluster", mCompositorCluster);
+        mDevice.appCluster = findCluster("app.cluster", mAppCluster, "application");
+        mDevice.compositorCluster =
+                findCluster("compositor.cluster", mCompositorCluster, "compositor");
         if (mDevice.appCluster == mDevice.compositorCluster &&
             mDevice.clusters[mDevice.appCluster].cpus.size() == 1) {
             fail("application and compositor need two processors in their cluster");
@@ -218,12 +219,14 @@ class DeviceParser {
         return std::move(spec);
     }
 
-    size_t findCluster(const char* key, std::string_view name) const {
-        if (name.empty()) fail(fmt::format("{} is missing", key));
+    size_t findCluster(const char* key, std::string_view name, const char* task) const {
+        if (name.empty()) {
+            fail(fmt::format("{}=NAME is missing: the cluster where the {} runs", key, task));
+        }
         for (size_t i = 0; i < mDevice.clusters.size(); ++i) {
             if (mDevice.clusters[i].name == name) return i;
         }
-        fail(fmt::format("{}={}: no operating point of that cluster", key, name));
+        fail(fmt::format("{0}={1}: there is no cluster.{1}.opp", key, name));
     }
 
     [[noreturn]] void fail(const std::string& message) const {
@@ -235,6 +238,12 @@ class DeviceParser {
     std::string mAppCluster;
     std::string mCompositorCluster;
 };
+
+/** A cluster has many of these entries. */
+bool isPoint(std::string_view key) {
+    constexpr std::string_view kSuffix = ".opp";
+    return key.size() >= kSuffix.size() && key.substr(key.size() - kSuffix.size()) == kSuffix;
+}
 
 }  // namespace
 
@@ -249,13 +258,6 @@ size_t ClusterSpec::pointForMhz(double mhz) const {
     return static_cast<size_t>(found - points.begin());
 }
 
-size_t ClusterSpec::pointForSpeed(double speed) const {
-    // The inverse of speedAt(), which no frequency reaches if the memory share alone takes longer.
-    if (speed <= 0.0) return 0;
-    const double scaledShare = 1.0 / speed - memoryShare;
-    return pointForMhz(scaledShare > 0.0 ? maxMhz() * (1.0 - memoryShare) / scaledShare : maxMhz());
-}
-
 std::optional<size_t> Device::clusterOf(int32_t cpu) const {
     for (size_t i = 0; i < clusters.size(); ++i) {
         const std::vector<int32_t>& cpus = clusters[i].cpus;
@@ -268,7 +270,7 @@ Device parseDevice(std::string_view text, const std::string& name,
                    const std::vector<std::string>& settings) {
     DeviceParser parser(name);
     const ApplySetting apply = [&](auto key, auto value) { parser.apply(key, value); };
-    applySettings(text, name, apply);
+    applySettings(text, name, apply, isPoint);
     for (const std::string& setting : settings)
         applySetting(setting, "--device-set", apply);
     return parser.finish();

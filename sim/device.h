@@ -62,9 +62,6 @@ struct ClusterSpec {
 
     /** The lowest point with at least this frequency; the highest point if there is none. */
     size_t pointForMhz(double mhz) const;
-
-    /** The lowest point with at least this speed; the highest point if there is none. */
-    size_t pointForSpeed(double speed) const;
 };
 
 enum class GovernorKind : uint8_t { Schedutil, Performance, Fixed };
@@ -86,7 +83,7 @@ struct GovernorSpec {
 enum class DownReading : uint8_t {
     Cap,       // that share of the maximum frequency
     Governor,  // that share of the frequency that the governor chooses
-    Frame,     // that share of the mean speed during the measured frame
+    Frame,     // that share of the mean frequency during the measured frame
 };
 
 /** How the service reads the scale of an UP hint. */

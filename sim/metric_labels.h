@@ -36,6 +36,7 @@ constexpr MetricLabel kMetricLabels[] = {
         {Metric::HintsPerSecond, "hints_per_s", "hints a second", 1, 1},
         {Metric::RecordedLatchShare, "recorded_latch_share", "latched at the recorded vsync, %",
          100, 1},
+        {Metric::LateLatchShare, "late_latch_share", "latched later than recorded, %", 100, 1},
         {Metric::Mode0Share, "mode_0_share", "mode 0, % of time", 100, 1},
         {Metric::Mode1Share, "mode_1_share", "mode 1, % of time", 100, 1},
         {Metric::Mode2Share, "mode_2_share", "mode 2, % of time", 100, 1},

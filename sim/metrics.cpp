@@ -43,6 +43,7 @@ Metrics MetricsObserver::metrics() const {
     at(metrics, Metric::DownScale) = ratio(mScaledNs, mDownNs);
     at(metrics, Metric::BoostShare) = ratio(mBoostNs, measuredNs);
     at(metrics, Metric::RecordedLatchShare) = ratio(mEqualLatches, mRecordedLatches);
+    at(metrics, Metric::LateLatchShare) = ratio(mLateLatches, mRecordedLatches);
     at(metrics, Metric::HintsPerSecond) = static_cast<double>(mHints) / seconds;
 
     const double mean = ratio(mSum, mFrames);
@@ -94,6 +95,7 @@ void MetricsObserver::onLatch(int64_t nowNs, const Frame& frame, int32_t /*depth
         ++mRecordedLatches;
         const int64_t sinceVsyncNs = nowNs - frame.recordedVsyncNs;
         if (sinceVsyncNs >= 0 && sinceVsyncNs < mPeriodNs) ++mEqualLatches;
+        if (sinceVsyncNs >= mPeriodNs) ++mLateLatches;
     }
     mMissed += missed;
     ++mFramesLatched;

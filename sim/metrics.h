@@ -34,6 +34,7 @@ enum class Metric : uint8_t {
     BoostShare,
     HintsPerSecond,
     RecordedLatchShare,  // of the frames, latched at the vsync at which they were recorded
+    LateLatchShare,      // of the frames, latched later than that
     Mode0Share,          // of the time; modes 0 to 5 follow each other
     Mode1Share,
     Mode2Share,
@@ -41,7 +42,7 @@ enum class Metric : uint8_t {
     Mode4Share,
     Mode5Share,
 };
-constexpr size_t kMetricCount = 26;
+constexpr size_t kMetricCount = 27;
 
 constexpr double kNotANumber = std::numeric_limits<double>::quiet_NaN();
 
@@ -89,6 +90,7 @@ class MetricsObserver : public Observer {
     int64_t mFramesLatched = 0;
     int64_t mRecordedLatches = 0;  // of frames with a recorded vsync
     int64_t mEqualLatches = 0;     // at that vsync
+    int64_t mLateLatches = 0;
     int64_t mQueueLatencyNs = 0;
     int64_t mShowLatencyNs = 0;
 

@@ -27,9 +27,17 @@ std::string describeMethod(const RecordedWork& recording) {
     return "";
 }
 
+std::string remedyOf(const RecordedWork& recording, bool isLate) {
+    if (recording.assumedSpeed && (isLate || *recording.assumedSpeed < 1.0)) {
+        return fmt::format("set a {} trace.speed in the device file", isLate ? "lower" : "higher");
+    }
+    return "compare operating points and governor with those of the recorded device";
+}
+
 }  // namespace
 
-void printRecording(const RecordedWork& recording, double fit, std::ostream& out) {
+void printRecording(const RecordedWork& recording, double fit, double lateShare,
+                    std::ostream& out) {
     fmt::print(out, "layer       {}: {} frames in {:.4g} s\n", recording.layer,
                recording.frames.size(), toSeconds(recording.lengthNs));
     fmt::print(out, "work        {}\n", describeMethod(recording));
@@ -48,8 +56,11 @@ void printRecording(const RecordedWork& recording, double fit, std::ostream& out
                "library off\n",
                fit * 100);
     if (fit < kMinFit) {
-        fmt::print(out, "            warning: below {:.0f} %, the result is not reliable\n",
-                   kMinFit * 100);
+        const bool isLate = lateShare > (1.0 - fit) / 2;
+        fmt::print(out,
+                   "            warning: below {:.0f} %, the result is not reliable; most other "
+                   "frames are latched {}\n            than recorded: {}\n",
+                   kMinFit * 100, isLate ? "later" : "earlier", remedyOf(recording, isLate));
     }
 }
 

@@ -7,9 +7,9 @@
 namespace brevold::sim {
 
 /**
- * Prints where the work of a recording was taken from, and how well the simulation fits it. `fit`
- * is Metric::RecordedLatchShare with the library off.
+ * Prints where the work of a recording was taken from, and how well the simulation fits it. The
+ * shares are Metric::RecordedLatchShare and LateLatchShare with the library off.
  */
-void printRecording(const RecordedWork& recording, double fit, std::ostream& out);
+void printRecording(const RecordedWork& recording, double fit, double lateShare, std::ostream& out);
 
 }  // namespace brevold::sim

@@ -65,6 +65,8 @@ Json objectOf(const SetupResult& result) {
     object["refresh_hz"] = result.setup.workload.refreshHz;
     object["buffers"] = result.setup.buffers();
     object["governor"] = wordOf(device.governor.kind, kGovernorWords);
+    if (device.governor.kind == GovernorKind::Fixed)
+        object["governor_fixed_share"] = device.governor.fixedShare;
     object["off"] = objectOf(result.off);
     object["held"] = Json::array();
     for (const HeldResult& held : result.held) {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 #include <fmt/ostream.h>
 
+#include <algorithm>
 #include <cmath>
 
 #include "base/time_units.h"
@@ -15,9 +16,18 @@ std::string describeGovernor(const Device& device) {
     const GovernorSpec& governor = device.governor;
     std::string text = wordOf(governor.kind, kGovernorWords);
     if (governor.kind == GovernorKind::Fixed) {
-        text += fmt::format(" at {:.0f} % of the maximum frequency", governor.fixedShare * 100);
+        text += fmt::format(" {:g} %", governor.fixedShare * 100);
     }
     return text;
+}
+
+std::vector<std::string> describeAssumptions(const Setup& setup, const Reading& reading) {
+    return {describeGovernor(setup.device),
+            fmt::format("{} buffers", setup.buffers()),
+            fmt::format("DOWN {}", wordOf(reading.service.down, kDownWords)),
+            fmt::format("UP {}", wordOf(reading.service.up, kUpWords)),
+            fmt::format("boost {}", wordOf(reading.service.boost, kBoostWords)),
+            fmt::format("depth {}", report::boostDepthWord(reading.boostDepth))};
 }
 
 std::string cell(const Estimate& estimate, const MetricLabel& label) {
@@ -53,10 +63,14 @@ void printWorkload(const std::vector<SetupResult>& results, const ExperimentOpti
     if (workload.recording) {
         fmt::print(out, "workload    {}: {:.4g} Hz{}\n", workload.name, workload.refreshHz,
                    buffers);
-        double fit = 1.0;
-        for (const SetupResult& result : results)
-            fit = std::fmin(fit, at(result.off, Metric::RecordedLatchShare).mean);
-        printRecording(*workload.recording, fit, out);
+        const auto fitOf = [](const SetupResult& result) {
+            return at(result.off, Metric::RecordedLatchShare).mean;
+        };
+        const SetupResult& worst = *std::min_element(
+                results.begin(), results.end(),
+                [&](const auto& a, const auto& b) { return fitOf(a) < fitOf(b); });
+        printRecording(*workload.recording, fitOf(worst),
+                       at(worst.off, Metric::LateLatchShare).mean, out);
         fmt::print(out, "runs        1 of {:.4g} s\n", seconds);
         return;
     }
@@ -64,17 +78,6 @@ void printWorkload(const std::vector<SetupResult>& results, const ExperimentOpti
                wordOf(workload.pace, kPaceWords), workload.refreshHz, buffers);
     fmt::print(out, "runs        {} {} of {:g} s, mean ± standard deviation\n", options.seeds,
                options.seeds == 1 ? "seed" : "seeds", seconds);
-}
-
-std::string shortDescription(const Setup& setup) {
-    return fmt::format("{}, {} buffers", wordOf(setup.device.governor.kind, kGovernorWords),
-                       setup.buffers());
-}
-
-std::string shortDescription(const Reading& reading) {
-    return fmt::format("DOWN {}, boost {}, depth {}", wordOf(reading.service.down, kDownWords),
-                       wordOf(reading.service.boost, kBoostWords),
-                       report::boostDepthWord(reading.boostDepth));
 }
 
 }  // namespace brevold::sim

@@ -11,14 +11,13 @@
 /** Parts of the texts that printResult() and printSweep() print. */
 namespace brevold::sim {
 
-/** "schedutil, 3 buffers" */
-std::string shortDescription(const Setup& setup);
-
-/** "DOWN cap, boost compositor, depth left" */
-std::string shortDescription(const Reading& reading);
-
-/** "fixed at 70 % of the maximum frequency" */
+/** "schedutil" or "fixed 70 %" */
 std::string describeGovernor(const Device& device);
+
+/** "schedutil", "3 buffers", "DOWN cap", "UP governor", "boost compositor", "depth left" */
+std::vector<std::string> describeAssumptions(const Setup& setup, const Reading& reading);
+/** How many of them are the setup's; they come first. */
+constexpr size_t kSetupAssumptions = 2;
 
 /** "12.3 ± 0.4", or "-" without a value. */
 std::string cell(const Estimate& estimate, const MetricLabel& label);

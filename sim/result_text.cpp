@@ -23,7 +23,7 @@ const char* describeDown(DownReading reading) {
         case DownReading::Governor:
             return "that share of the governor's choice";
         case DownReading::Frame:
-            return "a cap at that share of the measured frame's speed";
+            return "a cap at that share of the measured frame's mean frequency";
     }
     return "";
 }
@@ -68,7 +68,9 @@ void printResult(const SetupResult& result, const ExperimentOptions& options, st
     const ReadingResult& reading = result.readings.front();
     printWorkload({result}, options, out);
     const ServiceSpec& service = reading.reading.service;
-    fmt::print(out, "governor    {}\n", describeGovernor(result.setup.device));
+    const bool isFixed = result.setup.device.governor.kind == GovernorKind::Fixed;
+    fmt::print(out, "governor    {}{}\n", describeGovernor(result.setup.device),
+               isFixed ? " of the maximum frequency" : "");
     fmt::print(out, "DOWN        {}\n", describeDown(service.down));
     fmt::print(out, "UP          {}\n", describeUp(service.up));
     fmt::print(out, "jank boost  raises {}\n", describeBoost(service.boost));

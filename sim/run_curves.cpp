@@ -1,7 +1,6 @@
 #include "sim/run_curves.h"
 
-#include <algorithm>
-#include <cmath>
+#include <utility>
 
 #include "base/time_units.h"
 
@@ -15,34 +14,36 @@ double toS(int64_t timeNs) {
 
 }  // namespace
 
-RunCurvesObserver::RunCurvesObserver(const Scenario& scenario, size_t columns)
-      : mScenario(scenario),
-        mColumnNs(static_cast<double>(scenario.warmUpNs + scenario.measuredNs) /
-                  static_cast<double>(columns)),
-        mLoads(scenario.device.clusters.size()),
-        mEnergy(columns) {
-    mCurves.frequenciesMhz.resize(scenario.device.clusters.size());
+void RunCurvesObserver::Value::set(int64_t nowNs, std::optional<double> value) {
+    if (mValue && mSinceNs < nowNs) spans.push_back({toS(mSinceNs), toS(nowNs), *mValue});
+    mSinceNs = nowNs;
+    mValue = value;
+}
+
+RunCurvesObserver::RunCurvesObserver(const Device& device)
+      : mDevice(device), mLoads(device.clusters.size()) {
+    mDepth.set(kStartNs, 0.0);
 }
 
 void RunCurvesObserver::onTask(int64_t nowNs, Task /*task*/, size_t cluster, bool isBusy) {
-    addEnergy(nowNs, cluster);
     mLoads[cluster].busyCores += isBusy ? 1 : -1;
+    updatePower(nowNs);
 }
 
 void RunCurvesObserver::onFrequency(int64_t nowNs, size_t cluster, const OperatingPoint& point) {
-    addEnergy(nowNs, cluster);
     mLoads[cluster].mw = point.mw;
-    mCurves.frequenciesMhz[cluster].push_back({toS(nowNs), point.mhz});
+    mLoads[cluster].mhz.set(nowNs, point.mhz);
+    updatePower(nowNs);
 }
 
 void RunCurvesObserver::onQueue(int64_t nowNs, const Frame& frame, int32_t depth) {
     const double frameMs = toMs(nowNs - frame.beginNs);
     mCurves.frameTimesMs.push_back({toS(nowNs), frameMs});
-    mCurves.depths.push_back({toS(nowNs), static_cast<double>(depth)});
+    mDepth.set(nowNs, depth);
 }
 
 void RunCurvesObserver::onLatch(int64_t nowNs, const Frame& /*frame*/, int32_t depth) {
-    mCurves.depths.push_back({toS(nowNs), static_cast<double>(depth)});
+    mDepth.set(nowNs, depth);
 }
 
 void RunCurvesObserver::onHint(const host::Hint& hint) {
@@ -50,58 +51,33 @@ void RunCurvesObserver::onHint(const host::Hint& hint) {
 }
 
 void RunCurvesObserver::onService(int64_t nowNs, const Service& service) {
-    const double nowS = toS(nowNs);
-    const std::optional<double> scale = service.downScale();
-    if (scale) {
-        mCurves.downScales.push_back({nowS, *scale});
-    } else {
-        breakDown(nowS);
-    }
-    if (service.isBoosted() && !mBoostBeginS) mBoostBeginS = nowS;
-    if (!service.isBoosted() && mBoostBeginS) {
-        mCurves.boosts.push_back({*mBoostBeginS, nowS});
-        mBoostBeginS.reset();
-    }
+    mDownScale.set(nowNs, service.downScale());
+    mCap.set(nowNs, service.capMhz(mDevice.clusters[mDevice.appCluster]));
+    mBoost.set(nowNs, service.isBoosted() ? std::optional(1.0) : std::nullopt);
 }
 
 void RunCurvesObserver::onEnd(int64_t nowNs) {
-    for (size_t cluster = 0; cluster < mLoads.size(); ++cluster) {
-        addEnergy(nowNs, cluster);
-        if (mCurves.frequenciesMhz[cluster].empty()) continue;
-        mCurves.frequenciesMhz[cluster].push_back(
-                {toS(nowNs), mCurves.frequenciesMhz[cluster].back().value});
-    }
-    if (mBoostBeginS) mCurves.boosts.push_back({*mBoostBeginS, toS(nowNs)});
-    breakDown(toS(nowNs));
-    if (!mCurves.downScales.empty()) mCurves.downScales.pop_back();
-    for (size_t i = 0; i < mEnergy.size(); ++i) {
-        mCurves.powerMw.push_back(
-                {static_cast<double>(i) * mColumnNs / 1e9, mEnergy[i] / mColumnNs});
-    }
+    const auto finish = [nowNs](Value& value) {
+        value.set(nowNs, {});
+        return std::move(value.spans);
+    };
     mCurves.endS = toS(nowNs);
+    mCurves.depths = finish(mDepth);
+    for (Load& load : mLoads)
+        mCurves.frequenciesMhz.push_back(finish(load.mhz));
+    mCurves.capsMhz = finish(mCap);
+    mCurves.powerMw = finish(mPower);
+    mCurves.downScales = finish(mDownScale);
+    mCurves.boosts = finish(mBoost);
 }
 
-void RunCurvesObserver::breakDown(double nowS) {
-    plot::PlotPoints& scales = mCurves.downScales;
-    if (scales.empty() || std::isnan(scales.back().value)) return;
-    scales.push_back({nowS, scales.back().value});
-    scales.push_back({nowS, std::nan("")});
-}
-
-void RunCurvesObserver::addEnergy(int64_t nowNs, size_t cluster) {
-    Load& load = mLoads[cluster];
-    const double mw = load.mw * load.busyCores + mScenario.device.clusters[cluster].staticMw;
-    auto fromNs = static_cast<double>(load.sinceNs - kStartNs);
-    const auto toNs = static_cast<double>(nowNs - kStartNs);
-    load.sinceNs = nowNs;
-    while (fromNs < toNs) {
-        const auto column = std::min(static_cast<size_t>(fromNs / mColumnNs), mEnergy.size() - 1);
-        const double columnEndNs =
-                column + 1 < mEnergy.size() ? static_cast<double>(column + 1) * mColumnNs : toNs;
-        const double untilNs = std::max(std::min(toNs, columnEndNs), fromNs + 1.0);
-        mEnergy[column] += mw * (untilNs - fromNs);
-        fromNs = untilNs;
-    }
+void RunCurvesObserver::updatePower(int64_t nowNs) {
+    const auto mwOf = [this](size_t cluster) {
+        return mLoads[cluster].mw * mLoads[cluster].busyCores + mDevice.clusters[cluster].staticMw;
+    };
+    double mw = mwOf(mDevice.appCluster);
+    if (mDevice.compositorCluster != mDevice.appCluster) mw += mwOf(mDevice.compositorCluster);
+    mPower.set(nowNs, mw);
 }
 
 }  // namespace brevold::sim

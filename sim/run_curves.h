@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <vector>
 
@@ -12,26 +11,22 @@ namespace brevold::sim {
 
 /** The curves of one run. Times are seconds since its start. */
 struct RunCurves {
-    struct Span {
-        double beginS;
-        double endS;
-    };
-
     double endS = 0.0;
     plot::PlotPoints frameTimesMs;
-    plot::PlotPoints depths;
-    std::vector<plot::PlotPoints> frequenciesMhz;  // by cluster
-    plot::PlotPoints powerMw;                      // of all clusters, mean of equal spans of time
-    plot::PlotPoints downScales;                   // while they are in effect
-    plot::PlotPoints ups;                          // scales of UP hints, when they are sent
-    std::vector<Span> boosts;
+    plot::PlotSpans depths;
+    std::vector<plot::PlotSpans> frequenciesMhz;  // by cluster; of the two that do work
+    plot::PlotSpans capsMhz;                      // on the application's cluster
+    plot::PlotSpans powerMw;                      // of the clusters that do work
+    plot::PlotSpans downScales;                   // while they are in effect
+    plot::PlotPoints ups;                         // scales of UP hints, when they are sent
+    plot::PlotSpans boosts;
 };
 
 /** Collects the curves of a run. */
 class RunCurvesObserver : public Observer {
   public:
-    /** `scenario` must outlive this object. Power has `columns` points. */
-    RunCurvesObserver(const Scenario& scenario, size_t columns);
+    /** `device` must outlive this object. */
+    explicit RunCurvesObserver(const Device& device);
 
     /** Valid after the end of the run. */
     const RunCurves& curves() const { return mCurves; }
@@ -45,22 +40,34 @@ class RunCurvesObserver : public Observer {
     void onEnd(int64_t nowNs) override;
 
   private:
+    /** A value that holds until it changes. */
+    class Value {
+      public:
+        void set(int64_t nowNs, std::optional<double> value);
+
+        plot::PlotSpans spans;
+
+      private:
+        int64_t mSinceNs = 0;
+        std::optional<double> mValue;
+    };
+
     struct Load {
         int32_t busyCores = 0;
         double mw = 0.0;  // of a busy core
-        int64_t sinceNs = kStartNs;
+        Value mhz;
     };
 
-    /** Ends the curve of DOWN with a break, unless it has one. */
-    void breakDown(double nowS);
-    void addEnergy(int64_t nowNs, size_t cluster);
+    void updatePower(int64_t nowNs);
 
-    const Scenario& mScenario;
-    const double mColumnNs;
+    const Device& mDevice;
     RunCurves mCurves;
     std::vector<Load> mLoads;
-    std::vector<double> mEnergy;  // mW times nanoseconds, by column
-    std::optional<double> mBoostBeginS;
+    Value mDepth;
+    Value mCap;
+    Value mPower;
+    Value mDownScale;
+    Value mBoost;
 };
 
 }  // namespace brevold::sim

@@ -3,206 +3,240 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cereal/archives/binary.hpp>
+#include <cereal/types/string.hpp>
+#include <cereal/types/vector.hpp>
 #include <cmath>
+#include <iterator>
+#include <sstream>
 
 #include "base/time_units.h"
-#include "plot/gnuplot.h"
-#include "plot/plot_thinning.h"
+#include "plot/plot_curves.h"
+#include "plot/plot_style.h"
+#include "sim/experiment.h"
+
+namespace brevold::plot {
+
+// A run, and so its panels, are made in a process of their own.
+
+template <typename Archive>
+void serialize(Archive& archive, AxisTick& tick) {
+    archive(tick.value, tick.label);
+}
+
+template <typename Archive>
+void serialize(Archive& archive, PlotCurve& curve) {
+    archive(curve.rows, curve.columns, curve.style, curve.title);
+}
+
+template <typename Archive>
+void serialize(Archive& archive, PlotPanel& panel) {
+    archive(panel.title, panel.heightPx, panel.minY, panel.maxY, panel.isLogarithmic, panel.ticks,
+            panel.curves, panel.note);
+}
+
+}  // namespace brevold::plot
 
 namespace brevold::sim {
 
-using plot::gnuplotString;
-using plot::PlotPoints;
-
 namespace {
 
-constexpr int kPageWidthPx = 1600;
-constexpr int kLeftPx = 110;
-constexpr int kColumns = static_cast<int>(kRunPlotColumns);
-constexpr int kHeadingPx = 50;
-constexpr int kFootPx = 60;
-constexpr int kTitlePx = 26;
-constexpr int kGapPx = 26;
+using plot::Bin;
+using plot::BinGrid;
+using plot::boxes;
+using plot::CurveMaker;
+using plot::filled;
+using plot::line;
+using plot::PlotBox;
+using plot::PlotPage;
+using plot::PlotPanel;
+using plot::PlotPoint;
+using plot::PlotPoints;
+using plot::PlotSpan;
+using plot::PlotSpans;
+
 constexpr double kMaxPeriods = 3.0;  // on the axis of frame times
+constexpr double kMinScale = 0.1;
+constexpr double kMaxScale = 10.0;
+constexpr int kBinPx = 4;
+constexpr int kMinFramePx = 3;  // without bins
 
-// Okabe and Ito's palette, which colour-blind readers can tell apart.
-constexpr char kOrange[] = "#E69F00";
-constexpr char kGreen[] = "#009E73";
-constexpr char kBlue[] = "#0072B2";
-constexpr char kVermillion[] = "#D55E00";
-constexpr char kPurple[] = "#CC79A7";
-constexpr char kPaleGrey[] = "#DDDDDD";
-
-enum PanelHeight { FrameTime = 110, Depth = 50, Frequency = 110, Power = 70, Hints = 90 };
-constexpr int kPanelCount = 6;
-constexpr int kRunHeightPx =
-        kTitlePx + FrameTime + Depth + 2 * Frequency + Power + Hints + (kPanelCount + 1) * kGapPx;
-
-/** Writes panels from top to bottom. */
-class Panels {
+/** Draws values that hold for spans of time: each of them, or bins if there are too many. */
+class Bands {
   public:
-    Panels(size_t index, size_t count, double endS)
-          : mIndex(index),
-            mPageHeightPx(kHeadingPx + static_cast<int>(count) * kRunHeightPx + kFootPx),
-            mEndS(endS),
-            mTopPx(kHeadingPx + static_cast<int>(index) * kRunHeightPx) {}
+    Bands(const CurveMaker& maker, const RunCurves& curves, double periodS)
+          : mMaker(maker),
+            mGrid(gridOf(maker.grid(kBinPx), periodS)),
+            mIsDense(CurveMaker::isDense(curves.frameTimesMs.size(), kMinFramePx)) {}
 
-    void addTitle(const std::string& title) {
-        mTopPx += kTitlePx;
-        mScript += label(title, mTopPx - 14, 14);
-        mTopPx += kGapPx - 6;
-    }
-
-    void begin(const std::string& title, int heightPx, const std::string& settings) {
-        mScript += fmt::format("set tmargin at screen {:.5f}\nset bmargin at screen {:.5f}\n",
-                               screenY(mTopPx), screenY(mTopPx + heightPx));
-        mScript += fmt::format(
-                "set key at screen {:.4f}, screen {:.5f} left top Left reverse "
-                "samplen 1.5 font ',10'\n",
-                static_cast<double>(kLeftPx + kColumns + 15) / kPageWidthPx, screenY(mTopPx - 4));
-        mScript += fmt::format("unset logscale y\nset ytics autofreq\nset xrange [0:{:.9g}]\n",
-                               mEndS) +
-                   label(title, mTopPx - 8, 11);
-        mScript += settings;
-        mTopPx += heightPx + kGapPx;
-        mCurves.clear();
-    }
-
-    void addCurve(const PlotPoints& points, const std::string& style, const std::string& title) {
-        std::string rows;
-        for (const plot::PlotPoint& point : plot::thin(points, 0.0, mEndS, kColumns)) {
-            rows += std::isnan(point.value)
-                            ? "\n"
-                            : fmt::format("{:.9g} {:.6g}\n", point.timeS, point.value);
+    /** Draws the values; of bins, the range and the mean. */
+    void add(const PlotSpans& spans, const char* colour, const char* paleColour,
+             const std::string& title, PlotPanel& panel) const {
+        if (mIsDense) {
+            std::vector<PlotBox> ranges;
+            for (const Bin& bin : binSpans(spans, mGrid))
+                ranges.push_back({bin.fromS, bin.toS, bin.min, bin.max});
+            panel.curves.push_back(boxes(ranges, filled(paleColour), title + ", min to max"));
         }
-        addRows(rows, style, title);
+        addValues(spans, colour, title, panel);
     }
 
-    void addRows(const std::string& rows, const std::string& style, const std::string& title) {
-        if (rows.empty()) return;
-        const std::string block = fmt::format("$run{}data{}", mIndex, ++mBlocks);
-        mScript += block + " << END\n" + rows + "END\n";
-        mCurves.push_back(fmt::format("{} with {} title {}", block, style, gnuplotString(title)));
+    /** Draws the values; of bins, the mean. */
+    void addValues(const PlotSpans& spans, const char* colour, const std::string& title,
+                   PlotPanel& panel) const {
+        if (mIsDense) {
+            addMeans(spans, colour, title, panel);
+        } else {
+            panel.curves.push_back(mMaker.steps(spans, line(1, colour), title));
+        }
     }
 
-    void end() {
-        mScript += fmt::format(
-                "plot {}\nunset label\n",
-                mCurves.empty() ? "NaN notitle" : fmt::format("{}", fmt::join(mCurves, ", ")));
+    /** Draws the mean of bins. */
+    void addMeans(const PlotSpans& spans, const char* colour, const std::string& title,
+                  PlotPanel& panel) const {
+        PlotSpans means;
+        for (const Bin& bin : binSpans(spans, mGrid))
+            means.push_back({bin.fromS, bin.toS, bin.mean});
+        panel.curves.push_back(mMaker.steps(means, line(1.5, colour), title + ", mean"));
     }
 
-    const std::string& script() const { return mScript; }
+    /** Draws boxes of this height; of bins, the share of the time. */
+    void addBoxes(const PlotSpans& spans, double height, const std::string& title,
+                  PlotPanel& panel) const {
+        PlotSpans parts = spans;
+        if (mIsDense) {
+            parts.clear();
+            for (const Bin& bin : binSpans(spans, mGrid))
+                parts.push_back({bin.fromS, bin.toS, std::min(bin.weight / mGrid.widthS(), 1.0)});
+        }
+        std::vector<PlotBox> rectangles;
+        for (const PlotSpan& part : parts)
+            rectangles.push_back({part.fromS, part.toS, 0, height * part.value});
+        panel.curves.push_back(boxes(rectangles, filled(plot::kPaleVermillion),
+                                     mIsDense ? title + ", share of time" : title));
+    }
 
   private:
-    double screenY(int fromTopPx) const {
-        return 1.0 - static_cast<double>(fromTopPx) / mPageHeightPx;
-    }
-    std::string label(const std::string& text, int fromTopPx, int size) const {
-        return fmt::format(
-                "set label {} at screen {:.4f}, screen {:.5f} left font ',{}' noenhanced\n",
-                gnuplotString(text), static_cast<double>(kLeftPx) / kPageWidthPx,
-                screenY(fromTopPx), size);
+    /** Bins of whole refresh periods: the means of parts of a period would beat. */
+    static BinGrid gridOf(const BinGrid& bins, double periodS) {
+        const double widthS = std::ceil(bins.widthS() / periodS) * periodS;
+        const double count = std::max(std::floor(bins.endS / widthS), 1.0);
+        return {0, count * widthS, static_cast<int32_t>(count)};
     }
 
-    const size_t mIndex;
-    const int mPageHeightPx;
-    const double mEndS;
-    int mTopPx;
-    int mBlocks = 0;
-    std::string mScript;
-    std::vector<std::string> mCurves;
+    const CurveMaker& mMaker;
+    const BinGrid mGrid;
+    const bool mIsDense;
 };
+
+double maxValue(const PlotSpans& spans, double atLeast) {
+    for (const PlotSpan& span : spans)
+        atLeast = std::max(atLeast, span.value);
+    return atLeast;
+}
+
+PlotPanel frameTimePanel(const RunCurves& curves, double periodMs, const CurveMaker& maker) {
+    const double limitMs = kMaxPeriods * periodMs;
+    PlotPanel panel = {"time from the start of a frame to its queueing, ms", 130, 0, limitMs * 1.1};
+    PlotPoints shorter;
+    PlotPoints longer;
+    for (const PlotPoint& point : curves.frameTimesMs)
+        (point.value > limitMs ? longer : shorter).push_back(point);
+    panel.curves = {maker.points(shorter, plot::marker(7, 0.3, plot::kBlue), "frame"),
+                    maker.steps({{0, curves.endS, periodMs}}, line(1.5, plot::kOrange),
+                                "1 refresh period")};
+    if (!longer.empty()) {
+        panel.curves.push_back(
+                maker.edgeMarks(longer, limitMs * 1.05, plot::marker(9, 0.8, plot::kVermillion),
+                                fmt::format("{} above {:.0f} ms", longer.size(), limitMs)));
+    }
+    return panel;
+}
+
+PlotPanel depthPanel(const RunCurves& curves, const Bands& bands) {
+    const double maxDepth = maxValue(curves.depths, 1);
+    PlotPanel panel = {"frames in the queue", 70, 0, maxDepth + 0.3};
+    for (double depth = 0; depth <= maxDepth; depth += std::ceil(maxDepth / 5))
+        panel.ticks.push_back({depth, fmt::format("{:g}", depth)});
+    bands.add(curves.depths, plot::kBlue, plot::kPaleBlue, "depth", panel);
+    return panel;
+}
+
+PlotPanel frequencyPanel(const Device& device, const RunCurves& curves, size_t cluster,
+                         const Bands& bands) {
+    const bool hasApp = cluster == device.appCluster;
+    const bool hasCompositor = cluster == device.compositorCluster;
+    const ClusterSpec& spec = device.clusters[cluster];
+    PlotPanel panel = {
+            fmt::format("frequency of cluster {} ({}{}{}), MHz", spec.name,
+                        hasApp ? "application" : "", hasApp && hasCompositor ? " and " : "",
+                        hasCompositor ? "compositor" : ""),
+            120, 0, spec.maxMhz() * 1.05};
+    const BoostTarget target = device.service.boost;
+    if (!curves.boosts.empty() &&
+        (target == BoostTarget::All || (target == BoostTarget::Compositor && hasCompositor))) {
+        bands.addBoxes(curves.boosts, spec.maxMhz(), "boost", panel);
+    }
+    bands.add(curves.frequenciesMhz[cluster], plot::kBlue, plot::kPaleBlue, "frequency", panel);
+    if (hasApp && !curves.capsMhz.empty()) {
+        bands.addValues(curves.capsMhz, plot::kVermillion, "cap", panel);
+    }
+    return panel;
+}
+
+PlotPanel hintPanel(const RunCurves& curves, const CurveMaker& maker, const Bands& bands) {
+    PlotPanel panel = {"scale of DOWN while it is in effect, and of UP", 100, kMinScale, kMaxScale,
+                       true};
+    for (const double scale : {0.1, 0.3, 1.0, 3.0, 10.0})
+        panel.ticks.push_back({scale, fmt::format("{:g}", scale)});
+    if (!curves.downScales.empty()) {
+        bands.add(curves.downScales, plot::kGreen, plot::kPaleGreen, "DOWN", panel);
+    }
+    PlotPoints ups = curves.ups;
+    for (PlotPoint& up : ups)
+        up.value = std::min(up.value, kMaxScale);
+    panel.curves.push_back(maker.points(ups, plot::marker(9, 0.6, plot::kVermillion), "UP"));
+    return panel;
+}
 
 }  // namespace
 
-std::string runPanels(const Scenario& scenario, const RunCurves& curves, size_t index, size_t count,
-                      const std::string& title) {
+std::string runPanels(const Scenario& scenario, const RunCurves& curves, const std::string& name) {
     const Device& device = scenario.device;
-    const double endS = curves.endS;
+    const CurveMaker maker(0, curves.endS);
     const double periodMs = toMs(scenario.workload.periodNs());
-    const double limitMs = kMaxPeriods * periodMs;
-    const auto line = [](const char* style, const char* colour) {
-        return fmt::format("{} lc rgb '{}'", style, colour);
-    };
-    Panels panels(index, count, endS);
-    panels.addTitle(title);
-
-    PlotPoints shorter;
-    PlotPoints longer;
-    for (const plot::PlotPoint& point : curves.frameTimesMs) {
-        (point.value > limitMs ? longer : shorter)
-                .push_back({point.timeS, std::min(point.value, limitMs)});
+    const Bands bands(maker, curves, periodMs / 1e3);
+    std::vector<PlotPanel> panels = {frameTimePanel(curves, periodMs, maker),
+                                     depthPanel(curves, bands),
+                                     frequencyPanel(device, curves, device.appCluster, bands)};
+    if (device.compositorCluster != device.appCluster) {
+        panels.push_back(frequencyPanel(device, curves, device.compositorCluster, bands));
     }
-    panels.begin("frame time, ms", FrameTime,
-                 fmt::format("set yrange [0:{:.6g}]\n", limitMs * 1.05));
-    panels.addCurve(shorter, line("points pt 7 ps 0.3", kBlue), "start to queue");
-    panels.addCurve(longer, line("points pt 8 ps 0.6", kVermillion),
-                    fmt::format("longer than {:.0f} ms", limitMs));
-    panels.addCurve({{0.0, periodMs}, {endS, periodMs}}, line("lines lw 1.5", kOrange),
-                    "refresh period");
-    panels.end();
-
-    panels.begin("queue depth, frames", Depth, "set yrange [0:*]\nset ytics 1\n");
-    panels.addCurve(curves.depths, line("steps", kBlue), "queued");
-    panels.end();
-
-    for (const Task task : {Task::App, Task::Compositor}) {
-        const bool isApp = task == Task::App;
-        const size_t cluster = isApp ? device.appCluster : device.compositorCluster;
-        const double maxMhz = device.clusters[cluster].maxMhz();
-        panels.begin(fmt::format("frequency of cluster {} ({}), MHz", device.clusters[cluster].name,
-                                 isApp ? "application" : "compositor"),
-                     Frequency,
-                     fmt::format("set yrange [0:{:.6g}]\nset ytics 500\n", maxMhz * 1.05));
-        const BoostTarget target = device.service.boost;
-        if (target == BoostTarget::All ||
-            (target == BoostTarget::Compositor && cluster == device.compositorCluster)) {
-            std::string rows;
-            for (const RunCurves::Span& span : curves.boosts) {
-                rows += fmt::format("{0:.9g} {2:.6g} {0:.9g} {1:.9g} 0 {2:.6g}\n", span.beginS,
-                                    span.endS, maxMhz);
-            }
-            panels.addRows(rows, line("boxxyerror", kPaleGrey), "boost");
-        }
-        panels.addCurve(curves.frequenciesMhz[cluster], line("steps", kBlue), "frequency");
-        if (isApp && device.service.down == DownReading::Cap) {
-            PlotPoints caps = curves.downScales;
-            for (plot::PlotPoint& cap : caps)
-                cap.value *= maxMhz;
-            panels.addCurve(caps, line("steps", kVermillion), "cap");
-        }
-        panels.end();
+    panels.push_back({"power of the processor, mW", 80, 0, 1.05 * maxValue(curves.powerMw, 1)});
+    bands.addMeans(curves.powerMw, plot::kPurple, "power", panels.back());
+    if (!curves.downScales.empty() || !curves.ups.empty()) {
+        panels.push_back(hintPanel(curves, maker, bands));
     }
-
-    panels.begin("power of both clusters, mW, mean of each pixel column", Power,
-                 "set yrange [0:*]\nset ytics 500\n");
-    panels.addCurve(curves.powerMw, line("steps", kPurple), "power");
-    panels.end();
-
-    panels.begin("scale of the hints (logarithmic)", Hints,
-                 "set logscale y\nset yrange [0.1:10]\nset ytics (0.1, 0.3, 1, 3, 10)\n"
-                 "set format x '%g'\n");
-    panels.addCurve(curves.downScales, line("steps", kGreen), "DOWN in effect");
-    panels.addCurve(curves.ups, line("points pt 9 ps 0.6", kVermillion), "UP");
-    panels.end();
-    return panels.script() + "set format x ''\n";
+    for (PlotPanel& panel : panels)
+        panel.title = name + ": " + panel.title;
+    std::ostringstream bytes;
+    cereal::BinaryOutputArchive{bytes}(panels);
+    return bytes.str();
 }
 
-std::string runPlotPage(const std::string& terminal, const std::string& heading,
-                        const std::vector<std::string>& panels) {
-    const int heightPx = kHeadingPx + static_cast<int>(panels.size()) * kRunHeightPx + kFootPx;
-    return fmt::format(
-            "set terminal {} size {},{} background 'white' noenhanced\nset multiplot\n"
-            "set tics nomirror font ',10'\nset grid back lc rgb '{}' lt 1\nset border 3\n"
-            "set style fill solid noborder\nset format x ''\n"
-            "set lmargin at screen {:.4f}\nset rmargin at screen {:.4f}\n"
-            "set label {} at screen {:.4f}, screen {:.5f} left font ',13' noenhanced\n"
-            "{}unset multiplot\n",
-            terminal, kPageWidthPx, heightPx, kPaleGrey,
-            static_cast<double>(kLeftPx) / kPageWidthPx,
-            static_cast<double>(kLeftPx + kColumns) / kPageWidthPx, gnuplotString(heading),
-            static_cast<double>(kLeftPx) / kPageWidthPx, 1.0 - 26.0 / heightPx,
-            fmt::join(panels, ""));
+std::string runPlotPage(const std::string& terminal, const std::vector<std::string>& heading,
+                        int64_t lengthNs, const std::vector<std::string>& panels) {
+    PlotPage page = {heading, 0, toSeconds(lengthNs), {}, {}, "run"};
+    const double warmUpS = toSeconds(kWarmUpNs);
+    page.heading.push_back(fmt::format("grey: the first {:g} s, which are not measured", warmUpS));
+    page.shaded = {{0, warmUpS, 0}};
+    for (const std::string& bytes : panels) {
+        std::istringstream stream(bytes);
+        std::vector<PlotPanel> run;
+        cereal::BinaryInputArchive{stream}(run);
+        std::move(run.begin(), run.end(), std::back_inserter(page.panels));
+    }
+    return plot::gnuplotScript(page, terminal);
 }
 
 }  // namespace brevold::sim

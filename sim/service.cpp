@@ -6,12 +6,12 @@
 
 namespace brevold::sim {
 
-void Service::receive(const host::Hint& hint, double frameSpeed, int64_t nowNs) {
+void Service::receive(const host::Hint& hint, double frameMhz, int64_t nowNs) {
     const int64_t endNs = nowNs + hint.durationMs * kNsPerMs;
     switch (hint.kind) {
         case host::HintKind::Down:
         case host::HintKind::Up:
-            mScaling = {hint.kind, hint.scale, frameSpeed, endNs};
+            mScaling = {hint.kind, hint.scale, frameMhz, endNs};
             break;
         case host::HintKind::JankBoost:
             mBoostEndNs = endNs;
@@ -38,6 +38,12 @@ std::optional<double> Service::downScale() const {
     return mScaling->scale;
 }
 
+std::optional<double> Service::capMhz(const ClusterSpec& cluster) const {
+    const std::optional<double> scale = downScale();
+    if (!scale || mSpec.down == DownReading::Governor) return {};
+    return *scale * (mSpec.down == DownReading::Cap ? cluster.maxMhz() : mScaling->frameMhz);
+}
+
 size_t Service::pointFor(const ClusterSpec& cluster, bool hasApp, bool hasCompositor,
                          size_t governorPoint) const {
     const bool isTarget = mSpec.boost == BoostTarget::All ||
@@ -53,15 +59,10 @@ size_t Service::scaledPoint(const ClusterSpec& cluster, size_t governorPoint) co
         if (mSpec.up == UpReading::None) return governorPoint;
         return cluster.pointForMhz(scale * governorMhz);
     }
-    switch (mSpec.down) {
-        case DownReading::Cap:
-            return std::min(governorPoint, cluster.pointForMhz(scale * cluster.maxMhz()));
-        case DownReading::Governor:
-            return cluster.pointForMhz(scale * governorMhz);
-        case DownReading::Frame:
-            return std::min(governorPoint, cluster.pointForSpeed(scale * mScaling->frameSpeed));
+    if (const std::optional<double> cap = capMhz(cluster)) {
+        return std::min(governorPoint, cluster.pointForMhz(*cap));
     }
-    return governorPoint;
+    return cluster.pointForMhz(scale * governorMhz);
 }
 
 }  // namespace brevold::sim

@@ -19,8 +19,8 @@ class Service {
   public:
     explicit Service(const ServiceSpec& spec) : mSpec(spec) {}
 
-    /** Takes a hint. `frameSpeed` is the mean speed during the frame that was reported last. */
-    void receive(const host::Hint& hint, double frameSpeed, int64_t nowNs);
+    /** Takes a hint. `frameMhz` is the mean frequency during the frame that was reported last. */
+    void receive(const host::Hint& hint, double frameMhz, int64_t nowNs);
 
     /** The next time at which a hint ends by itself; kNever if there is none. */
     int64_t nextExpiryNs() const;
@@ -30,6 +30,10 @@ class Service {
     /** The scale of the DOWN hint in effect. */
     std::optional<double> downScale() const;
 
+    /** The cap on the frequency of the application's cluster, before it is rounded up to a point.
+     */
+    std::optional<double> capMhz(const ClusterSpec& cluster) const;
+
     /** The point for a cluster whose governor chooses `governorPoint`. */
     size_t pointFor(const ClusterSpec& cluster, bool hasApp, bool hasCompositor,
                     size_t governorPoint) const;
@@ -38,7 +42,7 @@ class Service {
     struct Scaling {
         host::HintKind kind;  // Down or Up
         double scale;
-        double frameSpeed;
+        double frameMhz;
         int64_t endNs;
     };
 

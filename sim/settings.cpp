@@ -6,6 +6,7 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <map>
 #include <sstream>
 
 #include "base/descriptor.h"
@@ -19,23 +20,31 @@ std::string_view trim(std::string_view text) {
     return trimStart(trimEnd(text));
 }
 
-void applyEntry(std::string_view entry, const ApplySetting& apply) {
+std::pair<std::string_view, std::string_view> splitEntry(std::string_view entry) {
     const size_t equals = entry.find('=');
     if (equals == std::string_view::npos || trim(entry.substr(0, equals)).empty()) {
         throw InputError(fmt::format("expected key=value, got \"{}\"", entry));
     }
-    apply(trim(entry.substr(0, equals)), trim(entry.substr(equals + 1)));
+    return {trim(entry.substr(0, equals)), trim(entry.substr(equals + 1))};
 }
 
 }  // namespace
 
-void applySettings(std::string_view text, const std::string& name, const ApplySetting& apply) {
+void applySettings(std::string_view text, const std::string& name, const ApplySetting& apply,
+                   bool (*mayRepeat)(std::string_view key)) {
+    std::map<std::string_view, int> lines;
     for (int line = 1; !text.empty(); ++line) {
         std::string_view rest = takeUntil('\n', &text);
         const std::string_view entry = trim(takeUntil('#', &rest));
         if (entry.empty()) continue;
         try {
-            applyEntry(entry, apply);
+            const auto [key, value] = splitEntry(entry);
+            const auto [first, isNew] = lines.try_emplace(key, line);
+            if (!isNew && !mayRepeat(key)) {
+                throw InputError(
+                        fmt::format("a second {}; the first is on line {}", key, first->second));
+            }
+            apply(key, value);
         } catch (const InputError& error) {
             throw InputError(fmt::format("{}:{}: {}", name, line, error.what()));
         }
@@ -44,7 +53,8 @@ void applySettings(std::string_view text, const std::string& name, const ApplySe
 
 void applySetting(std::string_view entry, const std::string& option, const ApplySetting& apply) {
     try {
-        applyEntry(entry, apply);
+        const auto [key, value] = splitEntry(entry);
+        apply(key, value);
     } catch (const InputError& error) {
         throw InputError(fmt::format("{} {}: {}", option, entry, error.what()));
     }

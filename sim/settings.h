@@ -17,8 +17,12 @@ namespace brevold::sim {
 
 using ApplySetting = std::function<void(std::string_view key, std::string_view value)>;
 
-/** Applies each line of a text. Throws InputError "name:line: ...". */
-void applySettings(std::string_view text, const std::string& name, const ApplySetting& apply);
+/**
+ * Applies each line of a text. A key may be repeated only if `mayRepeat` returns true for it.
+ * Throws InputError "name:line: ...".
+ */
+void applySettings(std::string_view text, const std::string& name, const ApplySetting& apply,
+                   bool (*mayRepeat)(std::string_view key));
 
 /** Applies one "key=value" of the command line. Throws InputError "option key=value: ...". */
 void applySetting(std::string_view entry, const std::string& option, const ApplySetting& apply);

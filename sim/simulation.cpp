@@ -124,10 +124,7 @@ void Simulation::onAppWorkDone() {
     finishTask(Task::App);
     const Frame frame = *mAppFrame;
     mAppFrame.reset();
-    const int64_t elapsedNs = mNowNs - frame.beginNs;
-    if (elapsedNs > 0) {
-        mFrameSpeed = static_cast<double>(frame.workNs) / static_cast<double>(elapsedNs);
-    }
+    mFrameMhz = mClusters[mDevice.appCluster].meanMhz(Task::App);
     mBuffers.queue(frame, mNowNs);
     mPeakDepth = std::max(mPeakDepth, mBuffers.depth());
     mObserver.onQueue(mNowNs, frame, mBuffers.depth());
@@ -157,7 +154,7 @@ void Simulation::onHintArrival() {
     const SentHint sent = mSentHints.front();
     mSentHints.pop_front();
     schedule(Source::HintArrival, mSentHints.empty() ? kNever : mSentHints.front().arrivalNs);
-    mService.receive(sent.hint, sent.frameSpeed, mNowNs);
+    mService.receive(sent.hint, sent.frameMhz, mNowNs);
     updateService();
 }
 
@@ -223,7 +220,7 @@ void Simulation::sendHints() {
     for (const host::Hint& hint : mLibrary->takeHints()) {
         mObserver.onHint(hint);
         if (mSentHints.empty()) schedule(Source::HintArrival, mNowNs + mDevice.service.latencyNs);
-        mSentHints.push_back({mNowNs + mDevice.service.latencyNs, hint, mFrameSpeed});
+        mSentHints.push_back({mNowNs + mDevice.service.latencyNs, hint, mFrameMhz});
     }
 }
 

@@ -66,7 +66,7 @@ class Simulation {
     struct SentHint {
         int64_t arrivalNs;
         host::Hint hint;
-        double frameSpeed;
+        double frameMhz;
     };
 
     void schedule(Source source, int64_t timeNs) { mTimesNs[static_cast<size_t>(source)] = timeNs; }
@@ -113,7 +113,7 @@ class Simulation {
     bool mHasTick = false;    // a frame that begins at vsyncs waits for a free buffer
     std::optional<Frame> mAppFrame;
     std::optional<Frame> mComposedFrame;
-    double mFrameSpeed = 1.0;
+    double mFrameMhz = 0.0;  // mean during the last frame
     int32_t mPeakDepth = 0;
 };
 

@@ -42,14 +42,16 @@ constexpr char kNone[] = "-";
 
 constexpr SweepColumn kSweepColumns[] = {
         {"governor", ColumnKind::Assumption,
-         [](const SweepRow& r) -> std::string {
-             return wordOf(r.result.setup.device.governor.kind, kGovernorWords);
-         }},
+         [](const SweepRow& r) -> std::string { return describeGovernor(r.result.setup.device); }},
         {"buffers", ColumnKind::Assumption,
          [](const SweepRow& r) { return std::to_string(r.result.setup.buffers()); }},
         {"DOWN", ColumnKind::Assumption,
          [](const SweepRow& r) -> std::string {
              return r.reading ? wordOf(r.reading->service.down, kDownWords) : kNone;
+         }},
+        {"UP", ColumnKind::Assumption,
+         [](const SweepRow& r) -> std::string {
+             return r.reading ? wordOf(r.reading->service.up, kUpWords) : kNone;
          }},
         {"boost", ColumnKind::Assumption,
          [](const SweepRow& r) -> std::string {

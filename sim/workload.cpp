@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <map>
 #include <utility>
 
@@ -85,13 +86,18 @@ Workload readWorkload(const std::string& nameOrPath) {
     for (const auto& [name, text] : kBuiltInWorkloads) {
         if (nameOrPath == name) return parseWorkload(text, name);
     }
+    if (!std::filesystem::exists(nameOrPath)) {
+        throw InputError(fmt::format("{}: no such file, and the built-in workloads are {}",
+                                     nameOrPath, fmt::join(builtInWorkloads(), ", ")));
+    }
     return parseWorkload(readFile(nameOrPath), nameOrPath);
 }
 
 Workload parseWorkload(std::string_view text, const std::string& name) {
     Workload workload;
     workload.name = name;
-    applySettings(text, name, [&](std::string_view key, std::string_view value) {
+    bool hasMean = false;
+    const ApplySetting apply = [&](std::string_view key, std::string_view value) {
         const auto found = kSettings.find(key);
         if (found == kSettings.end()) {
             std::vector<std::string_view> keys;
@@ -101,7 +107,10 @@ Workload parseWorkload(std::string_view text, const std::string& name) {
                     fmt::format("unknown key \"{}\"; the keys are {}", key, fmt::join(keys, ", ")));
         }
         found->second(workload, value);
-    });
+        hasMean = hasMean || key == "mean-ms";
+    };
+    applySettings(text, name, apply, [](std::string_view) { return false; });
+    if (!hasMean) throw InputError(name + ": mean-ms=MS is missing: the median work of a frame");
     check(workload);
     return workload;
 }

@@ -18,7 +18,8 @@
  *   pace=video             a frame begins every frame-refreshes and is due due-frames later
  *   refresh-hz=60          display refresh rate
  *   buffers=3              of the layer's queue, with the one on the display
- *   mean-ms=5              median work of a frame at the maximum frequency; at least 0.2 ms
+ *   mean-ms=5              median work of a frame at the maximum frequency, at least 0.2 ms;
+ *                          required
  *   sigma=0.15             standard deviation of the logarithm of the work
  *   rho=0.7                correlation of that logarithm from frame to frame
  *   phase=0.25             share by which the work rises or falls for 3 to 9 s at a time
@@ -55,7 +56,7 @@ struct Workload {
     Pace pace = Pace::Free;
     double refreshHz = 60.0;
     int32_t buffers = 3;
-    double meanMs = 5.0;
+    double meanMs = 0.0;
     double sigma = 0.0;
     double rho = 0.0;
     double phase = 0.0;

@@ -92,17 +92,21 @@ TEST(ClosedForm, DownAsACapBecomesUnstableAtTheWorkOfTheFormula) {
     }
 }
 
-TEST(ClosedForm, DownAsACapSettlesAtItsFixedPointOrAlternatesAroundIt) {
+TEST(ClosedForm, DownSettlesAtItsFixedPointAndAsACapMayAlternate) {
     const double periodMs = 1e3 / 60;
     const std::string device = fineDevice();
-    const std::vector<Metrics> metrics =
-            measureAll({makeScenario(device, constantWork(60, 3, 2), 20 * kSecondNs),
-                        makeScenario(device, constantWork(60, 3, 5), 20 * kSecondNs)},
-                       kScalingOn);
+    const std::vector<Metrics> metrics = measureAll(
+            {makeScenario(device, constantWork(60, 3, 2), 20 * kSecondNs),
+             makeScenario(device, constantWork(60, 3, 5), 20 * kSecondNs),
+             makeScenario(device + "service.down=frame\n", constantWork(60, 3, 5), 20 * kSecondNs)},
+            kScalingOn);
     const double budgetMs = 2 * (periodMs - 1);
     EXPECT_NEAR(at(metrics[0], Metric::FrameTimeMs), 2 * budgetMs / (periodMs + 2), 0.02);
     EXPECT_NEAR(at(metrics[0], Metric::DownScale), periodMs / (budgetMs - 3.36), 0.002);
     EXPECT_NEAR(at(metrics[1], Metric::FrameTimeCorrelation), -1, 0.01);
+    // A share of the frame's own frequency: the headroom has become one period.
+    EXPECT_NEAR(at(metrics[2], Metric::FrameTimeMs), budgetMs - periodMs, 0.02);
+    EXPECT_NEAR(at(metrics[2], Metric::FrameTimeSdMs), 0, 0.01);
 }
 
 }  // namespace

@@ -85,12 +85,15 @@ TEST(DeviceFile, NamesTheLineOfAnError) {
             {"cluster.c.opp=1000 MHz 1 mV",
              "device: cluster.c.opp in mV needs cluster.c.coefficient"},
             {"cluster.c.static-mw=1", "device: cluster.c.opp is missing"},
-            {"app.cluster=z", "device: app.cluster=z: no operating point of that cluster"},
+            {"app.cluster=z", "device:6: a second app.cluster; the first is on line 4"},
     };
     for (const auto& c : kCases) {
         EXPECT_EQ(errorOf([&] { parseDevice(kClusters + c.line, "device", {}); }), c.error);
     }
-    EXPECT_EQ(errorOf([] { parseDevice("", "device", {}); }), "device: app.cluster is missing");
+    EXPECT_EQ(errorOf([] { parseDevice("# nothing", "device", {}); }),
+              "device: app.cluster=NAME is missing: the cluster where the application runs");
+    EXPECT_EQ(errorOf([&] { parseDevice(kClusters, "device", {"app.cluster=z"}); }),
+              "device: app.cluster=z: there is no cluster.z.opp");
     EXPECT_EQ(errorOf([&] { parseDevice(kClusters, "device", {"governor=x"}); }),
               "--device-set governor=x: expected schedutil or performance or fixed, got \"x\"");
     EXPECT_EQ(errorOf([&] {
@@ -125,16 +128,20 @@ TEST(WorkloadFile, NamesTheLineOfAnError) {
             {"pace=slow", "w:1: expected free or vsync or video, got \"slow\""},
             {"\nbuffers=1", "w:2: expected a whole number from 2 to 64, got \"1\""},
             {"refresh-hz=0", "w:1: expected a number from 1 to 1000, got \"0\""},
-            {"spike-min=3\nspike-max=2", "w: spike-min is above spike-max"},
-            {"due-frames=1", "w: frame-refreshes and due-frames need pace=video"},
-            {"gap-max-s=1", "w: gaps need pace=vsync"},
-            {"pace=vsync\ngap-max-s=1", "w: gaps need burst-min-s above 0"},
+            {"# nothing\n", "w: mean-ms=MS is missing: the median work of a frame"},
+            {"rho=0\n\nrho=1", "w:3: a second rho; the first is on line 1"},
+            {"mean-ms=1\nspike-min=3\nspike-max=2", "w: spike-min is above spike-max"},
+            {"mean-ms=1\ndue-frames=1", "w: frame-refreshes and due-frames need pace=video"},
+            {"mean-ms=1\ngap-max-s=1", "w: gaps need pace=vsync"},
+            {"mean-ms=1\npace=vsync\ngap-max-s=1", "w: gaps need burst-min-s above 0"},
     };
     for (const auto& c : kCases)
         EXPECT_EQ(errorOf([&] { parseWorkload(c.text, "w"); }), c.error);
     EXPECT_EQ(errorOf([] { parseWorkload("x=1", "w"); }).substr(0, 20), "w:1: unknown key \"x\"");
-    EXPECT_EQ(errorOf([] { makeScenario(kClusters, "refresh-hz=1000", 1); }), "");
-    EXPECT_EQ(errorOf([] { makeScenario(kClusters + "display.latch-ms=1", "refresh-hz=1000", 1); }),
+    EXPECT_EQ(errorOf([] { makeScenario(kClusters, "mean-ms=1\nrefresh-hz=1000", 1); }), "");
+    EXPECT_EQ(errorOf([] {
+                  makeScenario(kClusters + "display.latch-ms=1", "mean-ms=1\nrefresh-hz=1000", 1);
+              }),
               "display.latch-ms=1 of device is not below the refresh period of workload, 1.000 ms");
 }
 

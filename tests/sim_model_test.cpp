@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "sim/exact_math.h"
+#include "sim/sweep_plot.h"
 #include "tests/sim_test.h"
 
 namespace brevold::sim {
@@ -78,10 +79,7 @@ TEST(Cluster, SpeedAndPointsFollowTheTable) {
     } kCases[] = {{-1, 0}, {0, 0}, {500, 0}, {500.1, 1}, {1999, 3}, {2000, 3}, {9000, 3}};
     for (const auto& c : kCases) {
         EXPECT_EQ(scaling.pointForMhz(c.mhz), c.point) << c.mhz;
-        EXPECT_EQ(scaling.pointForSpeed(c.mhz / 2000), c.point) << c.mhz;
     }
-    EXPECT_EQ(bound.pointForSpeed(bound.speedAt(2)), 2u);
-    EXPECT_EQ(bound.pointForSpeed(bound.speedAt(2) + 0.01), 3u);
 }
 
 TEST(Cluster, CompletesExactlyAcrossChangesOfFrequency) {
@@ -99,8 +97,11 @@ TEST(Cluster, CompletesExactlyAcrossChangesOfFrequency) {
     EXPECT_EQ(cluster.completionNs(Task::App), 18 * kMs);
     cluster.finish(Task::App, 18 * kMs);
     EXPECT_FALSE(cluster.isBusy());
+    EXPECT_DOUBLE_EQ(cluster.meanMhz(Task::App), (4 * 2000 + 4 * 500 + 10 * 1000) / 18.0);
     // The sum over the points of power and time spent there.
     EXPECT_DOUBLE_EQ(cluster.energyMj(30 * kMs), (4 * 900 + 4 * 100 + 10 * 200) / 1e3);
+    cluster.start(Task::App, 0, 30 * kMs);
+    EXPECT_EQ(cluster.meanMhz(Task::App), 1000) << "of a frame that takes no time";
 }
 
 TEST(Governor, UtilisationHasItsHalfLifeAndIsInvariantToFrequency) {
@@ -184,7 +185,7 @@ TEST(Service, ReadsScalesAndBoostsAsTheDeviceSays) {
             {"cap above the choice", HintKind::Down, 0.9, DownReading::Cap, UpReading::None, 0, 0},
             {"scale 0", HintKind::Down, 0, DownReading::Cap, UpReading::None, 3, 0},
             {"governor", HintKind::Down, 0.5, DownReading::Governor, UpReading::None, 1, 0},
-            {"frame at speed 0.5", HintKind::Down, 0.5, DownReading::Frame, UpReading::None, 3, 0},
+            {"frame at 1000 MHz", HintKind::Down, 0.5, DownReading::Frame, UpReading::None, 3, 0},
             {"frame keeps the choice", HintKind::Down, 1, DownReading::Frame, UpReading::None, 0,
              0},
             {"up", HintKind::Up, 1.4, DownReading::Cap, UpReading::Governor, 1, 2},
@@ -195,7 +196,7 @@ TEST(Service, ReadsScalesAndBoostsAsTheDeviceSays) {
         SCOPED_TRACE(c.name);
         const ServiceSpec spec = {c.down, c.up, BoostTarget::Compositor, 0};
         Service service(spec);
-        service.receive(hint(c.kind, c.scale, 10), 0.5, 0);
+        service.receive(hint(c.kind, c.scale, 10), 1000, 0);
         EXPECT_EQ(service.pointFor(cluster, true, false, c.governorPoint), c.point);
         EXPECT_EQ(service.pointFor(cluster, false, true, c.governorPoint), c.governorPoint);
         EXPECT_EQ(service.nextExpiryNs(), 10 * kMs);
@@ -226,6 +227,28 @@ TEST(Service, BoostOverridesScalesOnItsTargetsUntilItsRelease) {
         EXPECT_EQ(service.pointFor(cluster, false, true, 2), 2u);
         EXPECT_EQ(service.downScale(), 0.5);
     }
+}
+
+TEST(SweepPlot, FrontierLeavesOutHeldPointsThatOthersBeat) {
+    const auto estimates = [](double missed, double energy, double framesPerSecond) {
+        Estimates all;
+        all.fill({0, 0});
+        all[static_cast<size_t>(Metric::MissedPerMinute)].mean = missed;
+        all[static_cast<size_t>(Metric::EnergyRatio)].mean = energy;
+        all[static_cast<size_t>(Metric::FramesPerSecond)].mean = framesPerSecond;
+        return all;
+    };
+    SetupResult result = {{parseDevice(kDevice, "d", {"cluster.little.coefficient=40"}), {}, {}},
+                          estimates(0, 1, 60),
+                          {},
+                          {{}}};
+    result.readings.front().given.estimates = estimates(1, 0.95, 60);
+    result.held = {{0, estimates(0, 0.5, 30)},
+                   {1, estimates(4, 0.8, 60)},
+                   {2, estimates(3, 0.9, 60)},
+                   {3, estimates(3.5, 0.91, 60)},
+                   {4, estimates(0, 1.2, 60)}};
+    EXPECT_NE(sweepPlotPage("svg", {result}).find("\n0 1.2\n3 0.9\n4 0.8\n"), std::string::npos);
 }
 
 TEST(BufferQueue, LendsBuffersAndLatchesReadyFramesInOrder) {

@@ -168,7 +168,9 @@ TEST(SimTrace, GivesItsWorkBack) {
                 frame.vsyncNs += shift * work.periodNs;
             const Metrics metrics = measure(scenario(recordedWorkload("trace", shifted)), {});
             const double fit = at(metrics, Metric::RecordedLatchShare);
+            const double late = at(metrics, Metric::LateLatchShare);
             EXPECT_TRUE(shift == 0 ? fit > 0.97 : fit < 0.03) << shift << ": " << fit;
+            EXPECT_EQ(late > 0.97, shift < 0) << shift << ": " << late;
         }
     }
 }
