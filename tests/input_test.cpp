@@ -8,11 +8,10 @@
 #include <fstream>
 
 #include "base/text.h"
-#include "tests/gzip.h"
 #include "tests/inputs.h"
+#include "tests/packed.h"
 #include "tests/pages.h"
 #include "tests/proto_writer.h"
-#include "tests/zip.h"
 #include "trace/read_timeline.h"
 
 namespace brevold::trace {

@@ -9,10 +9,9 @@
 #include "base/text.h"
 #include "report/summary_json.h"
 #include "report/summary_text.h"
-#include "tests/gzip.h"
 #include "tests/inputs.h"
+#include "tests/packed.h"
 #include "tests/proto_writer.h"
-#include "tests/zip.h"
 #include "trace/event_line.h"
 #include "trace/expansion_limit.h"
 #include "trace/perfetto_packets.h"
@@ -27,20 +26,6 @@ using Texts = std::vector<std::string>;
 Timeline read(const std::string& bytes, TraceForm* form = nullptr, size_t maxRead = 4096) {
     TraceInput input = inputOf(bytes, maxRead);
     return readTimeline(input, {}, form);
-}
-
-std::string describe(const Timeline& timeline) {
-    std::string text = fmt::format(
-            "{} {} to {} {} {} {}\n", timeline.focusedLayer, timeline.startNs, timeline.endNs,
-            report::periodSourceText(timeline.periodSource, timeline.periodCounter),
-            report::compositionSourceText(timeline.compositionSource),
-            report::vsyncSourceText(timeline.vsyncSource));
-    for (const Layer& layer : timeline.layers)
-        text += fmt::format("{}*{}\n", layer.name, layer.frames);
-    for (const TimelineEvent& event : timeline.events)
-        text += fmt::format("{} {} {} {} {}\n", event.timeNs, static_cast<int>(event.kind),
-                            event.layer, event.depth, event.periodNs);
-    return text;
 }
 
 /**
@@ -153,10 +138,8 @@ TEST(PerfettoTest, WarnsOfLossAndDamage) {
     const std::string badZlib = packet(compressedPackets("\x01"));
     const std::string twoLosses =
             rest(Proto().number(3, 1)) + rest(Proto().number(3, 0)) + rest(Proto().number(3, 1));
-    const struct {
-        const char* warning;
-        std::vector<std::pair<const char*, std::string>> traces;
-    } groups[] = {
+    using Traces = std::vector<std::pair<const char*, std::string>>;
+    const std::pair<const char*, Traces> groups[] = {
             {"",
              {{"whole", kFrames},
               {"bytes after zlib", kFrames + zlibPacket(zlib + "x")},
