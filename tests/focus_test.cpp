@@ -35,27 +35,27 @@ TEST(FocusTest, FindsTheLayerToFocus) {
     const std::vector<Layer> all = {{"StatusBar#0", 50}, {kAppA, 20},    {kAppB, 30},
                                     {"Wall#1", 60},      {"Wall#12", 1}, {"com.a/com.a.Old#3", 0}};
     const std::string twoApps = "'" + kAppA + "', '" + kAppB + "'";
-    const std::tuple<const char*, std::vector<Layer>, std::optional<std::string>, std::string>
-            cases[] = {
-                    {"the application with the most frames", all, {}, kAppB + " before Wall#1"},
-                    {"no application", system, {}, "StatusBar#0"},
-                    {"as many frames as another", {{"Wall#1", 3}, {kAppA, 3}}, {}, kAppA},
-                    {"a whole name", all, "Wall#1", "Wall#1"},
-                    {"a name without its number", all, "StatusBar", "StatusBar#0"},
-                    {"a number other than 0", all, "com.a/com.a.Main", kAppA},
-                    {"a part", all, "com.b", kAppB},
-                    {"a name that fits two numbers", all, "Wall",
-                     "trace: several layers match 'Wall': 'Wall#1', 'Wall#12'"},
-                    {"a part of two", all, ".Main",
-                     "trace: several layers match '.Main': " + twoApps},
-                    {"a layer without frames", all, "com.a/com.a.Old",
-                     "trace: no layer 'com.a/com.a.Old' has frames; the closest names are " +
-                             twoApps + ", 'StatusBar#0'"},
-                    {"no frames",
-                     {{kAppA, 0}},
-                     {},
-                     "trace: no layer has frames; record the trace with graphics events"},
-            };
+    using Layers = std::vector<Layer>;
+    using Name = std::optional<std::string>;
+    const std::tuple<const char*, Layers, Name, std::string> cases[] = {
+            {"the application with the most frames", all, {}, kAppB + " before Wall#1"},
+            {"no application", system, {}, "StatusBar#0"},
+            {"as many frames as another", {{"Wall#1", 3}, {kAppA, 3}}, {}, kAppA},
+            {"a whole name", all, "Wall#1", "Wall#1"},
+            {"a name without its number", all, "StatusBar", "StatusBar#0"},
+            {"a number other than 0", all, "com.a/com.a.Main", kAppA},
+            {"a part", all, "com.b", kAppB},
+            {"a name that fits two numbers", all, "Wall",
+             "trace: several layers match 'Wall': 'Wall#1', 'Wall#12'"},
+            {"a part of two", all, ".Main", "trace: several layers match '.Main': " + twoApps},
+            {"a layer without frames", all, "com.a/com.a.Old",
+             "trace: no layer 'com.a/com.a.Old' has frames; the closest names are " + twoApps +
+                     ", 'StatusBar#0'"},
+            {"no frames",
+             {{kAppA, 0}},
+             {},
+             "trace: no layer has frames; record the trace with graphics events"},
+    };
     for (const auto& [what, layers, name, expected] : cases) {
         std::string result;
         const std::string error = test::errorOf([&, &list = layers, &part = name] {

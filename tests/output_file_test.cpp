@@ -108,6 +108,7 @@ TEST_F(OutputFileTest, ASignalRemovesThePartialFile) {
     for (const int signal : {SIGINT, SIGTERM}) {
         const pid_t child = fork();
         if (child == 0) {
+            std::signal(signal, SIG_DFL);  // shells ignore SIGINT in the background
             OutputFile file("a");
             raise(signal);
             _exit(0);

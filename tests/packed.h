@@ -13,7 +13,8 @@ namespace brevold::test {
 /** Returns the bytes compressed in the format that `windowBits` selects in zlib. */
 inline std::string deflated(const std::string& bytes, int windowBits) {
     z_stream stream = {};
-    deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, windowBits, MAX_MEM_LEVEL, Z_DEFAULT_STRATEGY);
+    deflateInit2(&stream, Z_DEFAULT_COMPRESSION, Z_DEFLATED, windowBits, MAX_MEM_LEVEL,
+                 Z_DEFAULT_STRATEGY);
     std::string compressed(deflateBound(&stream, bytes.size()), '\0');
     stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(bytes.data()));
     stream.avail_in = static_cast<uInt>(bytes.size());

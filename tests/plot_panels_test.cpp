@@ -83,22 +83,17 @@ TEST(PlotPanelsTest, ShowTheDistributionOfMorePointsThanPixels) {
 
 TEST(PlotPanelsTest, ScalesIntervalsToThoseOfAnActiveLayer) {
     // The intervals, the refresh periods, the legend of the outliers and the label of the longest.
-    const std::tuple<const char*, std::vector<double>, std::vector<double>, const char*,
-                     const char*>
-            cases[] = {
-                    {"two periods are visible",
-                     {5, 5, 23},
-                     {10},
-                     "1 above 22 ms, max 23.0 ms",
-                     "23"},
-                    {"slow frames", {40, 40, 40, 149}, {10}, "1 above 46 ms, max 149 ms", "149"},
-                    {"idle gaps", {5, 150, 2500}, {10}, "2 above 22 ms, max 2.50 s", "2.50 s"},
-                    {"the longer period is visible",
-                     {5, 112},
-                     {10, 100},
-                     "1 above 110 ms, max 112 ms",
-                     "112"},
-            };
+    using Ms = std::vector<double>;
+    const std::tuple<const char*, Ms, Ms, const char*, const char*> cases[] = {
+            {"two periods are visible", {5, 5, 23}, {10}, "1 above 22 ms, max 23.0 ms", "23"},
+            {"slow frames", {40, 40, 40, 149}, {10}, "1 above 46 ms, max 149 ms", "149"},
+            {"idle gaps", {5, 150, 2500}, {10}, "2 above 22 ms, max 2.50 s", "2.50 s"},
+            {"the longer period is visible",
+             {5, 112},
+             {10, 100},
+             "1 above 110 ms, max 112 ms",
+             "112"},
+    };
     for (const auto& [name, intervalsMs, periodsMs, outliers, label] : cases) {
         PlotData data = {};
         data.toS = 10;
