@@ -38,7 +38,7 @@ replay::Recording exampleRecording() {
     recording.threads = {"Monitor0"};
     recording.marks = {{{1'000'000'000, -1, true, "frame"}, 4'194'305},
                        {{1'000'000'000, -1, false, ""}, 4'194'305},
-                       {{1'000'500'000, -1, true, "report"}, 90},
+                       {{1'000'500'000, -1, true, "report"}, 0},  // on an unknown thread
                        {{1'000'500'000, 0, true, "x y"}, 0},
                        {{1'000'500'000, 0, false, ""}, 0},
                        {{1'000'500'000, -1, false, ""}, 90}};

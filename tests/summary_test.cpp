@@ -38,42 +38,6 @@ TEST(MissedRefreshesTest, CountsAgainstTheMedianOfTheIntervalsBefore) {
     EXPECT_EQ(refreshes.latch(timeNs + 16 * kMs, 8 * kMs), 1) << "only the last 15 count";
 }
 
-/** Two layers; the second gets the focus at 400 ms, after a pause of the first. */
-trace::Timeline twoLayers() {
-    using Kind = trace::TimelineEvent::Kind;
-    trace::Timeline timeline;
-    timeline.layers = {{"a#1", 0}, {"b,\"c\"#2", 0}};
-    timeline.startNs = 1000 * kMs;
-    timeline.endNs = 1700 * kMs;
-    timeline.events = {{1000 * kMs, Kind::Period, 0, 0, 0, 20 * kMs}};
-    const auto frame = [&](int64_t timeMs, int32_t layer) {
-        timeline.events.push_back({timeMs * kMs, Kind::Frame, layer, 1, 0, 0});
-        timeline.events.push_back({(timeMs + 5) * kMs, Kind::Depth, layer, 0, 0, 0});
-    };
-    for (const int64_t timeMs : {1000, 1020, 1040, 1100, 1249})
-        frame(timeMs, 0);
-    timeline.events.push_back({1400 * kMs, Kind::Focus, 1, 0, 0, 0});
-    frame(1410, 1);
-    frame(1420, 0);
-    frame(1500, 1);
-    return timeline;
-}
-
-TEST(FrameFiguresTest, AreThoseOfTheLayerInFocus) {
-    const trace::Timeline timeline = twoLayers();
-    const FrameFigures all = frameFigures(timeline, {timeline.startNs, timeline.endNs});
-    EXPECT_EQ(all.intervals, 5);
-    EXPECT_NEAR(all.meanRateHz, 5 / 0.339, 1e-9);
-    EXPECT_EQ(all.medianNs, 60 * kMs);
-    EXPECT_EQ(all.p95Ns, 149 * kMs);
-    EXPECT_EQ(all.missedRefreshes, 2 + 6);
-    EXPECT_EQ(all.idleNs, (151 + 200) * kMs);
-    const FrameFigures part = frameFigures(timeline, {1040 * kMs, 1300 * kMs});
-    EXPECT_EQ(part.intervals, 3);
-    EXPECT_EQ(part.missedRefreshes, 8);
-    EXPECT_EQ(part.idleNs, 51 * kMs);
-}
-
 TEST(RequestSummaryTest, CountsScalesByBins) {
     std::vector<host::Hint> hints;
     for (const double scale : {0.0, 0.099, 0.1, 0.899, 0.9, 1.0})
