@@ -9,14 +9,14 @@ namespace brevold {
 
 namespace {
 
-constexpr size_t kBufferBytes = 64 * 1024;
+constexpr size_t kReadBufferBytes = 64 * 1024;
 
 }  // namespace
 
 DescriptorInput::DescriptorInput(Descriptor file)
       : std::istream(static_cast<std::streambuf*>(this)),
         mFile(std::move(file)),
-        mBuffer(kBufferBytes) {}
+        mBuffer(kReadBufferBytes) {}
 
 std::streambuf::int_type DescriptorInput::underflow() {
     ssize_t count = 0;

@@ -6,14 +6,14 @@ namespace brevold {
 
 namespace {
 
-constexpr size_t kBufferBytes = 64 * 1024;
+constexpr size_t kWriteBufferBytes = 64 * 1024;
 
 }  // namespace
 
 DescriptorStream::DescriptorStream(Descriptor file)
       : std::ostream(static_cast<std::streambuf*>(this)),
         mFile(std::move(file)),
-        mBuffer(kBufferBytes) {
+        mBuffer(kWriteBufferBytes) {
     setp(mBuffer.data(), mBuffer.data() + mBuffer.size());
 }
 

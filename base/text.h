@@ -8,12 +8,6 @@
 
 namespace brevold {
 
-constexpr int64_t kNsPerSecond = 1'000'000'000;
-
-inline double toSeconds(int64_t ns) {
-    return static_cast<double>(ns) / 1e9;
-}
-
 /** Returns 0 if the whole is 0. */
 inline double percentOf(int64_t part, int64_t whole) {
     return whole == 0 ? 0.0 : 100.0 * static_cast<double>(part) / static_cast<double>(whole);

@@ -5,7 +5,7 @@
 #include <iterator>
 #include <map>
 
-#include "base/text.h"
+#include "base/time_units.h"
 #include "brevold/frame_rate.h"
 #include "brevold/protocol.h"
 #include "plot/plot_curves.h"

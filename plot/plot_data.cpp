@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "base/text.h"
+#include "base/time_units.h"
 #include "replay/hint_span.h"
 #include "replay/missed_refreshes.h"
 
@@ -92,7 +92,7 @@ class TraceCurves {
         const auto layer = static_cast<size_t>(event.layer);
         if (event.kind == Kind::Period) {
             mPeriodNs = event.periodNs;
-            mPeriods.set(event.timeNs, static_cast<double>(event.periodNs) / 1e6);
+            mPeriods.set(event.timeNs, toMs(event.periodNs));
         } else if (event.kind == Kind::Focus) {
             setFocus(event.timeNs, layer);
         } else if (event.kind == Kind::Frame || event.kind == Kind::Depth) {

@@ -1,5 +1,6 @@
 #include <fmt/format.h>
 
+#include <cmath>
 #include <sstream>
 
 #include "base/output_file.h"
@@ -21,8 +22,6 @@ namespace {
 
 using namespace brevold;
 using namespace brevold::sim;
-
-constexpr double kNsPerSecond = 1e9;
 
 /** Simulates the first seed once more, in a process of its own, and writes its trace. */
 void writeTrace(const std::string& path, const Setup& setup, int64_t measuredNs) {
@@ -95,7 +94,7 @@ ExperimentOptions experimentOf(const SimOptions& options, const Workload& worklo
         experiment.measuredNs = workload.recording->lengthNs;
     }
     if (options.seconds) {
-        experiment.measuredNs = static_cast<int64_t>(*options.seconds * kNsPerSecond);
+        experiment.measuredNs = std::llround(*options.seconds * 1e9);
     }
     return experiment;
 }

@@ -2,13 +2,9 @@
 
 #include <algorithm>
 
+#include "base/time_units.h"
+
 namespace brevold::replay {
-
-namespace {
-
-constexpr int64_t kNsPerMs = 1000000;
-
-}  // namespace
 
 Channel channelOf(host::HintKind kind) {
     switch (kind) {

@@ -6,7 +6,7 @@
 #include <stdexcept>
 
 #include "base/error.h"
-#include "base/text.h"
+#include "base/time_units.h"
 
 namespace brevold::replay {
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "base/percentile.h"
-#include "base/text.h"
+#include "base/time_units.h"
 #include "brevold/frame_rate.h"
 #include "replay/missed_refreshes.h"
 

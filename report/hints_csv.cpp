@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "base/text.h"
+#include "base/time_units.h"
 #include "report/labels.h"
 
 namespace brevold::report {

@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "base/text.h"
+#include "base/time_units.h"
 
 namespace brevold::report {
 

@@ -6,7 +6,7 @@
 #include <set>
 #include <vector>
 
-#include "base/text.h"
+#include "base/time_units.h"
 
 namespace brevold::report {
 

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "base/text.h"
+#include "base/time_units.h"
 #include "report/added_marks.h"
 #include "trace/event_line.h"
 #include "trace/line_reader.h"

@@ -4,7 +4,7 @@
 #include <numeric>
 
 #include "base/percentile.h"
-#include "base/text.h"
+#include "base/time_units.h"
 
 namespace brevold::report {
 

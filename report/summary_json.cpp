@@ -4,7 +4,7 @@
 #include <string>
 #include <utility>
 
-#include "base/text.h"
+#include "base/time_units.h"
 #include "report/labels.h"
 #include "report/warning_json.h"
 
@@ -35,9 +35,7 @@ Json figure(int32_t count, double value) {
 }
 
 Json pace(const FrameFigures& figures) {
-    const auto ms = [&](int64_t ns) {
-        return figure(figures.intervals, static_cast<double>(ns) / 1e6);
-    };
+    const auto ms = [&](int64_t ns) { return figure(figures.intervals, toMs(ns)); };
     return {{"rate_hz", figure(figures.intervals, figures.meanRateHz)},
             {"interval_p50_ms", ms(figures.medianNs)},
             {"interval_p95_ms", ms(figures.p95Ns)},

@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "base/text.h"
+#include "base/time_units.h"
 #include "report/labels.h"
 
 namespace brevold::report {

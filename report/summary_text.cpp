@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/text.h"
+#include "base/time_units.h"
 #include "brevold/protocol.h"
 #include "report/labels.h"
 #include "report/legend.h"

@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "base/text.h"
+#include "base/time_units.h"
 #include "report/labels.h"
 
 namespace brevold::report {

@@ -22,5 +22,5 @@ sanitizer_packages=(
 arm64_packages=(lld qemu-user)
 # The parts of the sysroot that come with clang on the build machine.
 arm64_sysroot_packages=(libc6-dev libgcc-12-dev)
-# Format checks, the second compiler and the test of the plots.
-ci_packages=(clang-format blueprint-tools g++ make git gnuplot-nox)
+# Format checks and the test of the plots.
+ci_packages=(clang-format blueprint-tools git gnuplot-nox)

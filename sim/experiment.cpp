@@ -6,6 +6,7 @@
 #include <cmath>
 #include <cstring>
 
+#include "base/time_units.h"
 #include "host/device_profile.h"
 #include "sim/simulation_jobs.h"
 
@@ -155,8 +156,8 @@ void checkSetup(const Setup& setup) {
     if (setup.device.latchNs >= setup.workload.periodNs()) {
         throw InputError(fmt::format(
                 "display.latch-ms={} of {} is not below the refresh period of {}, {:.3f} ms",
-                static_cast<double>(setup.device.latchNs) / 1e6, setup.device.name,
-                setup.workload.name, static_cast<double>(setup.workload.periodNs()) / 1e6));
+                toMs(setup.device.latchNs), setup.device.name, setup.workload.name,
+                toMs(setup.workload.periodNs())));
     }
 }
 
@@ -193,7 +194,7 @@ Metrics measure(const Scenario& scenario, const std::optional<std::vector<std::s
     simulation.run();
     Metrics metrics = observer.metrics();
     const Device& device = scenario.device;
-    const double seconds = static_cast<double>(scenario.measuredNs) / 1e9;
+    const double seconds = toSeconds(scenario.measuredNs);
     const double appMw = simulation.energyMj(device.appCluster) / seconds;
     at(metrics, Metric::AppPowerMw) = at(metrics, Metric::TotalPowerMw) = appMw;
     if (device.compositorCluster != device.appCluster) {

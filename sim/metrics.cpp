@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/time_units.h"
 #include "brevold/frame_rate.h"
 
 namespace brevold::sim {
@@ -11,7 +12,6 @@ namespace {
 
 constexpr int64_t kIntervalStepNs = 10'000;
 constexpr double kStepsPerMs = 1e6 / kIntervalStepNs;
-constexpr double kNsPerMs = 1e6;
 // Frame times that vary by less are constant.
 constexpr double kMinDeviationMs = 1e-5;
 
@@ -30,15 +30,15 @@ MetricsObserver::MetricsObserver(int64_t periodNs)
 
 Metrics MetricsObserver::metrics() const {
     const int64_t measuredNs = mEndNs - mStartNs;
-    const double seconds = static_cast<double>(measuredNs) / 1e9;
+    const double seconds = toSeconds(measuredNs);
     Metrics metrics;
     metrics.fill(kNotANumber);
     at(metrics, Metric::FramesPerSecond) = static_cast<double>(mFramesShown) / seconds;
     at(metrics, Metric::MissedPerMinute) = static_cast<double>(mMissed) / seconds * 60.0;
     at(metrics, Metric::IntervalMedianMs) = intervalPercentileMs(0.5);
     at(metrics, Metric::IntervalP99Ms) = intervalPercentileMs(0.99);
-    at(metrics, Metric::QueueLatencyMs) = ratio(mQueueLatencyNs, mFramesLatched) / kNsPerMs;
-    at(metrics, Metric::ShowLatencyMs) = ratio(mShowLatencyNs, mFramesShown) / kNsPerMs;
+    at(metrics, Metric::QueueLatencyMs) = ratio(mQueueLatencyNs, mFramesLatched) / 1e6;
+    at(metrics, Metric::ShowLatencyMs) = ratio(mShowLatencyNs, mFramesShown) / 1e6;
     at(metrics, Metric::DownShare) = ratio(mDownNs, measuredNs);
     at(metrics, Metric::DownScale) = ratio(mScaledNs, mDownNs);
     at(metrics, Metric::BoostShare) = ratio(mBoostNs, measuredNs);
@@ -78,7 +78,7 @@ void MetricsObserver::onQueue(int64_t nowNs, const Frame& frame, int32_t /*depth
         ++mIntervalCounts[static_cast<size_t>(intervalNs / kIntervalStepNs)];
         ++mIntervals;
     }
-    const double frameMs = static_cast<double>(nowNs - frame.beginNs) / kNsPerMs;
+    const double frameMs = toMs(nowNs - frame.beginNs);
     if (mFrames++ == 0) mFirstMs = mLastMs = frameMs;
     const double x = frameMs - mFirstMs;
     mSum += x;

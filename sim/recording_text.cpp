@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <fmt/ostream.h>
 
+#include "base/time_units.h"
+
 namespace brevold::sim {
 
 namespace {
@@ -29,7 +31,7 @@ std::string describeMethod(const RecordedWork& recording) {
 
 void printRecording(const RecordedWork& recording, double fit, std::ostream& out) {
     fmt::print(out, "layer       {}: {} frames in {:.4g} s\n", recording.layer,
-               recording.frames.size(), static_cast<double>(recording.lengthNs) / 1e9);
+               recording.frames.size(), toSeconds(recording.lengthNs));
     fmt::print(out, "work        {}\n", describeMethod(recording));
     if (recording.assumedSpeed) {
         fmt::print(out, "            at an assumed speed of {:g} (trace.speed)\n",

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "base/time_units.h"
 #include "report/labels.h"
 #include "sim/metric_labels.h"
 
@@ -47,7 +48,7 @@ Json objectOf(const RecordedWork& recording) {
         threads.push_back({{"tid", thread.tid}, {"name", thread.name}});
     return {{"layer", recording.layer},
             {"frames", recording.frames.size()},
-            {"length_s", static_cast<double>(recording.lengthNs) / 1e9},
+            {"length_s", toSeconds(recording.lengthNs)},
             {"work", wordOf(recording.method, kWorkMethodWords)},
             {"threads", std::move(threads)},
             {"assumed_speed", recording.assumedSpeed ? Json(*recording.assumedSpeed) : Json()},
@@ -92,7 +93,7 @@ void printJson(const std::vector<SetupResult>& results, const ExperimentOptions&
     Json root;
     root["version"] = kFormatVersion;
     root["seeds"] = options.seeds;
-    root["measured_s"] = static_cast<double>(options.measuredNs) / 1e9;
+    root["measured_s"] = toSeconds(options.measuredNs);
     root["vs_settings"] = options.vsSettings;
     root["setups"] = Json::array();
     for (const SetupResult& result : results)

@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "base/time_units.h"
 #include "report/labels.h"
 #include "sim/recording_text.h"
 
@@ -45,7 +46,7 @@ void printWorkload(const std::vector<SetupResult>& results, const ExperimentOpti
                    std::ostream& out) {
     const Setup& setup = results.front().setup;
     const Workload& workload = setup.workload;
-    const double seconds = static_cast<double>(options.measuredNs) / 1e9;
+    const double seconds = toSeconds(options.measuredNs);
     const std::string buffers =
             results.size() == 1 ? fmt::format(", {} buffers", setup.buffers()) : "";
     fmt::print(out, "device      {}\n", setup.device.name);

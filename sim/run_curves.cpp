@@ -3,14 +3,14 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/time_units.h"
+
 namespace brevold::sim {
 
 namespace {
 
-constexpr double kNsPerMs = 1e6;
-
 double toS(int64_t timeNs) {
-    return static_cast<double>(timeNs - kStartNs) / 1e9;
+    return toSeconds(timeNs - kStartNs);
 }
 
 }  // namespace
@@ -36,7 +36,7 @@ void RunCurvesObserver::onFrequency(int64_t nowNs, size_t cluster, const Operati
 }
 
 void RunCurvesObserver::onQueue(int64_t nowNs, const Frame& frame, int32_t depth) {
-    const double frameMs = static_cast<double>(nowNs - frame.beginNs) / kNsPerMs;
+    const double frameMs = toMs(nowNs - frame.beginNs);
     mCurves.frameTimesMs.push_back({toS(nowNs), frameMs});
     mCurves.depths.push_back({toS(nowNs), static_cast<double>(depth)});
 }

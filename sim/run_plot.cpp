@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "base/time_units.h"
 #include "plot/gnuplot.h"
 #include "plot/plot_thinning.h"
 
@@ -22,7 +23,6 @@ constexpr int kHeadingPx = 50;
 constexpr int kFootPx = 60;
 constexpr int kTitlePx = 26;
 constexpr int kGapPx = 26;
-constexpr double kNsPerMs = 1e6;
 constexpr double kMaxPeriods = 3.0;  // on the axis of frame times
 
 // Okabe and Ito's palette, which colour-blind readers can tell apart.
@@ -119,7 +119,7 @@ std::string runPanels(const Scenario& scenario, const RunCurves& curves, size_t 
                       const std::string& title) {
     const Device& device = scenario.device;
     const double endS = curves.endS;
-    const double periodMs = static_cast<double>(scenario.workload.periodNs()) / kNsPerMs;
+    const double periodMs = toMs(scenario.workload.periodNs());
     const double limitMs = kMaxPeriods * periodMs;
     const auto line = [](const char* style, const char* colour) {
         return fmt::format("{} lc rgb '{}'", style, colour);

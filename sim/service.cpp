@@ -2,13 +2,9 @@
 
 #include <algorithm>
 
+#include "base/time_units.h"
+
 namespace brevold::sim {
-
-namespace {
-
-constexpr int64_t kNsPerMs = 1'000'000;
-
-}  // namespace
 
 void Service::receive(const host::Hint& hint, double frameSpeed, int64_t nowNs) {
     const int64_t endNs = nowNs + hint.durationMs * kNsPerMs;

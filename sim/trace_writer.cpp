@@ -5,6 +5,7 @@
 
 #include <cmath>
 
+#include "base/time_units.h"
 #include "sim/library.h"
 #include "sim/simulation.h"
 
@@ -12,7 +13,6 @@ namespace brevold::sim {
 
 namespace {
 
-constexpr int64_t kNsPerSecond = 1'000'000'000;
 constexpr int kCompositorProcess = 612;
 constexpr int kAppProcess = 4711;
 constexpr int kAppCpu = 4;

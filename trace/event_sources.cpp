@@ -6,7 +6,7 @@
 namespace brevold::trace {
 namespace {
 
-using Kind = TimelineEvent::Kind;
+using EventKind = TimelineEvent::Kind;
 using Order = PlacedEvent::Order;
 
 /** Latches of one composition are at most this far apart. */
@@ -19,7 +19,7 @@ class PeriodEvents : public EventSource {
     bool next(PlacedEvent* event) override {
         if (mNext == mChanges.size()) return false;
         const PeriodChange& change = mChanges[mNext++];
-        *event = {{change.timeNs, Kind::Period, 0, 0, 0, change.periodNs}, 0};
+        *event = {{change.timeNs, EventKind::Period, 0, 0, 0, change.periodNs}, 0};
         return true;
     }
 
@@ -35,7 +35,8 @@ class LayerEvents : public EventSource {
     bool next(PlacedEvent* event) override {
         DepthChange change;
         if (!mLayer.takeDepth(&change)) return false;
-        const Kind kind = change.kind == DepthChange::Kind::Frame ? Kind::Frame : Kind::Depth;
+        const EventKind kind =
+                change.kind == DepthChange::Kind::Frame ? EventKind::Frame : EventKind::Depth;
         *event = {{change.at.timeNs, kind, mIndex, change.depth, change.at.tid, 0}, change.at.line};
         return true;
     }
@@ -54,11 +55,13 @@ class CompositionEvents : public EventSource {
         if (mCompositions.empty()) return false;
         const auto& [kind, pid, begin, end] = mCompositions.front();
         if (!mIsOpen) {
-            *event = {{begin.timeNs, Kind::CompositionBegin, 0, 0, begin.tid, 0},
+            *event = {{begin.timeNs, EventKind::CompositionBegin, 0, 0, begin.tid, 0},
                       begin.line,
                       Order::Before};
         } else {
-            *event = {{end.timeNs, Kind::CompositionEnd, 0, 0, end.tid, 0}, end.line, Order::After};
+            *event = {{end.timeNs, EventKind::CompositionEnd, 0, 0, end.tid, 0},
+                      end.line,
+                      Order::After};
             mCompositions.pop_front();
         }
         mIsOpen = !mIsOpen;
@@ -72,7 +75,7 @@ class CompositionEvents : public EventSource {
 
 class PointEvents : public EventSource {
   public:
-    PointEvents(Kind kind, std::deque<TracePoint> points)
+    PointEvents(EventKind kind, std::deque<TracePoint> points)
           : mKind(kind), mPoints(std::move(points)) {}
 
     bool next(PlacedEvent* event) override {
@@ -84,7 +87,7 @@ class PointEvents : public EventSource {
     }
 
   private:
-    const Kind mKind;
+    const EventKind mKind;
     std::deque<TracePoint> mPoints;
 };
 

@@ -7,11 +7,11 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/time_units.h"
 
 namespace brevold::trace {
 namespace {
 
-constexpr int64_t kSecondNs = 1'000'000'000;
 constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ";
 constexpr std::string_view kPackageBytes =
         "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_.";
@@ -65,17 +65,17 @@ std::vector<size_t> preferredLayers(const std::vector<Layer>& layers,
 
 size_t namedLayer(const std::vector<Layer>& layers, const std::vector<size_t>& indices,
                   const std::string& name, const std::string& path) {
-    enum class Match : uint8_t { Whole, WithoutNumber, Part };
-    for (const Match match : {Match::Whole, Match::WithoutNumber, Match::Part}) {
+    enum class NameMatch : uint8_t { Whole, WithoutNumber, Part };
+    for (const NameMatch match : {NameMatch::Whole, NameMatch::WithoutNumber, NameMatch::Part}) {
         std::vector<size_t> matches;
         std::copy_if(indices.begin(), indices.end(), std::back_inserter(matches), [&](size_t i) {
             const std::string& layer = layers[i].name;
             switch (match) {
-                case Match::Whole:
+                case NameMatch::Whole:
                     return layer == name;
-                case Match::WithoutNumber:
+                case NameMatch::WithoutNumber:
                     return layer.compare(0, layer.rfind('#'), name) == 0;
-                case Match::Part:
+                case NameMatch::Part:
                     return layer.find(name) != std::string::npos;
             }
             return false;
@@ -151,7 +151,7 @@ void followFocus(Timeline& timeline) {
         }
         if (frames[max] > 0 && max != focus) {
             if (focus) {
-                changes.push_back({timeline.startNs + second * kSecondNs, Kind::Focus,
+                changes.push_back({timeline.startNs + second * kNsPerSecond, Kind::Focus,
                                    static_cast<int32_t>(max), 0, 0, 0});
             } else {
                 timeline.focusedLayer = max;
@@ -161,7 +161,7 @@ void followFocus(Timeline& timeline) {
         std::fill(frames.begin(), frames.end(), 0);
     };
     for (const TimelineEvent& event : timeline.events) {
-        const int64_t current = (event.timeNs - timeline.startNs) / kSecondNs;
+        const int64_t current = (event.timeNs - timeline.startNs) / kNsPerSecond;
         if (current != second) endSecond();
         second = current;
         if (event.kind == Kind::Frame) ++frames[static_cast<size_t>(event.layer)];

@@ -5,6 +5,7 @@
 #include <protozero/pbf_message.hpp>
 
 #include "base/text.h"
+#include "base/time_units.h"
 #include "trace/mark_payload.h"
 #include "trace/mark_reader.h"
 #include "trace/perfetto_fields.h"
@@ -16,8 +17,6 @@ namespace {
 using perfetto::FtraceEvent;
 using perfetto::FtraceEventBundle;
 using protozero::pbf_message;
-
-constexpr uint64_t kMaxTimeNs = 9'000'000'000'000'000'000;
 
 }  // namespace
 
@@ -94,7 +93,7 @@ void FtraceBundles::addEvent(std::string_view event, uint64_t offsetNs, int64_t*
     }
     const uint64_t bootNs = clockNs + offsetNs;
     // Recorders may close a trace with an event that has no time.
-    if (clockNs == 0 || bootNs > kMaxTimeNs) return;
+    if (clockNs == 0 || bootNs > static_cast<uint64_t>(kMaxTimeNs)) return;
     const auto timeNs = static_cast<int64_t>(bootNs);
     if (timeNs < *lastNs - kMaxDisorderNs) {
         ++mOutOfOrderEvents;

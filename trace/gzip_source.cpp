@@ -12,7 +12,7 @@
 namespace brevold::trace {
 namespace {
 
-constexpr size_t kBlockBytes = 32 * 1024;
+constexpr size_t kInflatedBytes = 32 * 1024;
 constexpr std::string_view kMagic = "\x1f\x8b";
 constexpr int kGzipFormat = 16;
 
@@ -37,7 +37,7 @@ GzipSource::GzipSource(std::unique_ptr<ByteSource> compressed, std::string name,
         mName(std::move(name)),
         mFormat(format),
         mStream(new z_stream_s()),
-        mBlock(kBlockBytes, '\0'),
+        mBlock(kInflatedBytes, '\0'),
         mExpansion(mName, limits) {
     const int windowBits = MAX_WBITS + (format == Format::Gzip ? kGzipFormat : 0);
     if (inflateInit2(mStream.get(), windowBits) != Z_OK) throw std::bad_alloc();

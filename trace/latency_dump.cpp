@@ -9,6 +9,7 @@
 
 #include "base/error.h"
 #include "base/text.h"
+#include "base/time_units.h"
 #include "trace/event_sources.h"
 #include "trace/line_reader.h"
 #include "trace/queued_layer.h"
@@ -17,8 +18,6 @@
 namespace brevold::trace {
 namespace {
 
-/** Differences of times have to fit into 64 bits. */
-constexpr int64_t kMaxTimeNs = 9'000'000'000'000'000'000;
 /** Stands for the time of a fence that has not been signalled. */
 constexpr int64_t kPending = std::numeric_limits<int64_t>::max();
 
@@ -49,7 +48,7 @@ bool parseRow(std::string_view line, Row* row) {
     return line.empty();
 }
 
-bool isKnown(int64_t timeNs) {
+bool isKnownTime(int64_t timeNs) {
     return timeNs != 0 && timeNs != kPending;
 }
 
@@ -57,7 +56,7 @@ bool isKnown(int64_t timeNs) {
 int64_t queueTimeNs(const Row& row, int64_t lastQueuedNs) {
     if (row.readyNs <= row.presentNs) return row.readyNs;
     // The end of rendering was reported after the present.
-    const int64_t desiredNs = isKnown(row.desiredNs) ? row.desiredNs : row.presentNs;
+    const int64_t desiredNs = isKnownTime(row.desiredNs) ? row.desiredNs : row.presentNs;
     return std::min(std::max(desiredNs, lastQueuedNs), row.presentNs);
 }
 
@@ -112,7 +111,7 @@ class DumpReader {
                 mUnfinishedRows.add(mLines.lineNumber());
             } else if (!isRow) {
                 mStrayRows.add(mLines.lineNumber());
-            } else if (isKnown(row.presentNs) && isKnown(row.readyNs)) {
+            } else if (isKnownTime(row.presentNs) && isKnownTime(row.readyNs)) {
                 addRow(row, periodNs);
             }
         }

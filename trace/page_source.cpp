@@ -30,7 +30,7 @@ constexpr std::string_view kElement = "<script class=\"trace-data\"";
 constexpr std::string_view kElementEnd = "</script>";
 constexpr std::string_view kString = "linuxPerfData = \"";
 
-constexpr size_t kBlockBytes = 64 * 1024;
+constexpr size_t kPageBlockBytes = 64 * 1024;
 /** The longest opening tag. */
 constexpr size_t kMaxTagBytes = 1024;
 /** The beginning of an element or a string that decides if it is a trace. */
@@ -40,7 +40,7 @@ constexpr size_t kMaxDumpBytes = 4 * 1024 * 1024;
 constexpr size_t kTailBytes = 64;
 /** Each step of the parser sees this much of the page, so that it never has to start again. */
 constexpr size_t kWindowBytes = kMaxTagBytes + kHeadBytes;
-static_assert(kWindowBytes < kBlockBytes, "a block is filled up to a whole window");
+static_assert(kWindowBytes < kPageBlockBytes, "a block is filled up to a whole window");
 
 /** Appends the characters of a string literal up to its quote. Returns the bytes parsed. */
 size_t unescape(std::string_view literal, std::string* text) {
@@ -70,7 +70,7 @@ bool isPage(std::string_view head) {
 }
 
 PageSource::PageSource(std::unique_ptr<ByteSource> page, std::string name)
-      : mInput(std::move(page)), mName(std::move(name)), mBlock(kBlockBytes, '\0') {}
+      : mInput(std::move(page)), mName(std::move(name)), mBlock(kPageBlockBytes, '\0') {}
 
 size_t PageSource::read(char* text, size_t size) {
     while (mGiven == mText.size()) {

@@ -13,7 +13,7 @@ namespace {
 
 using perfetto::TracePacket;
 
-constexpr size_t kBlockBytes = 64 * 1024;
+constexpr size_t kPacketBlockBytes = 64 * 1024;
 // Recorders split what they write into packets of far less than this.
 constexpr size_t kMaxPacketBytes = size_t{256} << 20;
 constexpr char kPacketTag = static_cast<char>(perfetto::bytes(perfetto::Trace::Packet));
@@ -96,7 +96,7 @@ bool beginsAsPerfetto(std::string_view head) {
 }
 
 PacketReader::PacketReader(ByteSource& source, std::string path)
-      : mSource(source), mPath(std::move(path)), mBuffer(kBlockBytes) {}
+      : mSource(source), mPath(std::move(path)), mBuffer(kPacketBlockBytes, '\0') {}
 
 bool PacketReader::next(std::string_view* packet) {
     for (;;) {

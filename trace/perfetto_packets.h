@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "trace/byte_source.h"
 
@@ -38,7 +37,7 @@ class PacketReader {
 
     ByteSource& mSource;
     const std::string mPath;
-    std::vector<char> mBuffer;
+    std::string mBuffer;
     size_t mBegin = 0;
     size_t mEnd = 0;
     int64_t mBytesTaken = 0;

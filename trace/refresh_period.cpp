@@ -38,7 +38,7 @@ bool isTicksOf(int64_t lengthNs, int64_t periodNs) {
     return false;
 }
 
-bool isKnown(int64_t periodNs) {
+bool isKnownPeriod(int64_t periodNs) {
     return std::find(std::begin(kKnownPeriodsNs), std::end(kKnownPeriodsNs), periodNs) !=
            std::end(kKnownPeriodsNs);
 }
@@ -66,7 +66,7 @@ class Window {
         const int64_t lengthNs = medianNs();
         if (currentNs > 0 && isWithin(kStayPercent, lengthNs, currentNs)) return currentNs;
         const int64_t snappedNs = snapPeriod(lengthNs);
-        if (isKnown(snappedNs)) return snappedNs;
+        if (isKnownPeriod(snappedNs)) return snappedNs;
         if (kind == IntervalKind::DisplayTick) return isSteady() ? lengthNs : 0;
         if (currentNs > 0 && isTicksOf(lengthNs, currentNs)) return currentNs;
         for (const int64_t periodNs : kKnownPeriodsNs) {

@@ -11,7 +11,7 @@
 namespace brevold::trace {
 namespace {
 
-constexpr size_t kBlockBytes = 64 * 1024;
+constexpr size_t kCopyBlockBytes = 64 * 1024;
 
 [[noreturn]] void failWithErrno(const std::string& name) {
     throw InputError(fmt::format("{}: cannot be copied to a temporary file in $TMPDIR or /tmp: {}",
@@ -23,7 +23,7 @@ constexpr size_t kBlockBytes = 64 * 1024;
 Descriptor copyToTemporaryFile(ByteSource& source, const std::string& name) {
     Descriptor copy = createTemporaryFile();
     if (!copy.isOpen()) failWithErrno(name);
-    std::string block(kBlockBytes, '\0');
+    std::string block(kCopyBlockBytes, '\0');
     while (const size_t count = source.read(block.data(), block.size())) {
         if (!writeAll(copy.get(), {block.data(), count})) failWithErrno(name);
     }

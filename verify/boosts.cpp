@@ -8,7 +8,7 @@ namespace brevold::verify {
 
 namespace {
 
-constexpr int64_t kNearNs = 1'000'000'000;
+constexpr int64_t kNearDifferenceNs = 1'000'000'000;
 
 Cause causeOf(replay::BoostDepth depth) {
     return depth == replay::BoostDepth::Left ? Cause::BoostDepthLeft : Cause::BoostDepthFound;
@@ -25,7 +25,7 @@ CauseSet nearestCauses(const std::vector<Difference>& differences, size_t count,
         if (next == differences.begin()) return {};
         --next;
     }
-    return std::abs(next->timeNs - timeNs) <= kNearNs ? next->causes : CauseSet();
+    return std::abs(next->timeNs - timeNs) <= kNearDifferenceNs ? next->causes : CauseSet();
 }
 
 }  // namespace

@@ -2,7 +2,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "base/text.h"
+#include "base/time_units.h"
 #include "brevold/headroom.h"
 #include "report/labels.h"
 #include "report/warning_json.h"
@@ -34,13 +34,12 @@ Json causesOf(const CauseSet& causes) {
 }
 
 Json objectOf(const LatencySummary& latency, const Verification& verification) {
-    const auto ms = [](int64_t ns) { return static_cast<double>(ns) / 1e6; };
     Json object = {{"count", latency.count}};
     if (latency.count == 0) return object;
-    object["median_ms"] = ms(latency.medianNs);
-    object["percentile_95_ms"] = ms(latency.percentile95Ns);
-    object["percentile_99_ms"] = ms(latency.percentile99Ns);
-    object["max_ms"] = ms(latency.maxNs);
+    object["median_ms"] = toMs(latency.medianNs);
+    object["percentile_95_ms"] = toMs(latency.percentile95Ns);
+    object["percentile_99_ms"] = toMs(latency.percentile99Ns);
+    object["max_ms"] = toMs(latency.maxNs);
     object["max_at_s"] = toSeconds(latency.maxAtNs - verification.startNs);
     object["max_at_trace_s"] = toSeconds(latency.maxAtNs);
     return object;
@@ -90,8 +89,7 @@ Json objectOf(const Verification& verification) {
                                     {"first_at_s", times},
                                     {"first_at_trace_s", traceTimes}});
     }
-    object["frame_budget_ms"] =
-            static_cast<double>(android::frameBudgetOf(verification.periodNs)) / 1e6;
+    object["frame_budget_ms"] = toMs(android::frameBudgetOf(verification.periodNs));
     for (size_t i = 0; i < kLatencyKindCount; ++i) {
         object["latencies"][wordOf(static_cast<LatencyKind>(i))] =
                 objectOf(verification.latencies[i], verification);

@@ -3,6 +3,7 @@
 #include <fmt/ostream.h>
 
 #include "base/text.h"
+#include "base/time_units.h"
 #include "brevold/headroom.h"
 #include "report/labels.h"
 #include "verify/cause_table.h"
@@ -11,14 +12,6 @@
 namespace brevold::verify {
 
 namespace {
-
-double percent(int64_t part, int64_t whole) {
-    return whole == 0 ? 0.0 : 100.0 * static_cast<double>(part) / static_cast<double>(whole);
-}
-
-double toMs(int64_t ns) {
-    return static_cast<double>(ns) / 1e6;
-}
 
 /** "177 of 177 decisions agree", "1204 of 1210 decisions agree, the 6 others within …" */
 std::string agreementText(const Tally& decisions) {
@@ -87,7 +80,7 @@ void printTallies(const Verification& verification, std::ostream& out) {
         const Tally& tally = verification.differences.of(subject);
         fmt::print(out, "  {:<10} {:6} {:7}   {} of {}, {:.1f} %\n", wordOf(subject), tally.count,
                    tally.differing, tally.lateDiffering, tally.lateCount,
-                   percent(tally.lateDiffering, tally.lateCount));
+                   percentOf(tally.lateDiffering, tally.lateCount));
     }
     if (verification.boostFits.size() < 2) return;
     for (const BoostFit& fit : verification.boostFits) {
@@ -120,7 +113,7 @@ void printLatencies(const Verification& verification, std::ostream& out) {
                        toMs(latency.medianNs), toMs(latency.percentile95Ns),
                        toMs(latency.percentile99Ns), toMs(latency.maxNs),
                        toSeconds(latency.maxAtNs - verification.startNs),
-                       percent(latency.maxNs, android::frameBudgetOf(verification.periodNs)));
+                       percentOf(latency.maxNs, android::frameBudgetOf(verification.periodNs)));
         }
         out << '\n';
     }
