@@ -31,6 +31,7 @@ TEST(FocusTest, RecognisesApplicationsByTheirNames) {
 }
 
 TEST(FocusTest, FindsTheLayerToFocus) {
+    const std::vector<Layer> idle = {{kAppA, 0}};
     const std::vector<Layer> system = {{"Wall#1", 7}, {"StatusBar#0", 9}, {"Dim#2", 9}};
     const std::vector<Layer> all = {{"StatusBar#0", 50}, {kAppA, 20},    {kAppB, 30},
                                     {"Wall#1", 60},      {"Wall#12", 1}, {"com.a/com.a.Old#3", 0}};
@@ -52,7 +53,7 @@ TEST(FocusTest, FindsTheLayerToFocus) {
              "trace: no layer 'com.a/com.a.Old' has frames; the closest names are " + twoApps +
                      ", 'StatusBar#0'"},
             {"no frames",
-             {{kAppA, 0}},
+             idle,
              {},
              "trace: no layer has frames; record the trace with graphics events"},
     };

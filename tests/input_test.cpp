@@ -12,7 +12,6 @@
 #include "tests/packed.h"
 #include "tests/pages.h"
 #include "tests/proto_writer.h"
-#include "trace/read_timeline.h"
 
 namespace brevold::trace {
 namespace {
@@ -141,8 +140,7 @@ TEST(InputTest, ReadsWhatIsWholeOfATextThatEndsInsideALine) {
             {kRows + "  ", 2, ""},
     };
     for (const auto& [text, frames, warning] : cases) {
-        TraceInput input = inputOf(text);
-        const Timeline timeline = readTimeline(input, {});
+        const Timeline timeline = read(text);
         EXPECT_EQ(timeline.layers[0].frames, frames) << text;
         EXPECT_EQ(warningsOf(timeline), warning) << text;
     }

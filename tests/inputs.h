@@ -9,9 +9,8 @@
 
 #include "base/error.h"
 #include "report/labels.h"
+#include "trace/read_timeline.h"
 #include "trace/string_source.h"
-#include "trace/timeline.h"
-#include "trace/trace_input.h"
 
 /** Inputs of tests, and the errors and warnings about them. */
 namespace brevold::test {
@@ -31,6 +30,17 @@ inline std::string rest(trace::ByteSource& source) {
     while (const size_t count = source.read(block, sizeof(block)))
         bytes.append(block, count);
     return bytes;
+}
+
+/**
+ * Reads a trace twice, because the first reading gives the bytes of the head at once, and only the
+ * second one in small reads.
+ */
+inline trace::Timeline read(const std::string& bytes, const trace::TimelineOptions& options = {},
+                            size_t maxRead = 4096, trace::TraceForm* form = nullptr) {
+    trace::TraceInput input = inputOf(bytes, maxRead);
+    rest(input.open());
+    return trace::readTimeline(input, options, form);
 }
 
 inline std::string contentOf(const std::string& path) {

@@ -149,51 +149,35 @@ TEST(MarkedTraceTest, NamesTheProcessesOfAPage) {
     }
 }
 
-/** The fields of a message that are numbers or texts; those that are messages by their path. */
-using Fields = std::map<std::string, std::string>;
-
-void flatten(const std::string& path, pbf_reader message, const std::vector<std::string>& messages,
-             Fields* fields) {
+/** Names the fields of a packet; tracks are numbered in the order in which they are mentioned. */
+std::string describe(pbf_reader message, const std::string& path,
+                     std::map<std::string, size_t>& tracks) {
+    // By the numbers of the field and of the messages around it, which have no label themselves.
+    static const std::map<std::string, const char*> labels = {
+            {"8", "at"},           {"10", "sequence"},  {"11", ""},
+            {"11.9", "type"},      {"11.11", "track"},  {"11.23", "named"},
+            {"11.30", "value"},    {"58", "clock"},     {"60", ""},
+            {"60.1", "track"},     {"60.2", "named"},   {"60.3", ""},
+            {"60.3.1", "process"}, {"60.4", ""},        {"60.4.1", "of"},
+            {"60.4.2", "thread"},  {"60.4.5", "named"}, {"60.5", "of track"},
+            {"60.8", "counter"},
+    };
+    std::string text;
     while (message.next()) {
         const std::string field = path + std::to_string(message.tag());
+        const std::string label = labels.at(field);
         if (message.wire_type() == protozero::pbf_wire_type::varint) {
-            (*fields)[field] = std::to_string(message.get_int64());
-            continue;
-        }
-        const auto view = message.get_view();
-        (*fields)[field] = view;
-        if (std::count(messages.begin(), messages.end(), field) != 0) {
-            (*fields)[field] = "";
-            flatten(field + ".", pbf_reader(view), messages, fields);
-        }
-    }
-}
-
-/** Describes each packet; tracks are numbered in the order in which they are described. */
-std::vector<std::string> describe(const std::string& packets) {
-    const std::pair<const char*, const char*> labels[] = {
-            {"10", "sequence "},    {"60.1", " track "},  {"60.3.1", " process "},
-            {"60.4.2", " thread "}, {"60.4.1", " of "},   {"60.4.5", " named "},
-            {"60.8", " counter"},   {"60.2", " named "},  {"60.5", " of track "},
-            {"58", " clock "},      {"8", " at "},        {"11.11", " track "},
-            {"11.9", " type "},     {"11.23", " named "}, {"11.30", " value "}};
-    std::map<std::string, std::string> tracks;
-    std::vector<std::string> lines;
-    for (pbf_reader trace(packets); trace.next(1);) {
-        Fields fields;
-        flatten("", trace.get_message(), {"60", "60.3", "60.4", "60.8", "11"}, &fields);
-        if (fields.count("60") != 0) {
-            EXPECT_TRUE(tracks.emplace(fields["60.1"], std::to_string(tracks.size())).second);
-        }
-        for (const char* const track : {"60.1", "60.5", "11.11"}) {
-            if (fields.count(track) != 0) fields[track] = tracks.at(fields[track]);
-        }
-        std::string& line = lines.emplace_back();
-        for (const auto& [field, label] : labels) {
-            if (fields.count(field) != 0) line += label + fields[field];
+            std::string value = std::to_string(message.get_int64());
+            if (label.find("track") != std::string::npos)
+                value = std::to_string(tracks.emplace(value, tracks.size()).first->second);
+            text += fmt::format("{} {}, ", label, value);
+        } else if (label.empty()) {
+            text += describe(message.get_message(), field + ".", tracks);
+        } else {
+            text += fmt::format("{} {}, ", label, message.get_string());
         }
     }
-    return lines;
+    return text;
 }
 
 TEST(MarkedTraceTest, AppendsTheMarksToWholePackets) {
@@ -214,30 +198,34 @@ TEST(MarkedTraceTest, AppendsTheMarksToWholePackets) {
     const std::string twice = marked(once, recording);
     EXPECT_EQ(twice.substr(0, once.size()), once);
     const std::pair<size_t, const char*> expected[] = {
-            {0, "sequence 8 track 0 process 90"},
-            {1, "sequence 8 track 1 thread 90 of 90 named sf"},
+            {0, "track 0, process 90, sequence 8, "},
+            {1, "track 1, of 90, thread 90, named sf, sequence 8, "},
             // The first id after those of kernels is taken.
-            {2, "sequence 8 track 2 thread 4194306 of 90 named Monitor0"},
-            {3, "sequence 8 track 3 thread 4194305 of 90"},
-            {4, "sequence 8 track 4 thread 4194307 of 90 named hints QB"},
-            {7, "sequence 8 clock 6 at 1000000000 track 3 type 1 named frame"},
-            {8, "sequence 8 clock 6 at 1000000000 track 3 type 2"},
-            {9, "sequence 8 clock 6 at 1000500000 track 1 type 1 named report"},
-            {10, "sequence 8 clock 6 at 1000500000 track 2 type 1 named x y"},
-            {13, "sequence 8 track 7 counter named hint scale x1000 of track 0"},
-            {14, "sequence 8 clock 6 at 1000500001 track 7 type 4 value 282"},
-            {15, "sequence 8 clock 6 at 1000500001 track 4 type 1 named DOWN 0.282"},
-            {17, "sequence 8 clock 6 at 1019500001 track 7 type 4 value 0"},
+            {2, "track 2, of 90, thread 4194306, named Monitor0, sequence 8, "},
+            {3, "track 3, of 90, thread 4194305, sequence 8, "},
+            {4, "track 4, of 90, thread 4194307, named hints QB, sequence 8, "},
+            {7, "at 1000000000, clock 6, type 1, track 3, named frame, sequence 8, "},
+            {8, "at 1000000000, clock 6, type 2, track 3, sequence 8, "},
+            {9, "at 1000500000, clock 6, type 1, track 1, named report, sequence 8, "},
+            {10, "at 1000500000, clock 6, type 1, track 2, named x y, sequence 8, "},
+            {13, "track 7, named hint scale x1000, of track 0, counter , sequence 8, "},
+            {14, "at 1000500001, clock 6, type 4, track 7, value 282, sequence 8, "},
+            {15, "at 1000500001, clock 6, type 1, track 4, named DOWN 0.282, sequence 8, "},
+            {17, "at 1019500001, clock 6, type 4, track 7, value 0, sequence 8, "},
             // The marks of a second replay have a sequence and tracks of their own.
-            {18, "sequence 9 track 8 process 90"},
-            {20, "sequence 9 track 10 thread 4194310 of 90 named Monitor0 (replayed)"},
-            {21, "sequence 9 track 11 thread 4194311 of 90 named 4194305 (replayed)"},
-            {22, "sequence 9 track 12 thread 4194312 of 90 named sf (replayed)"},
-            {28, "sequence 9 clock 6 at 1000500000 track 12 type 1 named report"},
-            {29, "sequence 9 clock 6 at 1000500000 track 10 type 1 named x y"},
-            {32, "sequence 9 track 16 counter named hint scale x1000 (replayed) of track 8"},
+            {18, "track 8, process 90, sequence 9, "},
+            {20, "track 10, of 90, thread 4194310, named Monitor0 (replayed), sequence 9, "},
+            {21, "track 11, of 90, thread 4194311, named 4194305 (replayed), sequence 9, "},
+            {22, "track 12, of 90, thread 4194312, named sf (replayed), sequence 9, "},
+            {28, "at 1000500000, clock 6, type 1, track 12, named report, sequence 9, "},
+            {29, "at 1000500000, clock 6, type 1, track 10, named x y, sequence 9, "},
+            {32, "track 16, named hint scale x1000 (replayed), of track 8, counter , sequence 9, "},
     };
-    const std::vector<std::string> lines = describe(twice.substr(packets.size()));
+    std::map<std::string, size_t> tracks;
+    std::vector<std::string> lines;
+    const std::string added = twice.substr(packets.size());
+    for (pbf_reader trace(added); trace.next(1);)
+        lines.push_back(describe(trace.get_message(), "", tracks));
     EXPECT_EQ(lines.size(), 37u);
     for (const auto& [line, text] : expected)
         EXPECT_EQ(lines.at(line), text);

@@ -15,18 +15,12 @@
 #include "trace/event_line.h"
 #include "trace/expansion_limit.h"
 #include "trace/perfetto_packets.h"
-#include "trace/read_timeline.h"
 
 namespace brevold::trace {
 namespace {
 
 using namespace test;
 using Texts = std::vector<std::string>;
-
-Timeline read(const std::string& bytes, TraceForm* form = nullptr, size_t maxRead = 4096) {
-    TraceInput input = inputOf(bytes, maxRead);
-    return readTimeline(input, {}, form);
-}
 
 /**
  * The packets of a text trace, with two processors whose bundles overlap: the bundle of the second
@@ -96,7 +90,7 @@ TEST(PerfettoTest, EqualsTheTextOfTheSameTrace) {
             EXPECT_TRUE(timeline.warnings.empty()) << name << ", " << form;
         }
         for (const size_t maxRead : {1u, 7u, 64u})
-            EXPECT_EQ(describe(read(bytes, nullptr, maxRead)), expected) << name << ", " << maxRead;
+            EXPECT_EQ(describe(read(bytes, {}, maxRead)), expected) << name << ", " << maxRead;
     }
 }
 
@@ -284,7 +278,7 @@ TEST(PerfettoTest, NamesThreadsAndFindsTheLastSequence) {
                  packet(Proto().message(60, track)) +
                  packet(compressedPackets(Proto().message(1, Proto().number(10, 300)).bytes())) +
                  framesAnd(ftraceEvent(2'000'000'000, 93, "E")),
-         &form);
+         {}, kWhole, &form);
     const std::unordered_map<int32_t, std::string> expected = {
             {90, "compositor"}, {91, "Binder:1"}, {92, ""}, {93, ""}, {4'194'305, "Monitor0"}};
     EXPECT_EQ(form.threads, expected);

@@ -9,21 +9,12 @@
 #include "tests/inputs.h"
 #include "tests/packed.h"
 #include "tests/pages.h"
-#include "trace/read_timeline.h"
 #include "trace/refresh_period.h"
 
 namespace brevold::trace {
 namespace {
 
 using namespace test;
-
-Timeline read(const std::string& bytes, const TimelineOptions& options = {},
-              size_t maxRead = kWhole) {
-    TraceInput input = inputOf(bytes, maxRead);
-    // The first reading gives the bytes of the head at once, and only a second one in small reads.
-    rest(input.open());
-    return readTimeline(input, options);
-}
 
 /**
  * A trace of the compositor, process 90, of "<time> <thread> <mark>;" with times in tenths of a
@@ -256,9 +247,8 @@ TEST(TimelineTest, ChoosesTheCompositor) {
              "6000 93 B|90|composite;6001 93 E;"},
     };
     for (const auto& [what, marks] : cases) {
-        TraceInput input = inputOf(trace(marks + frames));
         TraceForm form;
-        EXPECT_EQ(layersOf(readTimeline(input, {}, &form)), "of 90#0*1 ") << what;
+        EXPECT_EQ(layersOf(read(trace(marks + frames), {}, kWhole, &form)), "of 90#0*1 ") << what;
         EXPECT_EQ(form.compositorPid, 90) << what;
         EXPECT_EQ(form.compositorTid, 93) << what;
     }
