@@ -19,12 +19,13 @@ bool gExists = false;
 
 }  // namespace
 
-Progress::Progress(std::string word, int64_t total)
+Progress::Progress(std::string word, int64_t total, Clock::time_point (*now)())
       : mIsFirst(!std::exchange(gExists, true)),
         mWord(std::move(word)),
         mTotal(std::max<int64_t>(total, 1)),
         mStep(std::max<int64_t>(mTotal / kMaxChecks, 1)),
-        mNextDraw(Clock::now() + kDelay) {
+        mNow(now),
+        mNextDraw(now() + kDelay) {
     if (!mIsFirst || isatty(STDERR_FILENO) == 0) mNextCheck = std::numeric_limits<int64_t>::max();
 }
 
@@ -36,7 +37,7 @@ Progress::~Progress() {
 void Progress::update(int64_t done) {
     if (done < mNextCheck) return;
     mNextCheck = done + mStep;
-    const Clock::time_point now = Clock::now();
+    const Clock::time_point now = mNow();
     if (now < mNextDraw) return;
     mNextDraw = now + kDrawInterval;
     draw(done);
