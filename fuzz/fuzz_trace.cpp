@@ -1,23 +1,55 @@
-// Traces: any bytes, plain or packed and read in blocks of any size, give an ordered timeline or an
-// InputError, and the same text each time.
+// Traces: any bytes, plain or packed, give ordered marks and an ordered timeline or an InputError,
+// and the same ones each time and in blocks of any size.
 
 #include "fuzz/fuzz.h"
-#include "tests/gzip.h"
 #include "tests/inputs.h"
-#include "tests/proto_writer.h"
-#include "tests/zip.h"
+#include "tests/packed.h"
+#include "trace/perfetto_packets.h"
+#include "trace/perfetto_reader.h"
 #include "trace/read_timeline.h"
+#include "trace/text_mark_reader.h"
 
 using namespace brevold;
+using namespace brevold::test;
 using namespace brevold::trace;
 using brevold::fuzz::require;
-using brevold::test::rest;
 
 namespace {
 
 const std::string kName = "input";
 const std::string kMember = "b";
 constexpr ExpansionLimits kLimits = {1 << 20, 1000, 1 << 16};
+
+/** The marks and what the reader says of the trace. */
+std::string marksOf(MarkReader& reader, bool isPerfetto) {
+    std::string text;
+    int64_t lastNs = 0;
+    int64_t lastLine = 0;
+    for (TraceMark mark; reader.next(&mark);) {
+        require(mark.timeNs >= lastNs, "the marks are ordered");
+        require(!isPerfetto || mark.line == lastLine + 1, "the marks are numbered");
+        lastNs = mark.timeNs;
+        lastLine = mark.line;
+        require(lastNs >= reader.startNs() && lastNs <= reader.endNs(), "in the trace's span");
+        text += std::to_string(mark.timeNs) + ' ' + std::to_string(mark.tid) + ' ' +
+                std::to_string(mark.pid) + ' ' + std::string(mark.name) + ' ' +
+                std::to_string(mark.value) + '\n';
+    }
+    for (const TraceWarning& warning : reader.warnings()) {
+        require(warning.lines.lines > 0, "a warning has a cause");
+        text += std::to_string(warning.lines.lines) + '\n';
+    }
+    return text + std::to_string(reader.form().threads.size());
+}
+
+void checkPackets(ByteSource& source, const std::string& bytes) {
+    PacketReader reader(source, kName);
+    std::string packets;
+    for (std::string_view packet; reader.next(&packet);)
+        packets += reader.bytes();
+    require(bytes.compare(0, packets.size(), packets) == 0, "packets are as in the input");
+    require(reader.isCutShort() == (packets.size() < bytes.size()), "all packets are read");
+}
 
 void checkTimeline(const Timeline& timeline) {
     require(timeline.focusedLayer < timeline.layers.size(), "a layer has the focus");
@@ -40,7 +72,7 @@ std::string packed(const std::string& bytes) {
         case 2:
             return gzip(bytes);
         case 3:
-            return "TRACE:\n" + test::zlib(bytes);
+            return "TRACE:\n" + zlib(bytes);
         case 4:
             return zipOf({{"a", bytes}});
         case 5:
@@ -52,23 +84,42 @@ std::string packed(const std::string& bytes) {
     }
 }
 
+/** The text and the marks of a trace, up to an error. */
+std::string read(const std::string& bytes, size_t maxRead, const std::string& member,
+                 const TimelineOptions& options) {
+    std::string text;
+    try {
+        TraceInput input(std::make_unique<StringSource>(bytes, maxRead), kName, member, kLimits);
+        text = rest(input.open());
+        require(rest(input.open()) == text, "the second reading gives the same text");
+        const bool isPerfetto = input.kind() == TraceInput::Kind::Perfetto;
+        if (isPerfetto) {
+            require(text.front() == '\n', "the first tag");
+            PerfettoReader reader(input.open(), kName);
+            const std::string marks = marksOf(reader, isPerfetto);
+            checkPackets(input.open(), text);
+            text += marks;
+        } else if (input.kind() == TraceInput::Kind::FtraceText) {
+            TextMarkReader reader(input.open(), kName);
+            text += marksOf(reader, isPerfetto);
+        }
+        checkTimeline(readTimeline(input, options));
+        return text;
+    } catch (const InputError& error) {
+        require(std::string(error.what()).rfind(kName + ":", 0) == 0, "an error names the input");
+        return text + "error";
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const std::string bytes = packed({reinterpret_cast<const char*>(data), size});
-    const size_t maxRead = size % 3 == 0 ? std::string::npos : size % 64 + 1;
     TimelineOptions options;
     if (size % 4 == 1) options.layer = "com.example.a/Main";
     const std::string member = size % 16 == 5 ? kMember : "";
-    try {
-        TraceInput input(std::make_unique<StringSource>(bytes, maxRead), kName, member, kLimits);
-        const std::string text = rest(input.open());
-        require(rest(input.open()) == text, "the second reading gives the same text");
-        TraceInput whole(std::make_unique<StringSource>(bytes), kName, member, kLimits);
-        require(rest(whole.open()) == text, "blocks of any size give the same text");
-        checkTimeline(readTimeline(input, options));
-    } catch (const InputError& error) {
-        require(std::string(error.what()).rfind(kName + ":", 0) == 0, "an error names the input");
-    }
+    require(read(bytes, size % 64 + 1, member, options) ==
+                    read(bytes, std::string::npos, member, options),
+            "blocks of any size make no difference");
     return 0;
 }

@@ -6,14 +6,10 @@
 #include <string>
 #include <utility>
 
+#include "tests/device.h"
 #include "tests/frames.h"
 
 namespace brevold::test {
-
-/** Everything that an initialisation can turn on. */
-struct Switches {
-    bool scaling, scalingDown, jankBoost, smoothMotion, refreshRate;
-};
 
 /**
  * Predicts every call of the performance service, from the contract of the entry points and not
@@ -22,10 +18,28 @@ struct Switches {
  */
 class Account {
   public:
-    /** A new initialisation, which starts new workers. */
-    void restart(const Switches& switches) {
-        mSwitches = switches;
+    /**
+     * Turns on random switches of the device for a new initialisation, which starts new workers.
+     * pick(n) returns a random number below n. Returns true if any feature is on.
+     */
+    template <typename Pick>
+    bool restart(Pick pick) {
+        gDevice.properties = {{"vendor.perf.brevold.debug", "0"},
+                              {"vendor.perf.brevold.debug.layers", kDebugLayer.name}};
+        gDevice.features = {};
+        const auto isOn = [&pick](const char* property, int feature) {
+            const bool isSet = pick(4) != 0;
+            const bool isAllowed = feature == 0 || pick(4) != 0;
+            gDevice.properties[property] = isSet ? "1" : "0";
+            if (isAllowed) gDevice.features.insert(feature);
+            return isSet && isAllowed;
+        };
+        mSwitches = {isOn("vendor.perf.pfar.enable", 5), isOn("vendor.perf.pfar.down.enable", 0),
+                     isOn("vendor.perf.jr10.enable", 4),
+                     isOn("vendor.display.use_smooth_motion", 0),
+                     isOn("vendor.perf.fps_switch.enable", 0)};
         mState = {};
+        return mSwitches.scaling || mSwitches.jankBoost || mSwitches.refreshRate;
     }
 
     void tick(const Frame& frame) {
@@ -46,7 +60,7 @@ class Account {
     void report(const Frame& frame) {
         const int64_t periodNs = frame.rate->periodNs;
         if (mSwitches.refreshRate && std::exchange(mRatePeriodNs, periodNs) != periodNs) {
-            if (mRateHandle != 0) addCall("release " + std::to_string(mRateHandle));
+            if (mRateHandle != 0) append(mDue, "release " + std::to_string(mRateHandle));
             mRateHandle = addHint(4244, 0, 1000000000 / periodNs);
         }
         if (!mSwitches.scaling && !mSwitches.jankBoost) return;
@@ -84,7 +98,7 @@ class Account {
   private:
     void track(const Frame& frame) {
         if (mLayer != frame.layer && *frame.layer->package != '\0') {
-            addCall(std::string("query 5633 ") + frame.layer->package);
+            append(mDue, std::string("query 5633 ") + frame.layer->package);
             mState.appType = frame.layer->appType;
         }
         mState.isTarget = mState.appType == 2;
@@ -113,16 +127,17 @@ class Account {
         });
     }
 
-    void addCall(const std::string& call) { mDue += (mDue.empty() ? "" : "; ") + call; }
-
     int addHint(int identifier, int duration, int64_t type) {
         char text[80];
         snprintf(text, sizeof(text), "hint %d %d 0x%x", identifier, duration,
                  static_cast<unsigned>(type));
-        addCall(text);
+        append(mDue, text);
         return ++mHints;
     }
 
+    struct Switches {
+        bool scaling, scalingDown, jankBoost, smoothMotion, refreshRate;
+    };
     Switches mSwitches = {};
     std::string mDue;
     int mHints = 0;
@@ -140,28 +155,32 @@ class Account {
 };
 
 /**
- * Plays the next frame to the library. pick(n) returns a random number below n, setTime(ns) sets
- * the clock, appTypeIs(type) the service's next answers. After each entry point, isDue(text)
- * compares the calls of the service. Returns false once something differs.
+ * Plays the next frame to the library. pick(n) returns a random number below n. Returns a line for
+ * each entry point whose result, or whose calls of the service, are not those due.
  */
-template <typename Pick, typename SetTime, typename AppTypeIs, typename IsDue>
-bool playFrame(Account& account, Frame& frame, int64_t& tickNs, Pick pick, SetTime setTime,
-               AppTypeIs appTypeIs, IsDue isDue) {
+template <typename Pick>
+std::string playFrame(Account& account, Frame& frame, int64_t& tickNs, Pick pick) {
+    std::string differences;
+    const auto compare = [&](int made, int due) {
+        const std::string madeCalls = takeCalls() + ", " + std::to_string(made);
+        const std::string dueCalls = account.takeDue() + ", " + std::to_string(due);
+        if (madeCalls != dueCalls) differences += madeCalls + "; due are " + dueCalls + '\n';
+    };
     advance(frame, tickNs, pick);
-    appTypeIs(frame.layer->appType);
-    setTime(frame.nowNs);
+    gDevice.appType = frame.layer->appType;
+    host::setTimeNs(frame.nowNs);
     account.tick(frame);
     brevoldRefresh();
-    if (!isDue(account.takeDue()) || brevoldCheck("sf") != account.isActing()) return false;
+    compare(brevoldCheck("sf"), account.isActing());
     account.report(frame);
     LayerFrameInfo info = infoOf(frame);
-    brevoldOnFrameAvailable(&info);
-    if (!isDue(account.takeDue())) return false;
-    setTime(frame.nowNs += static_cast<int64_t>(pick(3)) * 9000000);
+    compare(brevoldOnFrameAvailable(&info), 0);
+    host::setTimeNs(frame.nowNs += static_cast<int64_t>(pick(3)) * 9000000);
     const int verdict = account.vsync(frame);
-    if (brevoldMonitor(frame.queued, frame.rate->periodNs) != verdict) return false;
+    compare(brevoldMonitor(frame.queued, frame.rate->periodNs), verdict);
     account.compose(frame);
-    return brevoldScaling(frame.queued, frame.isSuppressed) == 0 && isDue(account.takeDue());
+    compare(brevoldScaling(frame.queued, frame.isSuppressed), 0);
+    return differences;
 }
 
 }  // namespace brevold::test

@@ -5,23 +5,18 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <memory>
 #include <sstream>
 
+#include "tests/inputs.h"
 #include "tests/proto_writer.h"
-#include "trace/string_source.h"
-#include "trace/trace_input.h"
 
 namespace brevold::trace {
 namespace {
 
-using test::ftraceBundle;
-using test::ftraceEvent;
-using test::packet;
-using test::Proto;
+using namespace test;
 
 std::string describe(const std::string& bytes) {
-    TraceInput input(std::make_unique<StringSource>(bytes), "trace");
+    TraceInput input = inputOf(bytes);
     const Activity activity = readActivity(input);
     std::ostringstream text;
     for (const Activity::Switch& change : activity.switches)

@@ -3,9 +3,6 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
-#include <algorithm>
-
-#include "replay/isolated_play.h"
 #include "tests/inputs.h"
 #include "trace/focused_layer.h"
 
@@ -34,31 +31,32 @@ TEST(FocusTest, RecognisesApplicationsByTheirNames) {
 }
 
 TEST(FocusTest, FindsTheLayerToFocus) {
+    const std::vector<Layer> idle = {{kAppA, 0}};
     const std::vector<Layer> system = {{"Wall#1", 7}, {"StatusBar#0", 9}, {"Dim#2", 9}};
     const std::vector<Layer> all = {{"StatusBar#0", 50}, {kAppA, 20},    {kAppB, 30},
                                     {"Wall#1", 60},      {"Wall#12", 1}, {"com.a/com.a.Old#3", 0}};
     const std::string twoApps = "'" + kAppA + "', '" + kAppB + "'";
-    const std::tuple<const char*, std::vector<Layer>, std::optional<std::string>, std::string>
-            cases[] = {
-                    {"the application with the most frames", all, {}, kAppB + " before Wall#1"},
-                    {"no application", system, {}, "StatusBar#0"},
-                    {"as many frames as another", {{"Wall#1", 3}, {kAppA, 3}}, {}, kAppA},
-                    {"a whole name", all, "Wall#1", "Wall#1"},
-                    {"a name without its number", all, "StatusBar", "StatusBar#0"},
-                    {"a number other than 0", all, "com.a/com.a.Main", kAppA},
-                    {"a part", all, "com.b", kAppB},
-                    {"a name that fits two numbers", all, "Wall",
-                     "trace: several layers match 'Wall': 'Wall#1', 'Wall#12'"},
-                    {"a part of two", all, ".Main",
-                     "trace: several layers match '.Main': " + twoApps},
-                    {"a layer without frames", all, "com.a/com.a.Old",
-                     "trace: no layer 'com.a/com.a.Old' has frames; the closest names are " +
-                             twoApps + ", 'StatusBar#0'"},
-                    {"no frames",
-                     {{kAppA, 0}},
-                     {},
-                     "trace: no layer has frames; record the trace with graphics events"},
-            };
+    using Layers = std::vector<Layer>;
+    using Name = std::optional<std::string>;
+    const std::tuple<const char*, Layers, Name, std::string> cases[] = {
+            {"the application with the most frames", all, {}, kAppB + " before Wall#1"},
+            {"no application", system, {}, "StatusBar#0"},
+            {"as many frames as another", {{"Wall#1", 3}, {kAppA, 3}}, {}, kAppA},
+            {"a whole name", all, "Wall#1", "Wall#1"},
+            {"a name without its number", all, "StatusBar", "StatusBar#0"},
+            {"a number other than 0", all, "com.a/com.a.Main", kAppA},
+            {"a part", all, "com.b", kAppB},
+            {"a name that fits two numbers", all, "Wall",
+             "trace: several layers match 'Wall': 'Wall#1', 'Wall#12'"},
+            {"a part of two", all, ".Main", "trace: several layers match '.Main': " + twoApps},
+            {"a layer without frames", all, "com.a/com.a.Old",
+             "trace: no layer 'com.a/com.a.Old' has frames; the closest names are " + twoApps +
+                     ", 'StatusBar#0'"},
+            {"no frames",
+             idle,
+             {},
+             "trace: no layer has frames; record the trace with graphics events"},
+    };
     for (const auto& [what, layers, name, expected] : cases) {
         std::string result;
         const std::string error = test::errorOf([&, &list = layers, &part = name] {
@@ -112,50 +110,6 @@ TEST(FocusTest, FollowsTheLayerWithTheMostFramesInEachSecond) {
         }
         EXPECT_EQ(focus, expected) << what;
         EXPECT_EQ(frameCount, frames.size()) << what;
-    }
-}
-
-constexpr int64_t kChangeNs = 2501 * kMs;
-
-/** Two frames are queued at each vsync of 60 Hz for 5 s, by another application from 2.5 s on. */
-Timeline twoApplications(bool movesFocus) {
-    constexpr int32_t kPeriodNs = 16'666'666;
-    Timeline timeline;
-    timeline.layers = {{kAppA, 1}, {kAppB, 1}};
-    timeline.events = {{kMs, Kind::Period, 0, 0, 0, kPeriodNs}};
-    const auto queue = [&](int32_t layer, int64_t fromNs) {
-        for (int64_t timeNs = fromNs; timeNs < fromNs + 2500 * kMs; timeNs += kPeriodNs) {
-            timeline.events.push_back({timeNs, Kind::Frame, layer, 2, 0, 0});
-            timeline.events.push_back({timeNs, Kind::CompositionBegin, 0, 0, 0, 0});
-            timeline.events.push_back({timeNs, Kind::CompositionEnd, 0, 0, 0, 0});
-        }
-    };
-    queue(0, kMs);
-    if (movesFocus) timeline.events.push_back({kChangeNs, Kind::Focus, 1, 0, 0, 0});
-    queue(1, kChangeNs);
-    return timeline;
-}
-
-TEST(FocusTest, AnotherApplicationIsClassifiedAndResetsTheMode) {
-    const std::tuple<const char*, bool, const char*, bool, bool> cases[] = {
-            {"a target", true, "app-type.com.b=2", true, true},
-            {"not a target", true, "app-type.com.b=1", true, false},
-            {"the focus stays", false, "app-type.com.b=1", false, true},
-    };
-    for (const auto& [what, movesFocus, typeOfB, isModeReset, hasLaterHints] : cases) {
-        const replay::Recording recording =
-                replay::playIsolated(twoApplications(movesFocus),
-                                     {"feature.5=1", "vendor.perf.pfar.enable=1",
-                                      "vendor.perf.brevold.debug=1", "app-type.com.a=2", typeOfB});
-        EXPECT_EQ(std::any_of(recording.modes.begin(), recording.modes.end(),
-                              [](const replay::ModeChange& mode) {
-                                  return mode.timeNs >= kChangeNs && mode.mode == 5;
-                              }),
-                  isModeReset)
-                << what;
-        ASSERT_FALSE(recording.hints.empty()) << what;
-        EXPECT_GT(recording.hints.back().timeNs, kChangeNs - 100 * kMs) << what;
-        EXPECT_EQ(recording.hints.back().timeNs > kChangeNs + 1500 * kMs, hasLaterHints) << what;
     }
 }
 

@@ -8,12 +8,10 @@
 #include <fstream>
 
 #include "base/text.h"
-#include "tests/gzip.h"
 #include "tests/inputs.h"
+#include "tests/packed.h"
 #include "tests/pages.h"
 #include "tests/proto_writer.h"
-#include "tests/zip.h"
-#include "trace/read_timeline.h"
 
 namespace brevold::trace {
 namespace {
@@ -142,8 +140,7 @@ TEST(InputTest, ReadsWhatIsWholeOfATextThatEndsInsideALine) {
             {kRows + "  ", 2, ""},
     };
     for (const auto& [text, frames, warning] : cases) {
-        TraceInput input = inputOf(text);
-        const Timeline timeline = readTimeline(input, {});
+        const Timeline timeline = read(text);
         EXPECT_EQ(timeline.layers[0].frames, frames) << text;
         EXPECT_EQ(warningsOf(timeline), warning) << text;
     }

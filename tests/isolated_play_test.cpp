@@ -4,6 +4,8 @@
 
 #include <limits>
 
+#include "tests/inputs.h"
+
 namespace brevold::replay {
 namespace {
 
@@ -13,22 +15,15 @@ TEST(IsolatedPlayTest, ReportsHowTheReplayFailed) {
     // The first frame's predecessor has the stamp -1: their difference overflows.
     const int64_t timeNs = std::numeric_limits<int64_t>::max();
     timeline.events = {{timeNs, trace::TimelineEvent::Kind::Frame, 0, 1, 0, 0}};
-    const struct {
-        std::vector<std::string> settings;
-        const char* error;
-    } cases[] = {
+    const std::pair<std::vector<std::string>, const char*> cases[] = {
             {{"vendor.perf.pfar.enable=1", "feature.5=1"}, "the library ended the replay: Aborted"},
             {{"feature.5"}, "expected key=value, got \"feature.5\""},
             {{}, ""},
     };
-    for (const auto& c : cases) {
-        std::string error;
-        try {
-            playIsolated(timeline, c.settings);
-        } catch (const std::runtime_error& thrown) {
-            error = thrown.what();
-        }
-        EXPECT_EQ(error, c.error);
+    for (const auto& [settings, error] : cases) {
+        EXPECT_EQ(test::errorOf<std::runtime_error>(
+                          [&, &entries = settings] { playIsolated(timeline, entries); }),
+                  error);
     }
 }
 

@@ -12,7 +12,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "base/file_identity.h"
+#include "base/error.h"
 #include "tests/inputs.h"
 
 namespace brevold {
@@ -39,9 +39,6 @@ class OutputFileTest : public testing::Test {
         OutputFile file(path);
         file.stream() << content;
         file.commit();
-    }
-    static std::string errorOf(const std::string& path) {
-        return test::errorOf<OutputError>([&] { write(path, "x"); });
     }
     static std::ptrdiff_t fileCount() {
         return std::distance(fs::directory_iterator("."), fs::directory_iterator());
@@ -82,7 +79,8 @@ TEST_F(OutputFileTest, FollowsLinks) {
     write("dangling", "new");
     EXPECT_EQ(contentOf("folder/a") + contentOf("folder/none"), "newnew");
     EXPECT_TRUE(fs::is_symlink("second") && fs::is_symlink("link") && fs::is_symlink("dangling"));
-    EXPECT_EQ(errorOf("loop"), "loop: Too many levels of symbolic links");
+    EXPECT_EQ(test::errorOf<OutputError>([] { write("loop", "x"); }),
+              "loop: Too many levels of symbolic links");
 }
 
 TEST_F(OutputFileTest, WritesDirectlyWhatIsNotARegularFile) {
@@ -103,19 +101,14 @@ TEST_F(OutputFileTest, WritesDirectlyWhatIsNotARegularFile) {
     close(reader);
     EXPECT_EQ(std::string(bytes), "piped");
     EXPECT_TRUE(fs::is_fifo("fifo"));
-
-    fs::create_symlink("/dev/full", "full");
-    EXPECT_EQ(errorOf("full"), "full: cannot be written: No space left on device");
-    EXPECT_EQ(errorOf("none/a"), "none/a: cannot be created: No such file or directory");
-    fs::create_directory("folder");
-    EXPECT_EQ(errorOf("folder"), "folder: cannot be opened for writing: Is a directory");
-    EXPECT_EQ(fileCount(), 5);
+    EXPECT_EQ(fileCount(), 3);
 }
 
 TEST_F(OutputFileTest, ASignalRemovesThePartialFile) {
     for (const int signal : {SIGINT, SIGTERM}) {
         const pid_t child = fork();
         if (child == 0) {
+            std::signal(signal, SIG_DFL);  // shells ignore SIGINT in the background
             OutputFile file("a");
             raise(signal);
             _exit(0);
@@ -124,34 +117,6 @@ TEST_F(OutputFileTest, ASignalRemovesThePartialFile) {
         waitpid(child, &status, 0);
         EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal);
         EXPECT_EQ(fileCount(), 0);
-    }
-}
-
-TEST_F(OutputFileTest, RefusesTheFileOfAnInputOrOfAnotherOutput) {
-    put("in", "trace");
-    fs::create_symlink("in", "link");
-    fs::create_hard_link("in", "hard");
-    fs::create_directory("folder");
-    const std::string also = "--plot -: is also the output of --hints";
-    const std::pair<std::vector<NamedFile>, std::string> cases[] = {
-            {{{"--hints", "a"}, {"--plot", "b"}}, ""},
-            {{{"--hints", "-"}}, ""},
-            {{{"--hints", ""}}, "--hints: expected the name of a file"},
-            {{{"--hints", "./in"}}, "--hints ./in: is also an input"},
-            {{{"--hints", "link"}}, "--hints link: is also an input"},
-            {{{"--hints", "hard"}}, "--hints hard: is also an input"},
-            {{{"--hints", "-"}, {"--plot", "-"}}, also},
-            {{{"--hints", "/dev/stdout"}, {"--plot", "-"}}, also},
-            {{{"--hints", "a"}, {"--plot", "folder/a"}}, ""},
-            {{{"--hints", "none/a"}, {"--plot", "none/a"}}, ""},
-            {{{"--hints", "a"}, {"--plot", "folder/../a"}},
-             "--plot folder/../a: is also the output of --hints"},
-    };
-    for (const auto& [outputs, error] : cases) {
-        EXPECT_EQ(test::errorOf<OutputError>([&files = outputs] {
-                      requireSeparateFiles({"-", "in"}, files);
-                  }),
-                  error);
     }
 }
 

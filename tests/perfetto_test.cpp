@@ -9,39 +9,18 @@
 #include "base/text.h"
 #include "report/summary_json.h"
 #include "report/summary_text.h"
-#include "tests/gzip.h"
 #include "tests/inputs.h"
+#include "tests/packed.h"
 #include "tests/proto_writer.h"
-#include "tests/zip.h"
 #include "trace/event_line.h"
 #include "trace/expansion_limit.h"
 #include "trace/perfetto_packets.h"
-#include "trace/read_timeline.h"
 
 namespace brevold::trace {
 namespace {
 
 using namespace test;
 using Texts = std::vector<std::string>;
-
-Timeline read(const std::string& bytes, TraceForm* form = nullptr, size_t maxRead = 4096) {
-    TraceInput input = inputOf(bytes, maxRead);
-    return readTimeline(input, {}, form);
-}
-
-std::string describe(const Timeline& timeline) {
-    std::string text = fmt::format(
-            "{} {} to {} {} {} {}\n", timeline.focusedLayer, timeline.startNs, timeline.endNs,
-            report::periodSourceText(timeline.periodSource, timeline.periodCounter),
-            report::compositionSourceText(timeline.compositionSource),
-            report::vsyncSourceText(timeline.vsyncSource));
-    for (const Layer& layer : timeline.layers)
-        text += fmt::format("{}*{}\n", layer.name, layer.frames);
-    for (const TimelineEvent& event : timeline.events)
-        text += fmt::format("{} {} {} {} {}\n", event.timeNs, static_cast<int>(event.kind),
-                            event.layer, event.depth, event.periodNs);
-    return text;
-}
 
 /**
  * The packets of a text trace, with two processors whose bundles overlap: the bundle of the second
@@ -111,7 +90,7 @@ TEST(PerfettoTest, EqualsTheTextOfTheSameTrace) {
             EXPECT_TRUE(timeline.warnings.empty()) << name << ", " << form;
         }
         for (const size_t maxRead : {1u, 7u, 64u})
-            EXPECT_EQ(describe(read(bytes, nullptr, maxRead)), expected) << name << ", " << maxRead;
+            EXPECT_EQ(describe(read(bytes, {}, maxRead)), expected) << name << ", " << maxRead;
     }
 }
 
@@ -153,10 +132,8 @@ TEST(PerfettoTest, WarnsOfLossAndDamage) {
     const std::string badZlib = packet(compressedPackets("\x01"));
     const std::string twoLosses =
             rest(Proto().number(3, 1)) + rest(Proto().number(3, 0)) + rest(Proto().number(3, 1));
-    const struct {
-        const char* warning;
-        std::vector<std::pair<const char*, std::string>> traces;
-    } groups[] = {
+    using Traces = std::vector<std::pair<const char*, std::string>>;
+    const std::pair<const char*, Traces> groups[] = {
             {"",
              {{"whole", kFrames},
               {"bytes after zlib", kFrames + zlibPacket(zlib + "x")},
@@ -301,7 +278,7 @@ TEST(PerfettoTest, NamesThreadsAndFindsTheLastSequence) {
                  packet(Proto().message(60, track)) +
                  packet(compressedPackets(Proto().message(1, Proto().number(10, 300)).bytes())) +
                  framesAnd(ftraceEvent(2'000'000'000, 93, "E")),
-         &form);
+         {}, kWhole, &form);
     const std::unordered_map<int32_t, std::string> expected = {
             {90, "compositor"}, {91, "Binder:1"}, {92, ""}, {93, ""}, {4'194'305, "Monitor0"}};
     EXPECT_EQ(form.threads, expected);

@@ -13,11 +13,7 @@ namespace {
 const double kBreak = std::nan("");
 
 TEST(PlotThinningTest, KeepsFirstLastMinAndMaxOfEachColumn) {
-    const struct {
-        const char* name;
-        PlotPoints points;
-        const char* kept;
-    } cases[] = {
+    const std::tuple<const char*, PlotPoints, const char*> cases[] = {
             {"none", {}, ""},
             {"a constant value", {{0.1, 7}, {0.2, 7}, {0.9, 7}}, "0.1:7 0.9:7 "},
             {"minimum before maximum",
@@ -29,11 +25,11 @@ TEST(PlotThinningTest, KeepsFirstLastMinAndMaxOfEachColumn) {
             {"a gap of half a column", {{0.7, 1}, {1.2, kBreak}, {1.2, 2}}, "0.7:1 1.2:2 "},
             {"a gap of two columns", {{0.5, 1}, {2.5, kBreak}, {2.5, 2}}, "0.5:1 2.5:nan 2.5:2 "},
     };
-    for (const auto& c : cases) {
+    for (const auto& [name, points, expected] : cases) {
         std::string kept;
-        for (const PlotPoint& point : thin(c.points, 0, 10, 10))
+        for (const PlotPoint& point : thin(points, 0, 10, 10))
             kept += fmt::format("{:g}:{:g} ", point.timeS, std::abs(point.value));
-        EXPECT_EQ(kept, c.kept) << c.name;
+        EXPECT_EQ(kept, expected) << name;
     }
 }
 

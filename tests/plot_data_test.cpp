@@ -26,6 +26,20 @@ std::string textOf(const PlotSpans& spans) {
     return text;
 }
 
+std::string textOf(const PlotData& data) {
+    const ReplayCurves& curves = data.replays[0];
+    return fmt::format("{:g}-{:g} s, {}, {} frames from {:g} to {:g}, sent {} {} {}\n", data.fromS,
+                       data.toS, fmt::join(data.layers, " "), data.frames, data.firstFrameS,
+                       data.lastFrameS, curves.downCount, curves.upCount, curves.boostCount) +
+           fmt::format("intervals {}, missed {}\ndepths {}\nperiods {}, modes {}\n",
+                       textOf(data.frameIntervalsMs), textOf(data.missedRefreshes),
+                       textOf(data.depths), textOf(data.periodsMs), textOf(curves.modes)) +
+           fmt::format("DOWN {}, UP {}\nboosts {}, verdicts {}, rates {}\nsilent: {}",
+                       textOf(curves.downs), textOf(curves.ups), textOf(curves.boosts),
+                       textOf(curves.verdicts), textOf(curves.rateHintsHz),
+                       textOf(data.replays.at(1).downs));
+}
+
 host::Hint hintAt(int64_t ms, host::HintKind kind, uint32_t type, double scale) {
     return {ms * kMs, kind, 0, 100, type, scale, 0, 0};
 }
@@ -60,60 +74,34 @@ TEST(PlotDataTest, HasACurveForEachQuantity) {
                        hintAt(1950, host::HintKind::Release, 1, 0),
                        hintAt(2000, host::HintKind::RefreshRate, 60, 0)};
     const replay::Recording silent;
-    const struct {
-        int64_t fromMs;
-        int64_t toMs;
-        const char* layers;
-        const char* figures;  // the window, frames, DOWN, UP and boosts that were sent
-        const char* intervals;
-        const char* missed;
-        const char* depths;
-        const char* periods;
-        const char* modes;
-        const char* downs;
-        const char* ups;
-        const char* boosts;
-        const char* verdicts;
-        const char* rates;
-    } windows[] = {
-            {1000, 3000, "focused#2 other#1", "0-2 s, 4 frames from 0.1 to 0.3, sent 3 1 1",
-             "0.21:110 0.225:15 0.3:75", "0.27:3",
-             "0-0.1:0 0.1-0.2:1 0.2-0.21:0 0.21-0.22:1 0.22-0.225:0 0.225-0.227:1 0.227-0.27:2 "
-             "0.27-0.3:1 0.3-0.5:2 0.5-2:7",
-             "0-1:10 1-2:20", "0-1.5:5 1.5-2:2", "0.4-0.45:0.5 0.45-0.55:0.25 0.7-0.8:0.75",
-             "0.8-0.9:1.5", "0.9-0.95:10", "0.99-1:1 1-1.02:1", "1:60"},
+    const std::tuple<int64_t, int64_t, const char*> windows[] = {
+            {1000, 3000,
+             "0-2 s, focused#2 other#1, 4 frames from 0.1 to 0.3, sent 3 1 1\n"
+             "intervals 0.21:110 0.225:15 0.3:75, missed 0.27:3\n"
+             "depths 0-0.1:0 0.1-0.2:1 0.2-0.21:0 0.21-0.22:1 0.22-0.225:0 0.225-0.227:1 "
+             "0.227-0.27:2 0.27-0.3:1 0.3-0.5:2 0.5-2:7\n"
+             "periods 0-1:10 1-2:20, modes 0-1.5:5 1.5-2:2\n"
+             "DOWN 0.4-0.45:0.5 0.45-0.55:0.25 0.7-0.8:0.75, UP 0.8-0.9:1.5\n"
+             "boosts 0.9-0.95:10, verdicts 0.99-1:1 1-1.02:1, rates 1:60\n"
+             "silent: "},
             // The values at the start of a window are those before it.
-            {1250, 1825, "focused#2 other#1", "0.25-0.825 s, 1 frames from 0.3 to 0.3, sent 3 1 0",
-             "0.3:75", "0.27:3", "0.25-0.27:2 0.27-0.3:1 0.3-0.5:2 0.5-0.825:7", "0.25-0.825:10",
-             "0.25-0.825:5", "0.4-0.45:0.5 0.45-0.55:0.25 0.7-0.8:0.75", "0.8-0.825:1.5", "", "",
-             ""},
+            {1250, 1825,
+             "0.25-0.825 s, focused#2 other#1, 1 frames from 0.3 to 0.3, sent 3 1 0\n"
+             "intervals 0.3:75, missed 0.27:3\n"
+             "depths 0.25-0.27:2 0.27-0.3:1 0.3-0.5:2 0.5-0.825:7\n"
+             "periods 0.25-0.825:10, modes 0.25-0.825:5\n"
+             "DOWN 0.4-0.45:0.5 0.45-0.55:0.25 0.7-0.8:0.75, UP 0.8-0.825:1.5\n"
+             "boosts , verdicts , rates \nsilent: "},
             // Requests and verdicts that began before it, and a layer without frames.
-            {1925, 1995, "other#1", "0.925-0.995 s, 0 frames from 0 to 0, sent 0 0 0", "", "",
-             "0.925-0.995:7", "0.925-0.995:10", "0.925-0.995:5", "", "", "0.925-0.95:10",
-             "0.99-0.995:1", ""},
+            {1925, 1995,
+             "0.925-0.995 s, other#1, 0 frames from 0 to 0, sent 0 0 0\n"
+             "intervals , missed \ndepths 0.925-0.995:7\n"
+             "periods 0.925-0.995:10, modes 0.925-0.995:5\nDOWN , UP \n"
+             "boosts 0.925-0.95:10, verdicts 0.99-0.995:1, rates \nsilent: "},
     };
-    for (const auto& expected : windows) {
-        const PlotData data = plotData(timeline, {&recording, &silent},
-                                       {expected.fromMs * kMs, expected.toMs * kMs});
-        SCOPED_TRACE(expected.figures);
-        EXPECT_EQ(fmt::format("{}", fmt::join(data.layers, " ")), expected.layers);
-        const ReplayCurves& curves = data.replays[0];
-        EXPECT_EQ(fmt::format("{:g}-{:g} s, {} frames from {:g} to {:g}, sent {} {} {}", data.fromS,
-                              data.toS, data.frames, data.firstFrameS, data.lastFrameS,
-                              curves.downCount, curves.upCount, curves.boostCount),
-                  expected.figures);
-        EXPECT_EQ(textOf(data.frameIntervalsMs), expected.intervals);
-        EXPECT_EQ(textOf(data.missedRefreshes), expected.missed);
-        EXPECT_EQ(textOf(data.depths), expected.depths);
-        EXPECT_EQ(textOf(data.periodsMs), expected.periods);
-        EXPECT_EQ(textOf(curves.modes), expected.modes);
-        EXPECT_EQ(textOf(curves.downs), expected.downs);
-        EXPECT_EQ(textOf(curves.ups), expected.ups);
-        EXPECT_EQ(textOf(curves.boosts), expected.boosts);
-        EXPECT_EQ(textOf(curves.verdicts), expected.verdicts);
-        EXPECT_EQ(textOf(curves.rateHintsHz), expected.rates);
-        EXPECT_EQ(data.replays.size(), 2u);
-        EXPECT_EQ(textOf(data.replays[1].downs), "");
+    for (const auto& [fromMs, toMs, expected] : windows) {
+        const PlotData data = plotData(timeline, {&recording, &silent}, {fromMs * kMs, toMs * kMs});
+        EXPECT_EQ(textOf(data), expected);
     }
 }
 

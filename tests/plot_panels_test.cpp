@@ -82,13 +82,9 @@ TEST(PlotPanelsTest, ShowTheDistributionOfMorePointsThanPixels) {
 }
 
 TEST(PlotPanelsTest, ScalesIntervalsToThoseOfAnActiveLayer) {
-    const struct {
-        const char* name;
-        std::vector<double> intervalsMs;
-        std::vector<double> periodsMs;
-        const char* outliers;  // the legend
-        const char* label;     // of the longest
-    } cases[] = {
+    // The intervals, the refresh periods, the legend of the outliers and the label of the longest.
+    using Ms = std::vector<double>;
+    const std::tuple<const char*, Ms, Ms, const char*, const char*> cases[] = {
             {"two periods are visible", {5, 5, 23}, {10}, "1 above 22 ms, max 23.0 ms", "23"},
             {"slow frames", {40, 40, 40, 149}, {10}, "1 above 46 ms, max 149 ms", "149"},
             {"idle gaps", {5, 150, 2500}, {10}, "2 above 22 ms, max 2.50 s", "2.50 s"},
@@ -98,17 +94,17 @@ TEST(PlotPanelsTest, ScalesIntervalsToThoseOfAnActiveLayer) {
              "1 above 110 ms, max 112 ms",
              "112"},
     };
-    for (const auto& c : cases) {
+    for (const auto& [name, intervalsMs, periodsMs, outliers, label] : cases) {
         PlotData data = {};
         data.toS = 10;
-        for (const double periodMs : c.periodsMs)
+        for (const double periodMs : periodsMs)
             data.periodsMs.push_back({0, 10, periodMs});
-        for (const double intervalMs : c.intervalsMs)
+        for (const double intervalMs : intervalsMs)
             data.frameIntervalsMs.push_back({1, intervalMs});
         const PlotPanel panel = intervalPanel(data);
-        EXPECT_EQ(panel.curves[3].title, c.outliers) << c.name;
-        EXPECT_NE(panel.curves[4].rows.find(fmt::format("\"{}\"", c.label)), std::string::npos)
-                << c.name << ": " << panel.curves[4].rows;
+        EXPECT_EQ(panel.curves[3].title, outliers) << name;
+        EXPECT_NE(panel.curves[4].rows.find(fmt::format("\"{}\"", label)), std::string::npos)
+                << name << ": " << panel.curves[4].rows;
     }
 }
 

@@ -33,30 +33,25 @@ TEST(ProcessPoolTest, ReturnsResultsInTheOrderOfTheJobs) {
 }
 
 TEST(ProcessPoolTest, RunsAsManyJobsAtATimeAsAllowed) {
-    const struct {
-        size_t maxProcesses;
-        int timeoutMs;
-        std::vector<std::string> received;
-    } cases[] = {{1, 100, {"", "m"}}, {2, 60'000, {"m", "m"}}};
-    for (const auto& c : cases) {
+    const std::tuple<size_t, int, std::string> cases[] = {{1, 100, "-m"}, {2, 60'000, "mm"}};
+    for (const auto& [maxProcesses, timeout, expected] : cases) {
         int fds[2][2];
         ASSERT_TRUE(pipe(fds[0]) == 0 && pipe(fds[1]) == 0);
         // Each job sends a byte, and waits for that of the other one.
         std::vector<Job> jobs;
         for (const size_t i : {0u, 1u}) {
-            jobs.push_back([&fds, &c, i] {
+            jobs.push_back([&fds, timeoutMs = timeout, i] {
                 char byte = 'm';
                 pollfd other = {fds[1 - i][0], POLLIN, 0};
                 const bool isMet = write(fds[i][1], &byte, 1) == 1 &&
-                                   poll(&other, 1, c.timeoutMs) == 1 &&
-                                   read(other.fd, &byte, 1) == 1;
-                return std::string(isMet ? 1 : 0, byte);
+                                   poll(&other, 1, timeoutMs) == 1 && read(other.fd, &byte, 1) == 1;
+                return std::string(1, isMet ? byte : '-');
             });
         }
-        std::vector<std::string> received;
-        for (const JobResult& result : runInProcesses(jobs, c.maxProcesses, ""))
-            received.push_back(result.bytes);
-        EXPECT_EQ(received, c.received);
+        std::string received;
+        for (const JobResult& result : runInProcesses(jobs, maxProcesses, ""))
+            received += result.bytes;
+        EXPECT_EQ(received, expected);
         for (const int fd : {fds[0][0], fds[0][1], fds[1][0], fds[1][1]})
             close(fd);
     }

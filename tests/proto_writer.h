@@ -1,11 +1,11 @@
 #pragma once
 
-#include <zlib.h>
-
 #include <protozero/pbf_writer.hpp>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "tests/packed.h"
 
 /** Writes protobuf messages, and the packets of Perfetto traces, for tests. */
 namespace brevold::test {
@@ -52,15 +52,6 @@ inline Proto ftraceBundle(const std::vector<Proto>& events, const Proto& rest = 
     for (const Proto& event : events)
         bundle.message(2, event);
     return Proto().message(1, bundle.append(rest));
-}
-
-/** A zlib stream of the bytes. */
-inline std::string zlib(const std::string& plain) {
-    std::string bytes(compressBound(plain.size()), '\0');
-    uLongf size = bytes.size();
-    compress(reinterpret_cast<Bytef*>(bytes.data()), &size,
-             reinterpret_cast<const Bytef*>(plain.data()), plain.size());
-    return bytes.substr(0, size);
 }
 
 /** A packet's fields with these packets, compressed. */

@@ -38,21 +38,13 @@ add_fault(no_signal "a waiting worker is not signalled"
     "mBoostPending = false;
     mCondition.signal();"
     "mBoostPending = false;")
-set(wrong_release "a boost is not released|a hint is sent that is not due")
-add_fault(cleared_before_lock "${wrong_release}"
+add_fault(cleared_before_lock "a boost is not released|a hint is sent that is not due"
     "Mutex::Autolock lock(mLock);
     if (!mBoostPending) return;
     mBoostPending = false;"
     "if (!mBoostPending) return;
     mBoostPending = false;
     Mutex::Autolock lock(mLock);")
-add_fault(cleared_after_unlock "${wrong_release}"
-    "mBoostPending = false;
-    mCondition.signal();"
-    "mCondition.signal();
-    mLock.unlock();
-    mBoostPending = false;
-    mLock.lock();")
 set(hint "mPerfHint(kScalingHint, nullptr, mDuration, static_cast<int>(typeWord()));")
 add_fault(hint_without_lock "a request is not sent"
     "${hint}"

@@ -5,18 +5,12 @@
 
 #include <climits>
 #include <cstdint>
-#include <map>
-#include <set>
 #include <string>
 #include <utility>
 
-#include "brevold/brevold.h"
-#include "host/virtual_platform.h"
-#include "host/workers.h"
+#include "tests/device.h"
 
 namespace brevold::test {
-
-namespace host = brevold::host;
 
 constexpr int64_t kPeriod60Ns = 16666666, kPeriod90Ns = 11111111, kPeriod120Ns = 8333333;
 constexpr int64_t kSecondNs = 1000000000;
@@ -25,27 +19,6 @@ constexpr char kBoostHint[] = "hint 4166 2000 0x122710";
 constexpr char kClient[] = "libvnx-perfd-client_system.so";
 constexpr char kFeatures[] = "libfeatgate_system.so";
 constexpr int kSf = 0, kQb = 1;
-
-// Answers of the libraries opened at run time and of the property service, and a record of calls.
-struct Device {
-    // These override isOn, which turns on every switch.
-    std::map<std::string, std::string> properties;
-    bool isOn = true;
-    std::set<int> features = {4, 5};
-    int appType = 2;
-    // Result of the next hint; incremented by each hint if positive.
-    int nextHandle = 1;
-    // If not null, handles hints instead, on the thread that sends them.
-    int (*onHint)(int hint, int duration, int type) = nullptr;
-    // Called during each hint and query, on the caller's thread.
-    void (*duringCall)() = nullptr;
-    // "hint 4166 19 0x4101f4; release 7; query 5633 com.example.game", in order.
-    std::string calls;
-    // Property names with their defaults, feature numbers, in order.
-    std::string reads;
-};
-
-extern Device gDevice;
 
 void advance(int64_t byNs);
 
@@ -69,9 +42,6 @@ bool restart();
 // The same, then reports two frames of a layer. Pass a new name: a reset keeps the name of the
 // current layer, and the service is only asked about new names.
 void restartWith(const std::string& layer);
-
-// Returns the calls since the last time, after the workers have sent all requests.
-std::string takeCalls();
 
 // Return the log texts and the labels of trace sections since the last time.
 std::string takeLogTexts();

