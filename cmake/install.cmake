@@ -7,7 +7,7 @@ install(FILES brevold/brevold.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/brevold)
 install(FILES README.md CHANGELOG.md LICENSE TYPE DOC)
 install(DIRECTORY docs TYPE DOC)
 install(DIRECTORY examples TYPE DOC
-    FILES_MATCHING PATTERN *.md PATTERN *.profile PATTERN *.device PATTERN *.summary PATTERN *.ftrace.txt)
+    FILES_MATCHING PATTERN *.md PATTERN *.profile PATTERN *.device PATTERN *.workload PATTERN *.summary PATTERN *.ftrace.txt)
 
 # add_man_page(TARGET DESCRIPTION): makes and installs a manual page from the program's --help.
 function(add_man_page target description)

@@ -62,6 +62,8 @@ Json objectOf(const Verification& verification) {
     }
     if (!isCompared(verification.verdict)) return object;
 
+    object["not_verified"] =
+            Json::array({"refresh_rate_hints", "application_queries", "boost_verdicts"});
     const int64_t earlyUntilNs = verification.differences.earlyUntilNs();
     object["first_two_windows_until_s"] = seconds(earlyUntilNs);
     object["first_two_windows_until_trace_s"] = toSeconds(earlyUntilNs);
