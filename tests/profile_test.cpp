@@ -49,7 +49,7 @@ TEST(ProfileTest, NamesTheLineAndTheProblem) {
     const std::pair<std::string, const char*> cases[] = {
             {"\nfeature.5", ":2: expected key=value, got \"feature.5\""},
             {"\n[ro.a]: [b\n[ro.c]: [d\n", ":2: expected a line that ends in ]"},
-            {"=1", ":1: expected key=value, got \"=1\""},
+            {"[ro.a]: [b\nc]\n=1", ":3: expected key=value, got \"=1\""},
             {"feature.6=1", ":1: expected feature.4 or feature.5, got feature.6"},
             {"feature.x=1", ":1: expected feature.4 or feature.5, got \"x\""},
             {"feature.5=2", ":1: expected 0 or 1, got \"2\""},
