@@ -231,7 +231,7 @@ TEST(WorkersTest, RequestsBelongToTheDecisionWithTheirScale) {
             {{{10, 0.5}, {30, 0.6}}, {{50, 0.5}, {70, 0.6}}, 2, 40},
             {{{10, 0.5}, {30, 0.6}}, {{11, 0.5}}, 1, 1},
             // The decision of a request may be before the trace, but not be missing later.
-            {{{10, 0.5}}, {{1, 0.7}, {11, 0.5}, {40, 0.7}}, 1, 1},
+            {{{10, 0.5}}, {{1, 0.7}, {11, 0.5}, {40, 0.7}, {60, 0.7}}, 2, 1},
             // The request of the last one may follow after the trace.
             {{{10, 0.5}, {99, 0.6}}, {{11, 0.5}}, 0, 1},
             {{{10, std::nan("")}}, {{12, std::nan("")}}, 0, 2},
