@@ -29,7 +29,7 @@ CauseSet nearestCauses(const std::vector<Difference>& differences, size_t count,
     return std::abs(next->timeNs - timeNs) <= kNearDifferenceNs ? next->causes : CauseSet();
 }
 
-/** The worker may send a boost late, or not at all. Both have a boost only if they agree. */
+/** Finds boosts that the worker may have sent late, or not at all. */
 class WorkerCause {
   public:
     WorkerCause(const Boosts& recorded, const Boosts& replayed,
