@@ -20,7 +20,7 @@ const std::string kName = "input";
 const std::string kMember = "b";
 constexpr ExpansionLimits kLimits = {1 << 20, 1000, 1 << 16};
 
-/** The marks and what the reader says of the trace. */
+/** The marks, the line counts of the warnings, and the number of threads. */
 std::string marksOf(MarkReader& reader, bool isPerfetto) {
     std::string text;
     int64_t lastNs = 0;
@@ -79,6 +79,12 @@ std::string packed(const std::string& bytes) {
             return zipOf({{"a", bytes}, {kMember, gzip(bytes)}});
         case 6:  // longer than the part of a page that its parser sees at once
             return "<html>" + std::string(6000, ' ') + bytes;
+        case 7: {  // longer than two blocks of each reader
+            std::string text;
+            while (!bytes.empty() && text.size() <= 2 * 64 * 1024)
+                text += bytes;
+            return text;
+        }
         default:
             return bytes;
     }

@@ -98,14 +98,21 @@ struct Entry {
     bool isGetprop;
 };
 
+constexpr std::string_view kGetpropMiddle = "]: [";
+
+/** Returns true for "[key]: [value" without the bracket that ends the value. */
+bool isOpenGetpropEntry(std::string_view text) {
+    return startsWith(text, "[") && text.find(kGetpropMiddle) != std::string_view::npos &&
+           text.back() != ']';
+}
+
 /** "vendor.perf.pfar.enable=1", or as getprop prints it "[vendor.perf.pfar.enable]: [1]". */
 Entry parseEntry(std::string_view text) {
     text = trim(text);
-    constexpr std::string_view kMiddle = "]: [";
-    const size_t middle = text.find(kMiddle);
-    if (!text.empty() && text.front() == '[' && text.back() == ']' &&
-        middle != std::string_view::npos) {
-        const size_t value = middle + kMiddle.size();
+    if (isOpenGetpropEntry(text)) throw ProfileError("expected a line that ends in ]");
+    const size_t middle = text.find(kGetpropMiddle);
+    if (startsWith(text, "[") && middle != std::string_view::npos) {
+        const size_t value = middle + kGetpropMiddle.size();
         return {text.substr(1, middle - 1), text.substr(value, text.size() - 1 - value), true};
     }
     const size_t equals = text.find('=');
@@ -169,9 +176,15 @@ void loadProfile(const std::string& path) {
     if (!file) throw ProfileError(path + ": cannot be opened: " + errnoText(errno));
     std::map<std::string, int> lines;
     std::string line;
-    for (int number = 1; std::getline(file, line); ++number) {
-        const std::string_view text = trim(line);
+    int lineCount = 0;
+    while (std::getline(file, line)) {
+        const int number = ++lineCount;
+        std::string text(trim(line));
         if (text.empty() || text.front() == '#') continue;
+        while (isOpenGetpropEntry(text) && std::getline(file, line)) {
+            text.append("\n").append(trimEnd(line));
+            ++lineCount;
+        }
         try {
             applyLine(text, number, &lines);
         } catch (const ProfileError& error) {

@@ -11,7 +11,8 @@
  *
  * A profile file holds one key=value per line, each key once. Blanks around keys and values, empty
  * lines and lines that start with # are skipped. The output of getprop is a profile too: its lines
- * "[key]: [value]" count only for properties that the library reads.
+ * "[key]: [value]" count only for properties that the library reads. A value may have several
+ * lines, up to one that ends in "]".
  *
  *   vendor.perf.pfar.enable=1     a system property that the library reads
  *   feature.5=1                   feature 4 (jank boost) or 5 (energy scaling); 1 allows it

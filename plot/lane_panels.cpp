@@ -138,7 +138,8 @@ PlotPanel markPanel(const PlotData& data, const std::vector<PlotMark>& marks, in
     }
     constexpr int kLanePx = 34;
     const auto count = static_cast<int>(times.size());
-    PlotPanel panel = {"marked moments", kLanePx * count, 0, static_cast<double>(count)};
+    PlotPanel panel = {"differences from the replay", kLanePx * count, 0,
+                       static_cast<double>(count)};
     panel.ticks = {{0, ""}};
     // The labels may be long, so they are over their marks and not at the axis.
     std::string labels;

@@ -13,7 +13,7 @@ import sys
 
 EQUIVALENT = "scripts/mutate.equivalent"
 ROOT = pathlib.Path("build/mutate").resolve()
-TEST_SECONDS = 20
+TEST_SECONDS = 120
 
 # One change: lines first..last (from 0) of a file become one line.
 Change = collections.namedtuple("Change", "file first last old new")
@@ -194,7 +194,7 @@ def main():
     listed = read_equivalent()
     stale = {entry for entry in listed if entry[0] in files} - {key_of(each) for each in changes}
     if stale:
-        sys.exit("mutate: %s lists what is no change:\n%s" % (EQUIVALENT, sorted(stale)))
+        sys.exit("mutate: %s lists changes that this script does not make:\n%s" % (EQUIVALENT, sorted(stale)))
     changes = [each for each in changes if key_of(each) not in listed]
     if count:
         changes = random.Random(1).sample(changes, min(count, len(changes)))

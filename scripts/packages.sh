@@ -14,6 +14,7 @@ build_packages=(
     googletest
     help2man # manual pages
     jq parallel # examples of docs/fleet.md, tables of docs/effect.md
+    python3 # scripts/mutate
 )
 sanitizer_packages=(
     libclang-rt-dev

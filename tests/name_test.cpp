@@ -6,7 +6,7 @@ using namespace brevold::test;
 
 TEST(NameTest, ThePackageIsThatOfTheExpression) {
     const std::regex expression("(?:SurfaceView[-\\s\\t]+)?([^/]+).*#\\d+");
-    // The bytes of each class, and those next to its ends.
+    // The bytes of each class, and most bytes next to its ends.
     constexpr const char* kTokens[] = {"",   "SurfaceView", "a",  "/",    "#",    "0",
                                        "9",  ":",           "-",  " ",    "\x08", "\t",
                                        "\n", "\v",          "\r", "\x0e", "\xe9"};

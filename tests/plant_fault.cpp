@@ -176,6 +176,11 @@ ChangeMarks forSections(const std::string& label, Change change) {
     };
 }
 
+bool delay(host::TraceMark& mark, int64_t /*count*/) {
+    mark.timeNs += kDelayNs;
+    return true;
+}
+
 const std::map<std::string, Fault> kFaults = {
         {"none", {}},
         {"depth-plus-one", {[](Calls& calls) { calls.addedDepth = 1; }, {}}},
@@ -190,13 +195,10 @@ const std::map<std::string, Fault> kFaults = {
         {"other-layer", {[](Calls& calls) { calls.focusesSecondLayer = true; }, {}}},
         {"period-90hz", {[](Calls& calls) { calls.periodNs = kPeriod90Ns; }, {}}},
         {"boosts-before-latch", {[](Calls& calls) { calls.countsBoostsBeforeLatch = true; }, {}}},
-        {"late-worker",
-         {{},
-          forSections("energyScaling[Scale",
-                      [](host::TraceMark& mark, int64_t /*count*/) {
-                          mark.timeNs += kDelayNs;
-                          return true;
-                      })}},
+        {"late-worker", {{}, forSections("energyScaling[Scale", delay)}},
+        {"late-boosts", {{}, forSections("energyScaling[jank", delay)}},
+        {"silent-boosts",
+         {{}, forSections("energyScaling[jank", [](host::TraceMark&, int64_t) { return false; })}},
         {"lost-releases",
          {{},
           forSections("energyScaling[jank]-rel",

@@ -26,7 +26,8 @@ std::string load(const std::string& text) {
 
 TEST(ProfileTest, TakesEntriesAndTheOutputOfGetprop) {
     EXPECT_EQ(load("# comment\n\n  vendor.perf.pfar.enable = 1 \r\n feature.5=1\nfeature.4=0\n"
-                   "app-type.a.b=2\napp-type.*=7\n[ro.build.id]: [x=y]\n"
+                   "app-type.a.b=2\napp-type.*=7\n[ro.build.id]: [x=y]\n[ro.boot.history]: "
+                   "[a,1\n\n#b]\n"
                    "[vendor.perf.jr10.enable]: [0]\n[vendor.perf.brevold.debug.layers]: [a b]"),
               "");
     EXPECT_EQ(profileProperty("vendor.perf.pfar.enable", "0"), "1");
@@ -47,7 +48,8 @@ TEST(ProfileTest, NamesTheLineAndTheProblem) {
     const std::string layers = "vendor.perf.brevold.debug.layers=";
     const std::pair<std::string, const char*> cases[] = {
             {"\nfeature.5", ":2: expected key=value, got \"feature.5\""},
-            {"=1", ":1: expected key=value, got \"=1\""},
+            {"\n[ro.a]: [b\n[ro.c]: [d\n", ":2: expected a line that ends in ]"},
+            {"[ro.a]: [b\nc]\n=1", ":3: expected key=value, got \"=1\""},
             {"feature.6=1", ":1: expected feature.4 or feature.5, got feature.6"},
             {"feature.x=1", ":1: expected feature.4 or feature.5, got \"x\""},
             {"feature.5=2", ":1: expected 0 or 1, got \"2\""},

@@ -69,8 +69,9 @@ void endHint();
 // Returns true if the "QB" worker sends requests in the current mode.
 bool hasMode();
 
-// Runs the statement in a forked process, which has no workers. A call that waits for one ends too.
+// Runs the statement in a forked process, which has no workers. The
+// alarm ends a call that waits for a worker.
 #define EXPECT_ABORT(statement) \
-    EXPECT_EXIT((alarm(5), statement), testing::KilledBySignal(SIGABRT), "")
+    EXPECT_EXIT((alarm(60), statement), testing::KilledBySignal(SIGABRT), "")
 
 }  // namespace brevold::test

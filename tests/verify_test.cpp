@@ -1,4 +1,4 @@
-// Labels of the library, the rule of its decisions, and what only a few frames can show.
+// Labels of the library, the rule of its decisions, and cases of a few frames.
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -230,6 +230,8 @@ TEST(WorkersTest, RequestsBelongToTheDecisionWithTheirScale) {
             {{{10, 0.5}, {30, 0.6}}, {{35, 0.6}}, 1, 25},
             {{{10, 0.5}, {30, 0.6}}, {{50, 0.5}, {70, 0.6}}, 2, 40},
             {{{10, 0.5}, {30, 0.6}}, {{11, 0.5}}, 1, 1},
+            // The decision of a request may be before the trace, but not be missing later.
+            {{{10, 0.5}}, {{1, 0.7}, {11, 0.5}, {40, 0.7}, {60, 0.7}}, 2, 1},
             // The request of the last one may follow after the trace.
             {{{10, 0.5}, {99, 0.6}}, {{11, 0.5}}, 0, 1},
             {{{10, std::nan("")}}, {{12, std::nan("")}}, 0, 2},
@@ -247,7 +249,7 @@ TEST(WorkersTest, RequestsBelongToTheDecisionWithTheirScale) {
                                       (request.timeMs + request.lengthMs) * kMs, request.scale});
         Differences differences(0);
         const Latencies latencies =
-                checkWorkers(marks, {{}, kPeriodNs, 100 * kMs, true}, &differences);
+                checkWorkers(marks, {{}, kPeriodNs, 0, 100 * kMs, true}, &differences);
         EXPECT_EQ(differences.of(Subject::Request).differing, c.differing);
         EXPECT_EQ(latencies[static_cast<size_t>(LatencyKind::HandOver)].maxNs,
                   c.maxHandOverMs * kMs);

@@ -9,6 +9,7 @@ namespace brevold::verify {
 namespace {
 
 constexpr int64_t kNearDifferenceNs = 1'000'000'000;
+constexpr int64_t kMaxBoostDelayNs = 1'000'000'000;
 
 Cause causeOf(replay::BoostDepth depth) {
     return depth == replay::BoostDepth::Left ? Cause::BoostDepthLeft : Cause::BoostDepthFound;
@@ -27,6 +28,36 @@ CauseSet nearestCauses(const std::vector<Difference>& differences, size_t count,
     }
     return std::abs(next->timeNs - timeNs) <= kNearDifferenceNs ? next->causes : CauseSet();
 }
+
+/** Finds boosts that the worker may have sent late, or not at all. */
+class WorkerCause {
+  public:
+    WorkerCause(const Boosts& recorded, const Boosts& replayed,
+                const std::vector<int64_t>& compositionsNs)
+          : mRecorded(recorded), mReplayed(replayed), mCompositionsNs(compositionsNs) {}
+
+    /** Returns the cause for a composition after which only one of them has a boost, if any. */
+    CauseSet of(size_t composition) const {
+        const int64_t timeNs = mCompositionsNs[composition];
+        if (mReplayed.isAfter(composition)) {
+            for (size_t i = composition + 1;
+                 i < mCompositionsNs.size() && mCompositionsNs[i] <= timeNs + kMaxBoostDelayNs;
+                 ++i) {
+                if (mRecorded.isAfter(i) && !mReplayed.isAfter(i)) return Cause::BoostLate;
+            }
+            return Cause::BoostNotSent;
+        }
+        for (size_t i = composition; i-- > 0 && mCompositionsNs[i] >= timeNs - kMaxBoostDelayNs;) {
+            if (mReplayed.isAfter(i) && !mRecorded.isAfter(i)) return Cause::BoostLate;
+        }
+        return {};
+    }
+
+  private:
+    const Boosts& mRecorded;
+    const Boosts& mReplayed;
+    const std::vector<int64_t>& mCompositionsNs;
+};
 
 }  // namespace
 
@@ -76,16 +107,22 @@ void compareBoosts(const Boosts& recorded, const BoostReplay& replayed, const Bo
     const auto countOf = [](const BoostFit& fit) { return fit.compositions - fit.agreeing; };
     const bool isOtherBetter = other != nullptr && countOf(other->fit) * 2 <= countOf(replayed.fit);
     const size_t decisions = differences->list().size();
+    const WorkerCause workerCause(recorded, replayed.boosts, compositionsNs);
     const auto causesAt = [&](size_t i) -> CauseSet {
         const int64_t timeNs = compositionsNs[i];
         if (modes.modeAt(timeNs) != modes.replayedModeAt(timeNs)) return modes.causeAt(timeNs);
-        const CauseSet causes = nearestCauses(differences->list(), decisions, timeNs);
+        CauseSet causes = nearestCauses(differences->list(), decisions, timeNs);
         if (causes == Cause::OtherLayer) return causes;
         if (isOtherBetter && recorded.isAfter(i) == other->boosts.isAfter(i)) {
-            return causeOf(other->fit.depth);
+            CauseSet depths = causeOf(other->fit.depth);
+            if (other->fit.agreeing == 0) depths.add(workerCause.of(i));
+            return depths;
         }
         // Most wrong reports of frames suppress boosts too.
-        return causes.isEmpty() ? Cause::BoostDepthOther : causes;
+        if (!causes.isEmpty()) return causes;
+        causes = workerCause.of(i);
+        causes.add(Cause::BoostDepthOther);
+        return causes;
     };
     for (size_t i = 0; i < compositionsNs.size(); ++i) {
         if (!recorded.isAfter(i) && !replayed.boosts.isAfter(i)) continue;

@@ -8,38 +8,35 @@ namespace brevold::verify {
 
 /** The reason for a difference between a recording and its replay, in the order of the tests. */
 enum class Cause : uint8_t {
-    OtherVersion,  // the library decides differently from the same figures
-    OtherLayer,    // another layer has the focus, or the application is no target
-    OtherPeer,     // peerLayerName is not the layer's name
-    NotReported,   // the frame, or one before it
-    ReportedTwice,
-    // The queue depth is counted
-    DepthPlusOne,      // one too high
-    DepthMinusOne,     // one too low
-    DepthBeforeLatch,  // without the latest latch
-    DepthAfterLatch,   // with the next latch
-    DepthOther,        // in another way
-    // The stamp is not the beginning of the latest composition, but
-    StampVsync,     // the latest vsync
-    StampPrevious,  // the beginning of the composition before
-    StampZero,      // 0
-    StampOther,     // another time
-    // The refresh period
-    PeriodInNoBand,
-    PeriodOfOtherDisplay,
-    // The frame-rate mode
-    WindowStart,  // the measuring windows begin at other times
-    TickRate,     // brevoldRefresh is called at another rate than compositions begin
-    // The depth that brevoldScaling gets
-    BoostDepthLeft,   // is that at the call
-    BoostDepthFound,  // is the maximum since the previous call
-    BoostDepthOther,
-    // The workers
-    DownOff,           // DOWN requests are off on the device
-    DownOn,            // or on, but off in the profile
-    RequestLate,       // the worker sends a request more than a refresh period later
-    RequestNotSent,    // or never
-    BoostNotReleased,  // before the next boost
+    OtherVersion,          // the library decides differently from the same figures
+    OtherLayer,            // another layer has the focus, or the application is not a target
+    OtherPeer,             // peerLayerName is not the layer's name
+    NotReported,           // the frame, or one before it, is not reported
+    ReportedTwice,         // the frame is reported twice
+    DepthPlusOne,          // the queue depth is one too high
+    DepthMinusOne,         // the queue depth is one too low
+    DepthBeforeLatch,      // the queue depth is counted without the latest latch
+    DepthAfterLatch,       // the queue depth is counted with the next latch
+    DepthOther,            // the queue depth is counted in another way
+    StampVsync,            // the stamp is that of the latest vsync
+    StampPrevious,         // the stamp is that of the composition before the latest
+    StampZero,             // the stamp is 0
+    StampOther,            // the stamp is another time
+    PeriodInNoBand,        // the refresh period is in none of the library's bands
+    PeriodOfOtherDisplay,  // the refresh period is that of another display
+    WindowStart,           // the measuring windows begin at other times
+    TickRate,              // brevoldRefresh is not called once per composition
+    BoostDepthLeft,        // brevoldScaling gets the depth at the call
+    BoostDepthFound,       // brevoldScaling gets the maximum depth since the previous call
+    BoostDepthOther,       // brevoldScaling gets another depth
+    DownOff,               // DOWN requests are on in the profile, but off on the device
+    DownOn,                // DOWN requests are off in the profile, but on on the device
+    RequestLate,       // the worker sends a request more than a refresh period after the decision
+    RequestNotSent,    // the worker does not send a request
+    RequestUndecided,  // the worker sends a request without a decision in the trace
+    BoostLate,         // the worker sends a boost after a later composition
+    BoostNotSent,      // the worker does not send a boost
+    BoostNotReleased,  // the boost is not released before the next one
     QueueTimes,        // the queue times are not those of the trace
     Unexplained,
 };

@@ -46,7 +46,7 @@ const CauseCount* narrowerThan(const CauseSet& causes, const std::vector<CauseCo
 
 void Differences::add(Subject subject, int64_t timeNs, const CauseSet& causes) {
     count(subject, timeNs, true);
-    mList.push_back({timeNs, subject, causes, isEarly(timeNs)});
+    mList.push_back({timeNs, subject, causes, isEarly(subject, timeNs)});
 }
 
 void Differences::sort() {
@@ -66,9 +66,9 @@ void Differences::count(Subject subject, int64_t timeNs, bool differs) {
     Tally& tally = mTallies[static_cast<size_t>(subject)];
     ++tally.count;
     tally.differing += differs ? 1 : 0;
-    if (isEarly(timeNs)) return;
-    ++tally.lateCount;
-    tally.lateDiffering += differs ? 1 : 0;
+    if (isEarly(subject, timeNs)) return;
+    ++tally.verdictCount;
+    tally.verdictDiffering += differs ? 1 : 0;
 }
 
 }  // namespace brevold::verify

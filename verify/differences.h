@@ -22,21 +22,25 @@ struct Difference {
     int64_t timeNs;
     Subject subject;
     CauseSet causes;
-    bool isEarly;  // within the first two measuring windows of the replay
+    bool isEarly;  // does not count for the verdict
 };
 
 struct Tally {
     int64_t count = 0;
     int64_t differing = 0;
-    // Of those, after the first two measuring windows.
-    int64_t lateCount = 0;
-    int64_t lateDiffering = 0;
+    // Those that count for the verdict: all requests and releases; decisions and boosts after the
+    // first two measuring windows.
+    int64_t verdictCount = 0;
+    int64_t verdictDiffering = 0;
 
-    /** Returns true if at most this share differs after the first two windows. */
+    /** Returns true if at most this share of those that count differs. */
     bool isWithin(double percent) const {
-        return static_cast<double>(lateDiffering) * 100.0 <=
-               static_cast<double>(lateCount) * percent;
+        return static_cast<double>(verdictDiffering) * 100.0 <=
+               static_cast<double>(verdictCount) * percent;
     }
+
+    /** Returns true if there are differences, but none of the comparisons counts. */
+    bool isTooShort() const { return verdictCount == 0 && differing > 0; }
 };
 
 /** Counts agreements and collects differences. */
@@ -61,7 +65,11 @@ class Differences {
     void narrowCauses();
 
   private:
-    bool isEarly(int64_t timeNs) const { return timeNs <= mEarlyUntilNs; }
+    // Workers do not depend on the measuring windows.
+    bool isEarly(Subject subject, int64_t timeNs) const {
+        return (subject == Subject::Decision || subject == Subject::Boost) &&
+               timeNs <= mEarlyUntilNs;
+    }
     void count(Subject subject, int64_t timeNs, bool differs);
 
     int64_t mEarlyUntilNs;

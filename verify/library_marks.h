@@ -55,7 +55,7 @@ struct LibraryMarks {
 
     bool isEmpty() const {
         return decisions.empty() && windows.empty() && requests.empty() && boosts.empty() &&
-               releases.empty();
+               releases.empty() && unreadable.empty();
     }
 };
 

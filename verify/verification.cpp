@@ -95,14 +95,22 @@ void compareDecisions(const Expectation& expected, const Pairing& pairing,
     differences->sort();
 }
 
+/** An unreadable label may be that of a decision. */
+bool areReadable(const LibraryMarks& marks, double tolerancePercent) {
+    if (marks.unreadable.empty()) return true;
+    const auto unreadable = static_cast<double>(marks.unreadable.size());
+    const auto decisions = static_cast<double>(marks.decisions.size());
+    return decisions > 0 && unreadable * 100.0 <= (decisions + unreadable) * tolerancePercent;
+}
+
 Verdict verdictOf(const Differences& differences, double tolerancePercent) {
-    const Tally& decisions = differences.of(Subject::Decision);
-    if (decisions.count == 0) return Verdict::NoDecisions;
+    bool isTooShort = false;
     for (size_t i = 0; i < kSubjectCount; ++i) {
         const Tally& tally = differences.of(static_cast<Subject>(i));
         if (!tally.isWithin(tolerancePercent)) return Verdict::Differs;
+        isTooShort |= tally.isTooShort();
     }
-    const bool isTooShort = decisions.lateCount == 0 && decisions.differing > 0;
+    if (differences.of(Subject::Decision).count == 0) return Verdict::NoDecisions;
     return isTooShort ? Verdict::TooShort : Verdict::AsExpected;
 }
 
@@ -127,6 +135,10 @@ Verification verify(DeviceTrace& device, replay::BoostDepth boostDepth, double t
                            {}};
     const LibraryMarks& recorded = result.marks;
     if (recorded.isEmpty()) return result;
+    if (!areReadable(recorded, tolerancePercent)) {
+        result.verdict = Verdict::Unreadable;
+        return result;
+    }
 
     result.replay = play(boostDepth, true);
     const replay::Recording& recording = result.replay;
@@ -159,10 +171,11 @@ Verification verify(DeviceTrace& device, replay::BoostDepth boostDepth, double t
                   expected.compositionsNs, modes, &result.differences);
 
     result.periodNs = mainPeriodNs(timeline);
-    result.latencies = checkWorkers(recorded,
-                                    {expected.compositionsNs, result.periodNs, timeline.endNs,
-                                     !hasOutcome(recording, replay::FrameOutcome::DownOff)},
-                                    &result.differences);
+    result.latencies =
+            checkWorkers(recorded,
+                         {expected.compositionsNs, result.periodNs, timeline.startNs,
+                          timeline.endNs, !hasOutcome(recording, replay::FrameOutcome::DownOff)},
+                         &result.differences);
     result.differences.sort();
     result.verdict = verdictOf(result.differences, tolerancePercent);
     return result;

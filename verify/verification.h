@@ -20,21 +20,24 @@ namespace brevold::verify {
 enum class Verdict : uint8_t {
     AsExpected,
     Differs,       // more than the tolerance
-    TooShort,      // the trace has differences, and no decision after the first two windows
+    TooShort,      // decisions or boosts differ, and none count for the verdict
     NoDecisions,   // neither the recording nor the replay has one
     OtherProfile,  // the recording has decisions, but the profile allows none
+    Unreadable,    // the share of labels that cannot be read exceeds the tolerance
     NoMarks,       // the trace has no marks of the library
 };
 
+/** Returns true if the verdict follows from a comparison of decisions. */
 constexpr bool isCompared(Verdict verdict) {
-    return verdict != Verdict::OtherProfile && verdict != Verdict::NoMarks;
+    return verdict == Verdict::AsExpected || verdict == Verdict::Differs ||
+           verdict == Verdict::TooShort;
 }
 
 /** The part of a profile without which the library makes no decision. */
 enum class ProfileGap : uint8_t {
     None,
     EnergyScaling,  // it is not allowed or not on
-    TargetApp,      // the application in focus is no target
+    TargetApp,      // the application in focus is not a target
 };
 
 /** The comparison of a recording with its replay. Times are the trace's own. */
@@ -49,7 +52,8 @@ struct Verification {
     Verdict verdict = Verdict::NoMarks;
     /** Set if the verdict is OtherProfile. */
     ProfileGap profileGap = ProfileGap::None;
-    // The rest is empty if there are no marks, or if the profile allows no decisions.
+    // The rest is empty if the marks are missing or unreadable, or if the profile allows no
+    // decisions.
     Differences differences;
     /** For the boost depth of the replay and, if boosts differ, for the other one. */
     std::vector<BoostFit> boostFits;

@@ -72,8 +72,8 @@ Json objectOf(const Verification& verification) {
         const Tally& tally = verification.differences.of(subject);
         object["checked"][wordOf(subject)] = {{"count", tally.count},
                                               {"differing", tally.differing},
-                                              {"late_count", tally.lateCount},
-                                              {"late_differing", tally.lateDiffering}};
+                                              {"verdict_count", tally.verdictCount},
+                                              {"verdict_differing", tally.verdictDiffering}};
     }
     for (const BoostFit& fit : verification.boostFits) {
         object["boost_depths"][report::boostDepthWord(fit.depth)] = {

@@ -17,9 +17,9 @@ namespace {
 std::string agreementText(const Tally& decisions) {
     std::string text = fmt::format("{} of {} decisions agree",
                                    decisions.count - decisions.differing, decisions.count);
-    const int64_t early = decisions.differing - decisions.lateDiffering;
+    const int64_t early = decisions.differing - decisions.verdictDiffering;
     if (early == 0) return text;
-    if (decisions.lateDiffering != 0) {
+    if (decisions.verdictDiffering != 0) {
         return text + fmt::format(", {} of the others are within the first two windows", early);
     }
     return text + (early == 1 ? ", the other is" : fmt::format(", the {} others are", early)) +
@@ -39,15 +39,28 @@ std::string differenceText(const Verification& verification) {
     return text + " differ";
 }
 
+/** "no decisions after the first two windows, and 38 of 38 before differ" */
+std::string shortageText(const Verification& verification) {
+    std::string text;
+    for (const Subject subject : {Subject::Decision, Subject::Boost}) {
+        const Tally& tally = verification.differences.of(subject);
+        if (!tally.isTooShort()) continue;
+        text += fmt::format("{}no {} after the first two windows, and {} of {} before differ",
+                            text.empty() ? "" : "; ", wordOf(subject), tally.differing,
+                            tally.count);
+    }
+    return text;
+}
+
 std::string verdictText(const Verification& verification) {
-    const std::string agreement = agreementText(verification.differences.of(Subject::Decision));
     switch (verification.verdict) {
         case Verdict::AsExpected:
-            return "the integration is as expected: " + agreement;
+            return "the integration is as expected: " +
+                   agreementText(verification.differences.of(Subject::Decision));
         case Verdict::Differs:
             return "the integration is not as expected: " + differenceText(verification);
         case Verdict::TooShort:
-            return "the recording is too short; it ends within the first two windows: " + agreement;
+            return "the recording is too short: " + shortageText(verification);
         case Verdict::NoDecisions:
             return "nothing to verify: the recording and the replay have no DOWN or UP decisions";
         case Verdict::OtherProfile:
@@ -55,6 +68,12 @@ std::string verdictText(const Verification& verification) {
                     "nothing to verify: under this profile the library decides nothing, but the "
                     "device decided {} times: {}",
                     verification.marks.decisions.size(), textOf(verification.profileGap));
+        case Verdict::Unreadable:
+            return fmt::format(
+                    "nothing to verify: too many labels of the library cannot be read ({}; "
+                    "decisions that can be read: {}). The device has another version of the "
+                    "library, or the trace is damaged",
+                    verification.marks.unreadable.size(), verification.marks.decisions.size());
         case Verdict::NoMarks:
             return "nothing to verify: the trace has no marks of the library. Its debug output was "
                    "off, or was switched on without restarting the compositor (settings are read "
@@ -77,20 +96,23 @@ void printIgnored(const MarkCounts& ignored, std::ostream& out) {
 }
 
 void printTallies(const Verification& verification, std::ostream& out) {
-    fmt::print(out,
-               "\nchecked       count  differ   after the first two windows, tolerance {:.4g} %\n",
+    fmt::print(out, "\nchecked       count  differ   of those that count, tolerance {:.4g} %\n",
                verification.tolerancePercent);
     for (size_t i = 0; i < kSubjectCount; ++i) {
         const auto subject = static_cast<Subject>(i);
         const Tally& tally = verification.differences.of(subject);
         fmt::print(out, "  {:<10} {:6} {:7}   {} of {}, {:.1f} %\n", wordOf(subject), tally.count,
-                   tally.differing, tally.lateDiffering, tally.lateCount,
-                   percentOf(tally.lateDiffering, tally.lateCount));
+                   tally.differing, tally.verdictDiffering, tally.verdictCount,
+                   percentOf(tally.verdictDiffering, tally.verdictCount));
     }
     if (verification.boostFits.size() < 2) return;
     for (const BoostFit& fit : verification.boostFits) {
-        fmt::print(out, "  with --boost-depth {}, {} of {} boosts agree\n",
-                   report::boostDepthWord(fit.depth), fit.agreeing, fit.compositions);
+        fmt::print(out, "  with --boost-depth {}, ", report::boostDepthWord(fit.depth));
+        if (fit.compositions == 0) {
+            out << "no boost is expected or recorded\n";
+        } else {
+            fmt::print(out, "{} of {} boosts agree\n", fit.agreeing, fit.compositions);
+        }
     }
 }
 

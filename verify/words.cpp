@@ -15,7 +15,8 @@ Words wordsOf(Cause cause) {
             return {"the library decides differently from the same figures: another version",
                     "other_version"};
         case Cause::OtherLayer:
-            return {"another layer has the focus, or the application is no target", "other_layer"};
+            return {"another layer has the focus, or the application is not a target",
+                    "other_layer"};
         case Cause::OtherPeer:
             return {"peerLayerName is not the name of the layer", "other_peer"};
         case Cause::NotReported:
@@ -41,15 +42,15 @@ Words wordsOf(Cause cause) {
         case Cause::StampOther:
             return {"the stamp is not that of the latest composition", "stamp_other"};
         case Cause::PeriodInNoBand:
-            return {"the refresh period is in no band", "period_in_no_band"};
+            return {"the refresh period matches none of the rates 60, 90 and 120 Hz",
+                    "period_in_no_band"};
         case Cause::PeriodOfOtherDisplay:
             return {"the refresh period is that of another display", "period_of_other_display"};
         case Cause::WindowStart:
             return {"the measuring windows begin at other times, as is normal in the first seconds",
                     "window_start"};
         case Cause::TickRate:
-            return {"brevoldRefresh is called at another rate than compositions begin",
-                    "tick_rate"};
+            return {"brevoldRefresh is not called once per composition", "tick_rate"};
         case Cause::BoostDepthLeft:
             return {"brevoldScaling gets the frames that are queued at the call (left)",
                     "boost_depth_left"};
@@ -57,7 +58,8 @@ Words wordsOf(Cause cause) {
             return {"brevoldScaling gets the maximum since the previous call (found)",
                     "boost_depth_found"};
         case Cause::BoostDepthOther:
-            return {"brevoldScaling gets another number of frames", "boost_depth_other"};
+            return {"brevoldScaling gets a depth that is neither left nor found",
+                    "boost_depth_other"};
         case Cause::DownOff:
             return {"vendor.perf.pfar.down.enable is 1 in the profile, but not on the device",
                     "down_off"};
@@ -65,10 +67,17 @@ Words wordsOf(Cause cause) {
             return {"vendor.perf.pfar.down.enable is 1 on the device, but not in the profile",
                     "down_on"};
         case Cause::RequestLate:
-            return {"the worker sends the request more than a refresh period later",
+            return {"the worker sends the request more than a refresh period after the decision",
                     "request_late"};
         case Cause::RequestNotSent:
             return {"the worker does not send the request", "request_not_sent"};
+        case Cause::RequestUndecided:
+            return {"the worker sends a request without a decision in the trace",
+                    "request_undecided"};
+        case Cause::BoostLate:
+            return {"the worker sends the boost after a later composition", "boost_late"};
+        case Cause::BoostNotSent:
+            return {"the worker does not send the boost", "boost_not_sent"};
         case Cause::BoostNotReleased:
             return {"the boost is not released", "boost_not_released"};
         case Cause::QueueTimes:
@@ -87,7 +96,7 @@ Words wordsOf(ProfileGap gap) {
             return {"energy scaling is off; it needs feature.5=1 and vendor.perf.pfar.enable=1",
                     "energy_scaling"};
         case ProfileGap::TargetApp:
-            return {"the application is no target; it needs app-type.PACKAGE=2 or app-type.*=2",
+            return {"the application is not a target; it needs app-type.PACKAGE=2 or app-type.*=2",
                     "target_app"};
     }
     return {"", ""};
@@ -176,6 +185,8 @@ const char* wordOf(Verdict verdict) {
             return "other_profile";
         case Verdict::NoDecisions:
             return "no_decisions";
+        case Verdict::Unreadable:
+            return "unreadable";
         case Verdict::NoMarks:
             return "no_marks";
     }

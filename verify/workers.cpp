@@ -10,6 +10,7 @@ namespace {
 
 /** Half of the last decimal of a request's scale, and the rounding of the decision's. */
 constexpr double kScaleRounding = 0.005001;
+constexpr int64_t kMaxRequestDelayNs = 1'000'000'000;
 
 /** Returns true if a request may have the scale of a decision. Both are rounded in labels. */
 bool isScaleOf(double request, double decision) {
@@ -17,6 +18,19 @@ bool isScaleOf(double request, double decision) {
         return std::isnan(request) ? std::isnan(decision) : request == decision;
     }
     return std::abs(request - decision) <= kScaleRounding;
+}
+
+/** Returns true if one of the latest decisions before a request has its scale. */
+bool isDecided(const std::vector<const DecisionMark*>& posted, const ServiceSection& request) {
+    auto decision = std::upper_bound(
+            posted.begin(), posted.end(), request.beginNs,
+            [](int64_t timeNs, const DecisionMark* mark) { return timeNs < mark->timeNs; });
+    while (decision != posted.begin()) {
+        --decision;
+        if ((*decision)->timeNs < request.beginNs - kMaxRequestDelayNs) return false;
+        if (isScaleOf(request.scale, (*decision)->label.scale)) return true;
+    }
+    return false;
 }
 
 /**
@@ -35,7 +49,15 @@ std::vector<Latency> checkRequests(const std::vector<const DecisionMark*>& poste
         });
         while (sent != waiting && !isScaleOf(request.scale, (*std::prev(sent))->label.scale))
             --sent;
-        if (sent == waiting) continue;
+        if (sent == waiting) {
+            // The decision may be before the trace. A request that is off has another cause.
+            const bool isChecked = request.beginNs > context.traceStartNs + context.periodNs &&
+                                   (context.sendsDown || request.scale > 1 + kScaleRounding);
+            if (isChecked && !isDecided(posted, request)) {
+                differences->add(Subject::Request, request.beginNs, Cause::RequestUndecided);
+            }
+            continue;
+        }
         waits.push_back({(*waiting)->timeNs, request.beginNs - (*waiting)->timeNs});
         for (; waiting != sent; ++waiting) {
             const int64_t postedNs = (*waiting)->timeNs;

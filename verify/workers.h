@@ -27,6 +27,7 @@ using Latencies = std::array<LatencySummary, kLatencyKindCount>;
 struct WorkerContext {
     const std::vector<int64_t>& compositionsNs;  // their beginnings
     int64_t periodNs;
+    int64_t traceStartNs;
     int64_t traceEndNs;
     bool sendsDown;  // in the profile; if not, DOWN decisions post no requests
 };
