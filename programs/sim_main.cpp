@@ -50,7 +50,7 @@ std::string runPlotScript(const std::string& terminal, const Setup& setup,
         jobs.push_back([&, i] {
             const Scenario scenario =
                     scenarioOf(setup, setup.readings.front(), options.measuredNs, kFirstSeed);
-            RunCurvesObserver observer(scenario.device);
+            RunCurvesObserver observer(scenario.device, scenario.warmUpNs);
             std::optional<Library> library = loadLibrary(variants[i].second);
             Simulation(scenario, library ? &*library : nullptr, observer).run();
             return runPanels(scenario, observer.curves(), variants[i].first);
@@ -62,8 +62,7 @@ std::string runPlotScript(const std::string& terminal, const Setup& setup,
     if (!options.vsSettings.empty()) {
         heading.push_back(fmt::format("--vs {}", fmt::join(options.vsSettings, " --vs ")));
     }
-    return runPlotPage(terminal, heading, kWarmUpNs + options.measuredNs,
-                       runSimulations(jobs, options.jobs));
+    return runPlotPage(terminal, heading, options.measuredNs, runSimulations(jobs, options.jobs));
 }
 
 void writePlot(const std::string& path, const std::string& script) {
@@ -133,7 +132,7 @@ void run(const SimOptions& options, Setup& setup, std::ostream& out) {
 int main(int argc, char** argv) {
     CLI::App app(
             "Simulates an application, the display, the compositor and the processor in a closed "
-            "loop with libbrevold, and prints what the library saves and costs.",
+            "loop with libbrevold, and prints its savings and its cost.",
             "brevold-sim");
     SimOptions options;
     Setup setup;

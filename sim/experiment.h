@@ -11,7 +11,7 @@
 
 namespace brevold::sim {
 
-/** How the service reads hints and what the compositor passes on; nothing without the library. */
+/** The service's reading of hints, and the queue depth that the compositor reports. */
 struct Reading {
     ServiceSpec service;
     BoostDepth boostDepth = BoostDepth::Left;

@@ -48,8 +48,8 @@ struct RecordedWork {
 
 /**
  * Reads the work of the frames of a layer, or of the application's layer with the most frames. If
- * the refresh rate changes, reads the frames at the rate with the most. `trace` has to be opened
- * with Reading::Repeated. Throws InputError.
+ * the refresh rate changes, reads the frames at the rate with the most frames. `trace` has to be
+ * opened with Reading::Repeated. Throws InputError.
  */
 RecordedWork readRecordedWork(trace::TraceInput& trace, const std::optional<std::string>& layer,
                               const Device& device);

@@ -48,8 +48,8 @@ void printRecording(const RecordedWork& recording, double fit, double lateShare,
         fmt::print(out, "            times the speed at the recorded frequency\n");
     }
     if (recording.unmeasuredFrames > 0) {
-        fmt::print(out, "            {} frames could not be measured and have the median work\n",
-                   recording.unmeasuredFrames);
+        fmt::print(out, "            unknown for {} of {} frames; the median is used\n",
+                   recording.unmeasuredFrames, recording.frames.size());
     }
     fmt::print(out,
                "fit         {:.1f} % of the frames are latched at the recorded vsync with the "

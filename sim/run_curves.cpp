@@ -1,6 +1,6 @@
 #include "sim/run_curves.h"
 
-#include <utility>
+#include <algorithm>
 
 #include "base/time_units.h"
 
@@ -20,8 +20,9 @@ void RunCurvesObserver::Value::set(int64_t nowNs, std::optional<double> value) {
     mValue = value;
 }
 
-RunCurvesObserver::RunCurvesObserver(const Device& device)
+RunCurvesObserver::RunCurvesObserver(const Device& device, int64_t warmUpNs)
       : mDevice(device), mLoads(device.clusters.size()) {
+    mCurves.beginS = toSeconds(warmUpNs);
     mDepth.set(kStartNs, 0.0);
 }
 
@@ -38,7 +39,7 @@ void RunCurvesObserver::onFrequency(int64_t nowNs, size_t cluster, const Operati
 
 void RunCurvesObserver::onQueue(int64_t nowNs, const Frame& frame, int32_t depth) {
     const double frameMs = toMs(nowNs - frame.beginNs);
-    mCurves.frameTimesMs.push_back({toS(nowNs), frameMs});
+    addPoint(nowNs, frameMs, mCurves.frameTimesMs);
     mDepth.set(nowNs, depth);
 }
 
@@ -47,7 +48,7 @@ void RunCurvesObserver::onLatch(int64_t nowNs, const Frame& /*frame*/, int32_t d
 }
 
 void RunCurvesObserver::onHint(const host::Hint& hint) {
-    if (hint.kind == host::HintKind::Up) mCurves.ups.push_back({toS(hint.timeNs), hint.scale});
+    if (hint.kind == host::HintKind::Up) addPoint(hint.timeNs, hint.scale, mCurves.ups);
 }
 
 void RunCurvesObserver::onService(int64_t nowNs, const Service& service) {
@@ -57,9 +58,14 @@ void RunCurvesObserver::onService(int64_t nowNs, const Service& service) {
 }
 
 void RunCurvesObserver::onEnd(int64_t nowNs) {
-    const auto finish = [nowNs](Value& value) {
+    const auto finish = [&](Value& value) {
         value.set(nowNs, {});
-        return std::move(value.spans);
+        plot::PlotSpans spans;
+        for (const plot::PlotSpan& span : value.spans) {
+            if (span.toS <= mCurves.beginS) continue;
+            spans.push_back({std::max(span.fromS, mCurves.beginS), span.toS, span.value});
+        }
+        return spans;
     };
     mCurves.endS = toS(nowNs);
     mCurves.depths = finish(mDepth);
@@ -69,6 +75,10 @@ void RunCurvesObserver::onEnd(int64_t nowNs) {
     mCurves.powerMw = finish(mPower);
     mCurves.downScales = finish(mDownScale);
     mCurves.boosts = finish(mBoost);
+}
+
+void RunCurvesObserver::addPoint(int64_t nowNs, double value, plot::PlotPoints& points) const {
+    if (toS(nowNs) >= mCurves.beginS) points.push_back({toS(nowNs), value});
 }
 
 void RunCurvesObserver::updatePower(int64_t nowNs) {

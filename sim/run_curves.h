@@ -9,8 +9,9 @@
 
 namespace brevold::sim {
 
-/** The curves of one run. Times are seconds since its start. */
+/** The curves of a part of one run. Times are seconds since the start of the run. */
 struct RunCurves {
+    double beginS = 0.0;
     double endS = 0.0;
     plot::PlotPoints frameTimesMs;
     plot::PlotSpans depths;
@@ -22,11 +23,11 @@ struct RunCurves {
     plot::PlotSpans boosts;
 };
 
-/** Collects the curves of a run. */
+/** Collects the curves of a run, without the first `warmUpNs`. */
 class RunCurvesObserver : public Observer {
   public:
     /** `device` must outlive this object. */
-    explicit RunCurvesObserver(const Device& device);
+    RunCurvesObserver(const Device& device, int64_t warmUpNs);
 
     /** Valid after the end of the run. */
     const RunCurves& curves() const { return mCurves; }
@@ -58,6 +59,7 @@ class RunCurvesObserver : public Observer {
         Value mhz;
     };
 
+    void addPoint(int64_t nowNs, double value, plot::PlotPoints& points) const;
     void updatePower(int64_t nowNs);
 
     const Device& mDevice;

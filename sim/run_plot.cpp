@@ -55,7 +55,9 @@ using plot::PlotPoints;
 using plot::PlotSpan;
 using plot::PlotSpans;
 
-constexpr double kMaxPeriods = 3.0;  // on the axis of frame times
+// On the axis of frame times.
+constexpr double kMinPeriods = 1.2;
+constexpr double kMaxPeriods = 3.0;
 constexpr double kMinScale = 0.1;
 constexpr double kMaxScale = 10.0;
 constexpr int kBinPx = 4;
@@ -120,8 +122,8 @@ class Bands {
     /** Bins of whole refresh periods: the means of parts of a period would beat. */
     static BinGrid gridOf(const BinGrid& bins, double periodS) {
         const double widthS = std::ceil(bins.widthS() / periodS) * periodS;
-        const double count = std::max(std::floor(bins.endS / widthS), 1.0);
-        return {0, count * widthS, static_cast<int32_t>(count)};
+        const double count = std::max(std::floor((bins.endS - bins.beginS) / widthS), 1.0);
+        return {bins.beginS, bins.beginS + count * widthS, static_cast<int32_t>(count)};
     }
 
     const CurveMaker& mMaker;
@@ -137,13 +139,16 @@ double maxValue(const PlotSpans& spans, double atLeast) {
 
 PlotPanel frameTimePanel(const RunCurves& curves, double periodMs, const CurveMaker& maker) {
     const double limitMs = kMaxPeriods * periodMs;
-    PlotPanel panel = {"time from the start of a frame to its queueing, ms", 130, 0, limitMs * 1.1};
+    double maxMs = kMinPeriods * periodMs;
     PlotPoints shorter;
     PlotPoints longer;
-    for (const PlotPoint& point : curves.frameTimesMs)
+    for (const PlotPoint& point : curves.frameTimesMs) {
         (point.value > limitMs ? longer : shorter).push_back(point);
+        maxMs = std::max(maxMs, std::min(point.value, limitMs) * 1.1);
+    }
+    PlotPanel panel = {"time from the start of a frame to its queueing, ms", 130, 0, maxMs};
     panel.curves = {maker.points(shorter, plot::marker(7, 0.3, plot::kBlue), "frame"),
-                    maker.steps({{0, curves.endS, periodMs}}, line(1.5, plot::kOrange),
+                    maker.steps({{curves.beginS, curves.endS, periodMs}}, line(1.5, plot::kOrange),
                                 "1 refresh period")};
     if (!longer.empty()) {
         panel.curves.push_back(
@@ -203,7 +208,7 @@ PlotPanel hintPanel(const RunCurves& curves, const CurveMaker& maker, const Band
 
 std::string runPanels(const Scenario& scenario, const RunCurves& curves, const std::string& name) {
     const Device& device = scenario.device;
-    const CurveMaker maker(0, curves.endS);
+    const CurveMaker maker(curves.beginS, curves.endS);
     const double periodMs = toMs(scenario.workload.periodNs());
     const Bands bands(maker, curves, periodMs / 1e3);
     std::vector<PlotPanel> panels = {frameTimePanel(curves, periodMs, maker),
@@ -225,11 +230,9 @@ std::string runPanels(const Scenario& scenario, const RunCurves& curves, const s
 }
 
 std::string runPlotPage(const std::string& terminal, const std::vector<std::string>& heading,
-                        int64_t lengthNs, const std::vector<std::string>& panels) {
-    PlotPage page = {heading, 0, toSeconds(lengthNs), {}, {}, "run"};
-    const double warmUpS = toSeconds(kWarmUpNs);
-    page.heading.push_back(fmt::format("grey: the first {:g} s, which are not measured", warmUpS));
-    page.shaded = {{0, warmUpS, 0}};
+                        int64_t measuredNs, const std::vector<std::string>& panels) {
+    PlotPage page = {heading, toSeconds(kWarmUpNs), toSeconds(kWarmUpNs + measuredNs), {}, {},
+                     "run"};
     for (const std::string& bytes : panels) {
         std::istringstream stream(bytes);
         std::vector<PlotPanel> run;

@@ -13,8 +13,8 @@ namespace brevold::sim {
  */
 std::string runPanels(const Scenario& scenario, const RunCurves& curves, const std::string& name);
 
-/** Returns the gnuplot script of a page with the panels of several runs of `lengthNs`. */
+/** Returns the gnuplot script of a page with the panels of several runs, without the warm-up. */
 std::string runPlotPage(const std::string& terminal, const std::vector<std::string>& heading,
-                        int64_t lengthNs, const std::vector<std::string>& panels);
+                        int64_t measuredNs, const std::vector<std::string>& panels);
 
 }  // namespace brevold::sim

@@ -27,8 +27,13 @@ std::vector<Setup> sweepSetups(const Setup& setup, Sweep sweep) {
                 readings.readings.push_back({reading.service, depth});
             return {readings};
         case Sweep::Governor:
-            for (const auto& [word, governor] : kGovernorWords)
+            for (const auto& [word, governor] : kGovernorWords) {
+                // This is the governor performance.
+                if (governor == GovernorKind::Fixed && setup.device.governor.fixedShare == 1.0) {
+                    continue;
+                }
                 setups.emplace_back(setup).device.governor.kind = governor;
+            }
             break;
         case Sweep::Buffers:
             for (const int32_t buffers : {2, 3, 4})

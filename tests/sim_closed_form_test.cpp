@@ -18,7 +18,7 @@ constexpr char kTwoPoints[] =
         "cluster.little.opp=1000 MHz 100 mW\n"
         "app.cluster=big\ncompositor.cluster=little\ngovernor=fixed\n";
 
-TEST(ClosedForm, PowerAtAFixedFrequencyIsThePowerOfThePointTimesTheBusyShare) {
+TEST(ClosedFormTest, PowerAtAFixedFrequencyIsThePowerOfThePointTimesTheBusyShare) {
     struct Case {
         const char* name;
         const char* device;
@@ -71,7 +71,7 @@ std::string constantWork(int hz, int buffers, double workMs) {
            "\nmean-ms=" + std::to_string(workMs) + "\n";
 }
 
-TEST(ClosedForm, DownAsACapBecomesUnstableAtTheWorkOfTheFormula) {
+TEST(ClosedFormTest, DownAsACapBecomesUnstableAtTheWorkOfTheFormula) {
     struct Case {
         int hz;
         int depth;
@@ -92,7 +92,7 @@ TEST(ClosedForm, DownAsACapBecomesUnstableAtTheWorkOfTheFormula) {
     }
 }
 
-TEST(ClosedForm, DownSettlesAtItsFixedPointAndAsACapMayAlternate) {
+TEST(ClosedFormTest, DownSettlesAtItsFixedPointAndAsACapMayAlternate) {
     const double periodMs = 1e3 / 60;
     const std::string device = fineDevice();
     const std::vector<Metrics> metrics = measureAll(

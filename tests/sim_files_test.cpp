@@ -1,4 +1,4 @@
-// Device and workload files: what they set, and one clear error for each fault.
+// Device and workload files: their entries, and one clear error for each fault.
 
 #include <gtest/gtest.h>
 
@@ -24,7 +24,7 @@ std::string errorOf(Parse parse) {
     return "";
 }
 
-TEST(DeviceFile, SetsEveryEntry) {
+TEST(DeviceFileTest, SetsEveryEntry) {
     const Device device = parseDevice(
             "# comment\n\n  cluster.a.opp = 1500 MHz 300 mW # in any order\r\n" + kClusters +
                     "cluster.a.memory-share=0.2\ncluster.a.static-mw=5\ncompositor.work-ms=2\n"
@@ -66,7 +66,7 @@ TEST(DeviceFile, SetsEveryEntry) {
     EXPECT_EQ(device.clusterOf(3), std::nullopt);
 }
 
-TEST(DeviceFile, NamesTheLineOfAnError) {
+TEST(DeviceFileTest, NamesTheLineOfAnError) {
     const struct {
         const char* line;
         const char* error;
@@ -104,7 +104,7 @@ TEST(DeviceFile, NamesTheLineOfAnError) {
               "/nowhere: cannot be opened: No such file or directory");
 }
 
-TEST(WorkloadFile, BuiltInWorkloadsDifferInEveryEntryThatNamesThem) {
+TEST(WorkloadFileTest, BuiltInWorkloadsDifferInEveryEntryThatNamesThem) {
     EXPECT_EQ(builtInWorkloads(),
               (std::vector<std::string>{"double60", "game120", "game60", "game60heavy", "paced60",
                                         "scroll120", "spiky60", "video30"}));
@@ -120,7 +120,7 @@ TEST(WorkloadFile, BuiltInWorkloadsDifferInEveryEntryThatNamesThem) {
     EXPECT_EQ(readWorkload("double60").buffers, 2);
 }
 
-TEST(WorkloadFile, NamesTheLineOfAnError) {
+TEST(WorkloadFileTest, NamesTheLineOfAnError) {
     const struct {
         const char* text;
         const char* error;

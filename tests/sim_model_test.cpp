@@ -27,7 +27,7 @@ ClusterSpec fourPoints(double memoryShare = 0.0) {
     return {"big", {{500, 100}, {1000, 200}, {1500, 400}, {2000, 900}}, memoryShare, 0.0, {}};
 }
 
-TEST(ExactMath, AgreesWithTheMathematicalLibrary) {
+TEST(ExactMathTest, AgreesWithTheMathematicalLibrary) {
     for (double x = -30; x <= 30; x += 0.37) {
         EXPECT_NEAR(exp2Exact(x) / std::exp2(x), 1, 1e-15);
         EXPECT_NEAR(expExact(x) / std::exp(x), 1, 2e-14);
@@ -35,7 +35,7 @@ TEST(ExactMath, AgreesWithTheMathematicalLibrary) {
     }
 }
 
-TEST(ExactMath, RandomNumbersHaveTheirMoments) {
+TEST(ExactMathTest, RandomNumbersHaveTheirMoments) {
     const Random random(1);
     double sum = 0, squares = 0, uniforms = 0, beyondTwo = 0;
     constexpr int kCount = 100'000;
@@ -52,7 +52,7 @@ TEST(ExactMath, RandomNumbersHaveTheirMoments) {
     EXPECT_NEAR(uniforms / kCount, 0.5, 0.005);
 }
 
-TEST(Work, DependsOnTheFrameAlone) {
+TEST(WorkTest, DependsOnTheFrameAlone) {
     const Workload workload = readWorkload("spiky60");
     WorkSource all(workload, 5);
     WorkSource some(workload, 5);
@@ -68,7 +68,7 @@ TEST(Work, DependsOnTheFrameAlone) {
     EXPECT_EQ(equal, 0);
 }
 
-TEST(Cluster, SpeedAndPointsFollowTheTable) {
+TEST(ClusterTest, SpeedAndPointsFollowTheTable) {
     const ClusterSpec scaling = fourPoints();
     const ClusterSpec bound = fourPoints(0.5);
     EXPECT_DOUBLE_EQ(scaling.speedAt(1), 0.5);
@@ -82,7 +82,7 @@ TEST(Cluster, SpeedAndPointsFollowTheTable) {
     }
 }
 
-TEST(Cluster, CompletesExactlyAcrossChangesOfFrequency) {
+TEST(ClusterTest, CompletesExactlyAcrossChangesOfFrequency) {
     const ClusterSpec spec = fourPoints();
     GovernorSpec governor;
     governor.kind = GovernorKind::Performance;
@@ -104,7 +104,7 @@ TEST(Cluster, CompletesExactlyAcrossChangesOfFrequency) {
     EXPECT_EQ(cluster.meanMhz(Task::App), 1000) << "of a frame that takes no time";
 }
 
-TEST(Governor, UtilisationHasItsHalfLifeAndIsInvariantToFrequency) {
+TEST(GovernorTest, UtilisationHasItsHalfLifeAndIsInvariantToFrequency) {
     GovernorSpec spec;
     Utilisation full(spec);
     Utilisation half(spec);
@@ -116,7 +116,7 @@ TEST(Governor, UtilisationHasItsHalfLifeAndIsInvariantToFrequency) {
     EXPECT_NEAR(full.value(), 0.125, 1e-12);
 }
 
-TEST(Governor, EstimateOfTheLastRunsCountsFromTheWakeUp) {
+TEST(GovernorTest, EstimateOfTheLastRunsCountsFromTheWakeUp) {
     GovernorSpec spec;
     Utilisation utilisation(spec);
     utilisation.wakeUp();
@@ -131,7 +131,7 @@ TEST(Governor, EstimateOfTheLastRunsCountsFromTheWakeUp) {
     EXPECT_NEAR(utilisation.value(), 0.75 * 0.75, 0.001);
 }
 
-TEST(Governor, ChoosesTheLowestSufficientPointWithinItsRateLimits) {
+TEST(GovernorTest, ChoosesTheLowestSufficientPointWithinItsRateLimits) {
     const ClusterSpec cluster = fourPoints();
     GovernorSpec spec;
     Governor governor(spec, cluster, {});
@@ -168,7 +168,7 @@ host::Hint hint(host::HintKind kind, double scale, int32_t durationMs) {
     return {0, kind, 0, durationMs, 0, scale, 0, 0};
 }
 
-TEST(Service, ReadsScalesAndBoostsAsTheDeviceSays) {
+TEST(ServiceTest, ReadsScalesAndBoostsAsTheDeviceSays) {
     using host::HintKind;
     const ClusterSpec cluster = fourPoints();
     const struct {
@@ -205,7 +205,7 @@ TEST(Service, ReadsScalesAndBoostsAsTheDeviceSays) {
     }
 }
 
-TEST(Service, BoostOverridesScalesOnItsTargetsUntilItsRelease) {
+TEST(ServiceTest, BoostOverridesScalesOnItsTargetsUntilItsRelease) {
     using host::HintKind;
     const ClusterSpec cluster = fourPoints();
     const struct {
@@ -229,7 +229,7 @@ TEST(Service, BoostOverridesScalesOnItsTargetsUntilItsRelease) {
     }
 }
 
-TEST(SweepPlot, FrontierLeavesOutHeldPointsThatOthersBeat) {
+TEST(SweepPlotTest, FrontierLeavesOutHeldPointsThatOthersBeat) {
     const auto estimates = [](double missed, double energy, double framesPerSecond) {
         Estimates all;
         all.fill({0, 0});
@@ -251,7 +251,7 @@ TEST(SweepPlot, FrontierLeavesOutHeldPointsThatOthersBeat) {
     EXPECT_NE(sweepPlotPage("svg", {result}).find("\n0 1.2\n3 0.9\n4 0.8\n"), std::string::npos);
 }
 
-TEST(BufferQueue, LendsBuffersAndLatchesReadyFramesInOrder) {
+TEST(BufferQueueTest, LendsBuffersAndLatchesReadyFramesInOrder) {
     BufferQueue queue(3);
     const auto frame = [&](int64_t gpuNs, int64_t dueNs) {
         queue.dequeue();
@@ -274,7 +274,7 @@ bool areSame(const Metrics& a, const Metrics& b) {
     return memcmp(a.data(), b.data(), sizeof(a)) == 0;
 }
 
-TEST(Simulation, LibraryWithEveryFeatureOffChangesNothing) {
+TEST(SimulationTest, LibraryWithEveryFeatureOffChangesNothing) {
     for (const std::string& name : builtInWorkloads()) {
         SCOPED_TRACE(name);
         const sim::Setup setup = {parseDevice(kDevice, "device", {"cluster.little.coefficient=40"}),
@@ -288,7 +288,7 @@ TEST(Simulation, LibraryWithEveryFeatureOffChangesNothing) {
     }
 }
 
-TEST(Simulation, GivesTheSameBitsOnEveryPlatform) {
+TEST(SimulationTest, GivesTheSameBitsOnEveryPlatform) {
     const sim::Setup setup = {parseDevice(kDevice, "device", {"cluster.little.coefficient=40"}),
                               readWorkload("spiky60"),
                               {}};
@@ -299,7 +299,7 @@ TEST(Simulation, GivesTheSameBitsOnEveryPlatform) {
     EXPECT_EQ(at(metrics, Metric::HintsPerSecond), 59.5);
 }
 
-TEST(Simulation, ExtremesHaveDefinedResults) {
+TEST(SimulationTest, ExtremesHaveDefinedResults) {
     const struct {
         const char* name;
         const char* workload;

@@ -33,7 +33,7 @@ class TraceAndHints : public TraceWriter {
     std::vector<host::Hint> hints;
 };
 
-TEST(SimTrace, ReplaysToTheHintsOfTheSimulation) {
+TEST(SimTraceTest, ReplaysToTheHintsOfTheSimulation) {
     const std::vector<std::string> settings = {
             "feature.4=1",
             "feature.5=1",
@@ -100,7 +100,7 @@ std::string without(const std::string& text, const std::vector<std::string>& wor
     return rest;
 }
 
-TEST(SimTrace, GivesItsWorkBack) {
+TEST(SimTraceTest, GivesItsWorkBack) {
     constexpr char kDevice[] =
             "cluster.big.opp=600 MHz 80 mW\ncluster.big.opp=1400 MHz 260 mW\n"
             "cluster.big.opp=2800 MHz 1190 mW\ncluster.big.memory-share=0.2\n"
