@@ -132,7 +132,7 @@ TEST_F(InitTest, DebugLayersAreSplitAtSingleBlanksAndNeverRemoved) {
     EXPECT_EQ(answersAfter("c  d"), "yyynny");
 }
 
-TEST_F(InitTest, NothingIsOnBeforeItAndCheckTakesNamesThatBeginWithSf) {
+TEST_F(InitTest, NothingIsOnBeforeInitAndCheckTakesNamesThatBeginWithSf) {
     EXPECT_EQ(submit(frame(9)), "");
     brevoldRefresh();
     EXPECT_EQ(brevoldScaling(9, 0) + brevoldMonitor(0, kPeriod60Ns), 0);

@@ -123,7 +123,7 @@ TEST(InputTest, NamesTheRemedyForOtherFormats) {
     }
 }
 
-TEST(InputTest, ReadsWhatIsWholeOfATextThatEndsInsideALine) {
+TEST(InputTest, SkipsOnlyAnUnfinishedLastLine) {
     const std::string unfinished =
             "lines skipped because the text ends inside them: 1, the first in line ";
     const std::tuple<std::string, int, std::string> cases[] = {

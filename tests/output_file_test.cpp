@@ -1,4 +1,4 @@
-// Output files: what is replaced, what is written directly, and that nothing partial remains.
+// Output files: replaced files, direct writes, and no partial files.
 
 #include "base/output_file.h"
 
@@ -83,7 +83,7 @@ TEST_F(OutputFileTest, FollowsLinks) {
               "loop: Too many levels of symbolic links");
 }
 
-TEST_F(OutputFileTest, WritesDirectlyWhatIsNotARegularFile) {
+TEST_F(OutputFileTest, WritesDirectlyToOtherFiles) {
     const int file = open("a", O_RDWR | O_CREAT, 0600);
     ASSERT_EQ(::write(file, "before ", 7), 7);
     fs::create_symlink("/dev/fd/" + std::to_string(file), "link");

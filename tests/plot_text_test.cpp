@@ -48,7 +48,7 @@ TEST(PlotTextTest, ShowsDurationsWithThreeDigits) {
         EXPECT_EQ(durationText(seconds), text);
 }
 
-TEST(PlotTextTest, KeepsWhatCanBeDrawn) {
+TEST(PlotTextTest, ReplacesUndrawableCharacters) {
     const std::pair<std::string, const char*> cases[] = {
             {"\u03b1 \u65e5 \U0001f600 'x'", "\u03b1 \u65e5 \U0001f600 'x'"},
             {"a\tb\x7f\n", "a?b??"},
