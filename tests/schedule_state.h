@@ -19,8 +19,8 @@ constexpr size_t kFibers = kWorkers + 2, kNoFiber = kFibers;
 constexpr size_t kGLock = kWorkers, kLocks = kWorkers + 1;
 
 // A fiber pauses before each operation, or after an unlock, and any fiber may continue. An unlock,
-// a wait, a signal and a hint need no pause before them: no other fiber can notice one without the
-// lock that this fiber holds.
+// a wait, a signal and a hint need no pause before them: this fiber holds the lock that any other
+// fiber needs to notice them.
 enum class Operation : uint8_t { Call, Lock, Unlock, WakeUp, Query, End };
 
 struct Fiber {

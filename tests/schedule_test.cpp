@@ -73,8 +73,8 @@ const Call kCalls[] = {
          wordOf(0.125f, true)},
 };
 
-// All programs of up to this many calls a thread, of up to this many kinds in both threads
-// together.
+// All programs of up to this many calls a thread, with up to this many kinds of call in both
+// threads together.
 struct Programs {
     int calls;
     int kinds;
@@ -156,8 +156,10 @@ class Explorer {
             }
         }
         if (!node.steps.empty()) return node;
-        for (const Fiber& fiber : gWorld.fibers) {
-            if (fiber.next == Operation::Lock) fail("a deadlock");
+        for (size_t fiber = 0; fiber < kFibers; ++fiber) {
+            const Operation next = gWorld.fibers[fiber].next;
+            const bool isIdle = next == Operation::Call || next == Operation::End;
+            if (!(fiber < kWorkers ? gWorld.isAsleep(fiber) : isIdle)) fail("a deadlock");
         }
         node.schedules = 1.0;
         return node;
