@@ -22,18 +22,9 @@ constexpr int64_t kPeriodNs = 16666666, kSecondNs = 1000000000;
 // Short enough for a string without a heap block.
 constexpr char kLayer[] = "a.b/c#1", kOtherLayer[] = "d.e/f#1";
 
-void tickAt(int64_t timeNs) {
+void tick(int64_t timeNs = gWorld.timeNs + kPeriodNs) {
     gWorld.timeNs = timeNs;
     brevoldRefresh();
-}
-
-void tick() {
-    tickAt(gWorld.timeNs + kPeriodNs);
-}
-
-// At a full second: fewer states then differ by their time alone.
-void idleTick() {
-    tickAt((gWorld.timeNs / kSecondNs + 2) * kSecondNs);
 }
 
 // A frame with a headroom of 8 ms: a DOWN with two queued frames, an UP with one. A tracked frame
@@ -60,8 +51,9 @@ constexpr uint32_t wordOf(float scale, bool isQb) {
 // Only the first thread reports frames, and only the second one ticks.
 constexpr uint32_t kFirst = 1, kSecond = 2, kBoth = kFirst | kSecond;
 const Call kCalls[] = {
-        {"a tick", kSecond, tick},
-        {"an idle tick", kSecond, idleTick},
+        {"a tick", kSecond, [] { tick(); }},
+        // At a full second: fewer states then differ by their time alone.
+        {"an idle tick", kSecond, [] { tick((gWorld.timeNs / kSecondNs + 2) * kSecondNs); }},
         {"a release", kBoth, android::releaseScaling},
         {"a vsync", kFirst, [] { brevoldMonitor(2, kPeriodNs); }},
         {"a boost", kBoth, [] { brevoldScaling(2, 0); }, kSf, wordOf(10.0f, false)},

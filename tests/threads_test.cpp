@@ -57,10 +57,8 @@ TEST_F(DeviceTest, ConcurrentCallsReleaseEveryBoost) {
     };
     const auto refresh = [] {
         // A verdict needs 30 fps. Idle gaps reset the mode until the next window ends.
-        for (int i = 0; !isEnough(); ++i) {
-            const int64_t intervalNs = i / 192 % 4 == 3 ? kSecondNs / 30 : kPeriod60Ns;
-            tick(i % 192 < 6 ? kSecondNs : intervalNs);
-        }
+        for (int i = 0; !isEnough(); ++i)
+            tick(i % 192 < 6 ? kSecondNs : i / 192 % 4 == 3 ? kSecondNs / 30 : kPeriod60Ns);
     };
     std::thread threads[] = {std::thread(report), std::thread(refresh), std::thread(compose),
                              std::thread(compose)};
