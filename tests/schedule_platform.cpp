@@ -111,6 +111,7 @@ extern "C" int pthread_mutex_lock(pthread_mutex_t* mutex) {
 extern "C" int pthread_mutex_unlock(pthread_mutex_t* mutex) {
     if (gCurrent == kNoFiber) return 0;
     const size_t lock = indexOf(mutex);
+    if (gWorld.owners[lock] != gCurrent) check("a lock is released that is not held");
     if (gCurrent < kWorkers) {
         check(gWorld.rules.endPass(gCurrent));
     } else if (lock < kWorkers) {

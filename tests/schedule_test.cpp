@@ -71,7 +71,7 @@ struct Programs {
     int calls;
     int kinds;
 };
-constexpr Programs kPrograms[] = {{2, 4}, {3, 4}, {4, 3}};
+constexpr Programs kPrograms[] = {{2, 4}, {4, 3}};
 
 void makeCalls(void* calls) {
     Fiber& self = gWorld.fibers[gCurrent];
