@@ -20,31 +20,11 @@ set tmargin at screen 0.9029
 set bmargin at screen 0.7188
 set key at screen 0.8469, screen 0.9079 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'time between frames that the application queues, ms' at screen 0.1156, screen 0.9105 left font ',11'
-$data1 << END
-2.481997 14.074
-2.497259 15.262
-2.561 1
-2.562 1
-2.563 1
-2.569822 6.822
-2.578881 9.059
-2.58573 6.849
-2.595167 9.437
-END
-$data2 << END
-2.47 8.33333
-2.6 8.33333
-END
-$data3 << END
-2.47 16.6667
-2.6 16.6667
-END
-$data4 << END
-2.56 20.5333
-END
-$data5 << END
-2.56 20.5333 "63"
-END
+$data1 << END 9 rows: 115.735957 300.668
+$data2 << END 2 rows: 7.67 24.99999
+$data3 << END 2 rows: 7.67 50.0001
+$data4 << END 1 rows: 2.56 20.5333
+$data5 << END 1 rows: 2.56 20.5333 0 2.56 20.5333 "63"
 plot NaN notitle, $data1 using 1:2 with points pt 7 ps 0.35 lc rgb '#0072B2' title 'frame interval', $data2 using 1:2 with lines lw 1.5 lc rgb '#E69F00' title '1 refresh period', $data3 using 1:2 with lines lw 1.5 lc rgb '#E69F00' dt 2 title '2 periods', $data4 using 1:2 with points pt 9 ps 0.8 lc rgb '#D55E00' title '1 above 18 ms, max 62.7 ms', $data5 using 1:2:3 with labels center offset 0,-0.8 font ',9' notitle
 unset label
 unset logscale y
@@ -56,9 +36,7 @@ set tmargin at screen 0.6921
 set bmargin at screen 0.6502
 set key at screen 0.8469, screen 0.6971 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'missed refreshes, against the pace of the 15 frames before' at screen 0.1156, screen 0.6996 left font ',11'
-$data6 << END
-2.567213 2.567213 0 6
-END
+$data6 << END 1 rows: 2.567213 2.567213 0 6
 plot NaN notitle, $data6 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#D55E00' lc rgb '#D55E00' lw 2 title 'missed: 6'
 unset label
 unset logscale y
@@ -70,44 +48,7 @@ set tmargin at screen 0.6234
 set bmargin at screen 0.5397
 set key at screen 0.8469, screen 0.6285 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'frames in the queue' at screen 0.1156, screen 0.6310 left font ',11'
-$data7 << END
-2.47 1
-2.475522 1
-2.475522 0
-2.481997 0
-2.481997 1
-2.483877 1
-2.483877 0
-2.497259 0
-2.497259 1
-2.500459 1
-2.500459 0
-2.56 0
-2.56 1
-2.561 1
-2.561 2
-2.562 2
-2.562 3
-2.563 3
-2.563 4
-2.567213 4
-2.567213 3
-2.569822 3
-2.569822 4
-2.575512 4
-2.575512 3
-2.578881 3
-2.578881 4
-2.58383 4
-2.58383 3
-2.58573 3
-2.58573 4
-2.592167 4
-2.592167 3
-2.595167 3
-2.595167 4
-2.6 4
-END
+$data7 << END 36 rows: 1712.02875 1987
 plot NaN notitle, $data7 using 1:2 with lines lw 1 lc rgb '#0072B2' title 'queue depth'
 unset label
 unset logscale y
@@ -119,12 +60,8 @@ set tmargin at screen 0.5130
 set bmargin at screen 0.4276
 set key at screen 0.8469, screen 0.5180 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'frame-rate mode that the library measures, once a second' at screen 0.1156, screen 0.5205 left font ',11'
-$data8 << END
-2.47 2.6 4.35 4.9
-END
-$data9 << END
-2.47 2.6 4.1 4.3
-END
+$data8 << END 1 rows: 2.47 2.6 4.35 4.9
+$data9 << END 1 rows: 2.47 2.6 4.1 4.3
 plot NaN notitle, $data8 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#0072B2' lc rgb '#0072B2' lw 1 notitle, $data9 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#000000' lc rgb '#000000' lw 1 notitle, keyentry with boxxyerror fs solid noborder fc rgb '#0072B2' title 'mode', keyentry with boxxyerror fs solid noborder fc rgb '#E6E6E6' title 'shaded: no DOWN, UP, boost', keyentry with boxxyerror fs solid noborder fc rgb '#000000' title 'mode with --vs'
 unset label
 set logscale y
@@ -136,39 +73,11 @@ set tmargin at screen 0.4008
 set bmargin at screen 0.2167
 set key at screen 0.8469, screen 0.4059 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'scale of the requests (logarithmic): UP, above 1, asks for more speed; DOWN, below 1, for less' at screen 0.1156, screen 0.4084 left font ',11'
-$data10 << END
-2.47 2.477923 1 2.815
-2.481997 2.491997 1 1.772
-2.497259 2.507259 1 14.75
-END
-$data11 << END
-2.561 2.562 0.0625 1
-2.562 2.563 0.0625 1
-2.563 2.569822 0.0625 1
-2.569822 2.578881 0.257 1
-2.578881 2.58573 0.352 1
-2.58573 2.595167 0.251 1
-2.595167 2.6 0.361 1
-END
-$data12 << END
-2.561 0.071875
-2.562 0.071875
-2.563 0.071875
-END
-$data13 << END
-2.47 2.815
-2.477923 2.815
-
-2.481997 1.772
-2.491997 1.772
-
-2.497259 14.75
-2.507259 14.75
-END
-$data14 << END
-2.47 1
-2.6 1
-END
+$data10 << END 3 rows: 14.925771 14.983694 6 50.609
+$data11 << END 7 rows: 72.228242 72.412642 7.196 28
+$data12 << END 3 rows: 15.374 0.43125
+$data13 << END 8 rows: 67.352704 245.643
+$data14 << END 2 rows: 7.67 3
 plot NaN notitle, $data10 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#D55E00' lc rgb '#D55E00' lw 1 title 'UP: 2', $data11 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#009E73' lc rgb '#009E73' lw 1 title 'DOWN: 7', $data12 using 1:2 with points pt 11 ps 0.9 lc rgb '#000000' title 'DOWN below 0.0625: 3', $data13 using 1:2 with lines lw 1 lc rgb '#000000' title 'UP with --vs: 2', keyentry with lines lw 1 lc rgb '#000000' title 'DOWN with --vs: 0', $data14 using 1:2 with lines lw 1 lc rgb '#888888' notitle
 unset label
 unset logscale y
@@ -180,18 +89,8 @@ set tmargin at screen 0.1900
 set bmargin at screen 0.1397
 set key at screen 0.8469, screen 0.1950 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'jank boosts until their release, and vsyncs with a boost verdict' at screen 0.1156, screen 0.1975 left font ',11'
-$data15 << END
-2.568713 2.575262 1.35 1.9
-2.577012 2.58358 1.35 1.9
-2.58533 2.591917 1.35 1.9
-2.593667 2.6 1.35 1.9
-END
-$data16 << END
-2.568713 2.575262 1.1 1.3
-2.577012 2.58358 1.1 1.3
-2.58533 2.591917 1.1 1.3
-2.593667 2.6 1.1 1.3
-END
+$data15 << END 4 rows: 25.853395 25.918173 13.5 19
+$data16 << END 4 rows: 25.853395 25.918173 11 13
 plot NaN notitle, $data15 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#AA4488' lc rgb '#AA4488' lw 1 notitle, $data16 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#000000' lc rgb '#000000' lw 1 notitle, keyentry with boxxyerror fs solid noborder fc rgb '#AA4488' title 'jank boost: 4', keyentry with boxxyerror fs solid noborder fc rgb '#D55E00' title 'boost verdict: 0', keyentry with boxxyerror fs solid noborder fc rgb '#000000' title 'with --vs: 4 and 0'
 unset label
 set xtics ('2.48' 2.48, '2.50' 2.5, '2.52' 2.52, '2.54' 2.54, '2.56' 2.56, '2.58' 2.58, '2.60' 2.6)
@@ -205,10 +104,7 @@ set tmargin at screen 0.1130
 set bmargin at screen 0.0460
 set key at screen 0.8469, screen 0.1180 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'refresh rate of the display, Hz' at screen 0.1156, screen 0.1205 left font ',11'
-$data17 << END
-2.47 120
-2.6 120
-END
+$data17 << END 2 rows: 7.67 360
 plot NaN notitle, $data17 using 1:2 with lines lw 1.5 lc rgb '#000000' title 'display', keyentry with points pt 7 ps 0.7 lc rgb '#E69F00' title 'refresh-rate hint: 0', keyentry with points pt 6 ps 1.1 lc rgb '#000000' title 'refresh-rate hint, --vs: 0'
 unset label
 unset multiplot
