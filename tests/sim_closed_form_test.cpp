@@ -19,29 +19,23 @@ constexpr char kTwoPoints[] =
         "app.cluster=big\ncompositor.cluster=little\ngovernor=fixed\n";
 
 TEST(ClosedFormTest, PowerAtAFixedFrequencyIsThePowerOfThePointTimesTheBusyShare) {
-    struct Case {
-        const char* name;
-        const char* device;
-        double busyMw;
-        double speed;
-    };
-    const Case kCases[] = {
-            {"maximum", "", 900, 1},
-            {"half", "governor.fixed-share=0.5\n", 200, 0.5},
-            {"rounds up to a point", "governor.fixed-share=0.51\n", 900, 1},
-            {"memory share", "governor.fixed-share=0.5\ncluster.big.memory-share=0.5\n", 200,
+    const std::tuple<const char*, double, double> cases[] = {
+            {"governor.fixed-share=1\n", 900, 1},
+            {"governor.fixed-share=0.5\n", 200, 0.5},
+            {"governor.fixed-share=0.51\n", 900, 1},  // rounds up to a point
+            {"governor.fixed-share=0.5\ncluster.big.memory-share=0.5\n", 200,
              1 / (0.5 / 0.5 + 0.5)},
     };
     const double periodMs = 1e3 / 60;
-    for (const Case& c : kCases) {
-        SCOPED_TRACE(c.name);
+    for (const auto& [entries, busyMw, speed] : cases) {
+        SCOPED_TRACE(entries);
         const Scenario scenario =
-                makeScenario(std::string(kTwoPoints) + c.device, "mean-ms=5\n", 60 * kSecondNs);
+                makeScenario(std::string(kTwoPoints) + entries, "mean-ms=5\n", 60 * kSecondNs);
         const Metrics metrics = measure(scenario, {});
-        const double expectedMw = c.busyMw * 5 / c.speed / periodMs;
+        const double expectedMw = busyMw * 5 / speed / periodMs;
         EXPECT_NEAR(at(metrics, Metric::AppPowerMw), expectedMw, expectedMw / 1000);
         EXPECT_NEAR(at(metrics, Metric::CompositorPowerMw), 100 * 1.2 / periodMs, 0.01);
-        EXPECT_NEAR(at(metrics, Metric::FrameTimeMs), 5 / c.speed, 1e-5);
+        EXPECT_NEAR(at(metrics, Metric::FrameTimeMs), 5 / speed, 1e-5);
         EXPECT_NEAR(at(metrics, Metric::FramesPerSecond), 60, 0.02);
         EXPECT_EQ(at(metrics, Metric::MissedPerMinute), 0);
     }
@@ -72,18 +66,14 @@ std::string constantWork(int hz, int buffers, double workMs) {
 }
 
 TEST(ClosedFormTest, DownAsACapBecomesUnstableAtTheWorkOfTheFormula) {
-    struct Case {
-        int hz;
-        int depth;
-    };
     const std::string device = fineDevice();
-    for (const Case& c : {Case{60, 2}, Case{90, 2}, Case{120, 2}, Case{60, 3}}) {
-        SCOPED_TRACE(std::to_string(c.hz) + " Hz, depth " + std::to_string(c.depth));
-        const double thresholdMs = unstableWorkMs(1e3 / c.hz, c.depth);
+    for (const auto& [hz, depth] : {std::pair(60, 2), {90, 2}, {120, 2}, {60, 3}}) {
+        SCOPED_TRACE(std::to_string(hz) + " Hz, depth " + std::to_string(depth));
+        const double thresholdMs = unstableWorkMs(1e3 / hz, depth);
         std::vector<Scenario> scenarios;
         for (const double factor : {0.95, 1.05}) {
             scenarios.push_back(makeScenario(
-                    device, constantWork(c.hz, c.depth + 1, factor * thresholdMs), 20 * kSecondNs));
+                    device, constantWork(hz, depth + 1, factor * thresholdMs), 20 * kSecondNs));
         }
         const std::vector<Metrics> metrics = measureAll(scenarios, kScalingOn);
         EXPECT_TRUE(isStable(metrics[0])) << at(metrics[0], Metric::FrameTimeSdMs);

@@ -1,48 +1,45 @@
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <sstream>
 
 #include "replay/isolated_play.h"
 #include "sim/trace_writer.h"
+#include "tests/inputs.h"
 #include "tests/sim_test.h"
-#include "trace/read_timeline.h"
-#include "trace/string_source.h"
 
 namespace brevold::sim {
 namespace {
 
 constexpr int64_t kSecondNs = 1'000'000'000;
 
-std::string linesOf(const std::vector<host::Hint>& hints) {
-    std::ostringstream lines;
-    for (const host::Hint& hint : hints) {
-        lines << hint.timeNs << ' ' << hint.identifier << ' ' << hint.durationMs << ' ' << hint.type
-              << '\n';
-    }
-    return lines.str();
-}
-
-/** Writes the trace and keeps the hints. */
-class TraceAndHints : public TraceWriter {
+/** Writes the trace, and keeps the hints and the work of each frame. */
+class Recorder : public TraceWriter {
   public:
     using TraceWriter::TraceWriter;
     void onHint(const host::Hint& hint) override { hints.push_back(hint); }
+    void onQueue(int64_t nowNs, const Frame& frame, int32_t depth) override {
+        TraceWriter::onQueue(nowNs, frame, depth);
+        workNs.push_back(frame.workNs);
+    }
     std::vector<host::Hint> hints;
+    std::vector<int64_t> workNs;
 };
 
+std::string linesOf(const std::vector<host::Hint>& hints) {
+    std::string lines;
+    for (const host::Hint& hint : hints)
+        lines += fmt::format("{} {} {} {}\n", hint.timeNs, hint.identifier, hint.durationMs,
+                             hint.type);
+    return lines;
+}
+
 TEST(SimTraceTest, ReplaysToTheHintsOfTheSimulation) {
-    const std::vector<std::string> settings = {
-            "feature.4=1",
-            "feature.5=1",
-            "vendor.perf.pfar.enable=1",
-            "vendor.perf.pfar.down.enable=1",
-            "vendor.perf.jr10.enable=1",
-            "vendor.perf.fps_switch.enable=1",
-            "app-type.*=2",
-    };
+    std::vector<std::string> settings = kScalingOn;
+    settings.insert(settings.end(), {"feature.4=1", "vendor.perf.jr10.enable=1",
+                                     "vendor.perf.fps_switch.enable=1"});
     constexpr char kSharedCluster[] =
             "cluster.all.opp=1000 MHz 100 mW\ncluster.all.opp=2000 MHz 400 mW\n"
             "app.cluster=all\ncompositor.cluster=all\n";
@@ -50,52 +47,37 @@ TEST(SimTraceTest, ReplaysToTheHintsOfTheSimulation) {
     BoostDepth depth = BoostDepth::Left;
     for (const std::string& workload : builtInWorkloads()) {
         depth = depth == BoostDepth::Left ? BoostDepth::Found : BoostDepth::Left;
-        SCOPED_TRACE(workload);
         const sim::Setup setup = {
                 parseDevice(kSharedCluster, "device", {}), readWorkload(workload), {}};
         const Scenario scenario =
                 scenarioOf(setup, {setup.device.service, depth}, 5 * kSecondNs, 1);
-        const auto simulate = [&](bool returnsTrace) {
-            return runSimulations({[&] {
-                                      std::ostringstream trace;
-                                      TraceAndHints writer(scenario.device,
-                                                           scenario.workload.periodNs(), trace);
-                                      std::optional<Library> library = loadLibrary(settings);
-                                      Simulation(scenario, &*library, writer).run();
-                                      return returnsTrace ? trace.str() : linesOf(writer.hints);
-                                  }},
-                                  1)
-                    .front();
+        const auto simulate = [&](bool returnsTrace) -> Job {
+            return [&, returnsTrace] {
+                std::ostringstream trace;
+                Recorder recorder(scenario.device, scenario.workload.periodNs(), trace);
+                std::optional<Library> library = loadLibrary(settings);
+                Simulation(scenario, &*library, recorder).run();
+                return returnsTrace ? trace.str() : linesOf(recorder.hints);
+            };
         };
-        const std::string simulated = simulate(false);
-        hints += std::count(simulated.begin(), simulated.end(), '\n');
-        trace::TraceInput input(std::make_unique<trace::StringSource>(simulate(true)), "trace");
+        const std::vector<std::string> simulated =
+                runSimulations({simulate(false), simulate(true)}, 2);
+        hints += std::count(simulated[0].begin(), simulated[0].end(), '\n');
+        trace::TraceInput input = test::inputOf(simulated[1]);
         const trace::Timeline timeline = trace::readTimeline(input, {});
-        EXPECT_TRUE(timeline.warnings.empty());
-        EXPECT_EQ(linesOf(replay::playIsolated(timeline, settings, {depth}).hints), simulated);
+        EXPECT_TRUE(timeline.warnings.empty()) << workload;
+        EXPECT_EQ(linesOf(replay::playIsolated(timeline, settings, {depth}).hints), simulated[0])
+                << workload;
     }
     EXPECT_GT(hints, 1000);
 }
-
-/** Writes the trace and keeps the work of each frame. */
-class TraceAndWork : public TraceWriter {
-  public:
-    using TraceWriter::TraceWriter;
-    void onQueue(int64_t nowNs, const Frame& frame, int32_t depth) override {
-        TraceWriter::onQueue(nowNs, frame, depth);
-        workNs.push_back(frame.workNs);
-    }
-    std::vector<int64_t> workNs;
-};
 
 std::string without(const std::string& text, const std::vector<std::string>& words) {
     std::istringstream lines(text);
     std::string rest;
     for (std::string line; std::getline(lines, line);) {
-        const bool has = std::any_of(words.begin(), words.end(), [&](const std::string& word) {
-            return line.find(word) != std::string::npos;
-        });
-        if (!has) rest += line + '\n';
+        const auto isInLine = [&](const std::string& word) { return line.find(word) != line.npos; };
+        if (std::none_of(words.begin(), words.end(), isInLine)) rest += line + '\n';
     }
     return rest;
 }
@@ -138,11 +120,10 @@ TEST(SimTraceTest, GivesItsWorkBack) {
         };
         const Scenario written = scenario(readWorkload(c.workload));
         std::ostringstream text;
-        TraceAndWork writer(device, written.workload.periodNs(), text);
-        Simulation(written, nullptr, writer).run();
+        Recorder recorder(device, written.workload.periodNs(), text);
+        Simulation(written, nullptr, recorder).run();
 
-        trace::TraceInput input(
-                std::make_unique<trace::StringSource>(without(text.str(), c.omitted)), "trace");
+        trace::TraceInput input = test::inputOf(without(text.str(), c.omitted));
         const RecordedWork work =
                 readRecordedWork(input, {}, parseDevice(kDevice, "device", c.settings));
         EXPECT_EQ(work.method, c.method);
@@ -152,13 +133,12 @@ TEST(SimTraceTest, GivesItsWorkBack) {
             EXPECT_EQ(thread.name, "com.example.sim");
         EXPECT_LE(work.unmeasuredFrames, c.maxUnmeasured);
         // The first frame has no queue before it.
-        ASSERT_EQ(work.frames.size(), writer.workNs.size() - 1);
+        ASSERT_EQ(work.frames.size(), recorder.workNs.size() - 1);
         int32_t different = 0;
         for (size_t i = 0; i < work.frames.size(); ++i) {
-            const double expected = c.factor * static_cast<double>(writer.workNs[i + 1]);
-            if (std::abs(static_cast<double>(work.frames[i].workNs) / expected - 1) > 0.01) {
-                ++different;
-            }
+            const double expected = c.factor * static_cast<double>(recorder.workNs[i + 1]);
+            const double share = static_cast<double>(work.frames[i].workNs) / expected;
+            different += std::abs(share - 1) > 0.01 ? 1 : 0;
         }
         EXPECT_LE(different, work.unmeasuredFrames);
         if (c.factor != 1) continue;
