@@ -9,25 +9,24 @@
 namespace brevold::replay {
 namespace {
 
+using Kind = trace::TimelineEvent::Kind;
+
+const std::vector<std::string> kScaling = {"feature.5=1", "vendor.perf.pfar.enable=1",
+                                           "vendor.perf.brevold.debug=1"};
+
 TEST(IsolatedPlayTest, ReportsHowTheReplayFailed) {
     trace::Timeline timeline;
     timeline.layers = {{"com.example/a#1", 1}};
     // The first frame's predecessor has the stamp -1: their difference overflows.
     const int64_t timeNs = std::numeric_limits<int64_t>::max();
-    timeline.events = {{timeNs, trace::TimelineEvent::Kind::Frame, 0, 1, 0, 0}};
-    const std::pair<std::vector<std::string>, const char*> cases[] = {
-            {{"vendor.perf.pfar.enable=1", "feature.5=1"}, "the library ended the replay: Aborted"},
-            {{"feature.5"}, "expected key=value, got \"feature.5\""},
-            {{}, ""},
+    timeline.events = {{timeNs, Kind::Frame, 0, 1, 0, 0}};
+    const auto errorWith = [&](const std::vector<std::string>& settings) {
+        return test::errorOf<std::runtime_error>([&] { playIsolated(timeline, settings); });
     };
-    for (const auto& [settings, error] : cases) {
-        EXPECT_EQ(test::errorOf<std::runtime_error>(
-                          [&, &entries = settings] { playIsolated(timeline, entries); }),
-                  error);
-    }
+    EXPECT_EQ(errorWith(kScaling), "the library ended the replay: Aborted");
+    EXPECT_EQ(errorWith({"feature.5"}), "expected key=value, got \"feature.5\"");
+    EXPECT_EQ(errorWith({}), "");
 }
-
-using Kind = trace::TimelineEvent::Kind;
 
 /** A steady 60 Hz for 1.5 s, during which layer 0 has a frame, and then a frame of layer 1. */
 trace::Timeline timelineOfTwoLayers() {
@@ -45,9 +44,6 @@ trace::Timeline timelineOfTwoLayers() {
     timeline.events.push_back({endNs, Kind::Frame, 1, 1, 0, 0});
     return timeline;
 }
-
-const std::vector<std::string> kScaling = {"feature.5=1", "vendor.perf.pfar.enable=1",
-                                           "vendor.perf.brevold.debug=1"};
 
 TEST(IsolatedPlayTest, RecordsMarksUnlessTheyAreOff) {
     for (const bool hasMarks : {true, false}) {

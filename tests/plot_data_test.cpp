@@ -10,20 +10,18 @@ constexpr int64_t kMs = 1'000'000;
 
 /** "0:1 0.5:2": times and values. */
 std::string textOf(const PlotPoints& points) {
-    std::string text;
-    for (const PlotPoint& point : points)
-        text += fmt::format("{}{:g}:{:g}", text.empty() ? "" : " ", point.timeS, point.value);
-    return text;
+    std::vector<std::string> texts;
+    for (const auto& [timeS, value] : points)
+        texts.push_back(fmt::format("{:g}:{:g}", timeS, value));
+    return fmt::format("{}", fmt::join(texts, " "));
 }
 
 /** "0-0.5:2": times and values. */
 std::string textOf(const PlotSpans& spans) {
-    std::string text;
-    for (const PlotSpan& span : spans) {
-        text += fmt::format("{}{:g}-{:g}:{:g}", text.empty() ? "" : " ", span.fromS, span.toS,
-                            span.value);
-    }
-    return text;
+    std::vector<std::string> texts;
+    for (const auto& [fromS, toS, value] : spans)
+        texts.push_back(fmt::format("{:g}-{:g}:{:g}", fromS, toS, value));
+    return fmt::format("{}", fmt::join(texts, " "));
 }
 
 std::string textOf(const PlotData& data) {
@@ -40,10 +38,6 @@ std::string textOf(const PlotData& data) {
                        textOf(data.replays.at(1).downs));
 }
 
-host::Hint hintAt(int64_t ms, host::HintKind kind, uint32_t type, double scale) {
-    return {ms * kMs, kind, 0, 100, type, scale, 0, 0};
-}
-
 TEST(PlotDataTest, HasACurveForEachQuantity) {
     using Kind = trace::TimelineEvent::Kind;
     trace::Timeline timeline;
@@ -51,28 +45,26 @@ TEST(PlotDataTest, HasACurveForEachQuantity) {
     timeline.focusedLayer = 1;
     timeline.startNs = 1000 * kMs;
     timeline.endNs = 3000 * kMs;
-    timeline.events = {{1000 * kMs, Kind::Period, 0, 0, 0, 10 * kMs},
-                       {1100 * kMs, Kind::Frame, 1, 1, 0, 0},
-                       {1150 * kMs, Kind::Frame, 0, 7, 0, 0},
-                       {1200 * kMs, Kind::Depth, 1, 0, 0, 0},
-                       {1210 * kMs, Kind::Frame, 1, 1, 0, 0},
-                       {1220 * kMs, Kind::Depth, 1, 0, 0, 0},
-                       {1225 * kMs, Kind::Frame, 1, 1, 0, 0},
-                       {1227 * kMs, Kind::Depth, 1, 2, 0, 0},
-                       {1270 * kMs, Kind::Depth, 1, 1, 0, 0},
-                       {1300 * kMs, Kind::Frame, 1, 2, 0, 0},
-                       {1500 * kMs, Kind::Focus, 0, 0, 0, 0},
-                       {2000 * kMs, Kind::Period, 0, 0, 0, 20 * kMs}};
+    // Time in ms, kind, layer, depth, period in ms.
+    const std::tuple<int64_t, Kind, int32_t, int32_t, int64_t> events[] = {
+            {1000, Kind::Period, 0, 0, 10}, {1100, Kind::Frame, 1, 1, 0},
+            {1150, Kind::Frame, 0, 7, 0},   {1200, Kind::Depth, 1, 0, 0},
+            {1210, Kind::Frame, 1, 1, 0},   {1220, Kind::Depth, 1, 0, 0},
+            {1225, Kind::Frame, 1, 1, 0},   {1227, Kind::Depth, 1, 2, 0},
+            {1270, Kind::Depth, 1, 1, 0},   {1300, Kind::Frame, 1, 2, 0},
+            {1500, Kind::Focus, 0, 0, 0},   {2000, Kind::Period, 0, 0, 20}};
+    for (const auto& [timeMs, kind, layer, depth, periodMs] : events)
+        timeline.events.push_back({timeMs * kMs, kind, layer, depth, 0, periodMs * kMs});
     replay::Recording recording;
     recording.modes = {{1000 * kMs, 5}, {2500 * kMs, 2}};
     recording.verdictTimesNs = {1990 * kMs, 2000 * kMs};
-    recording.hints = {hintAt(1400, host::HintKind::Down, 0, 0.5),
-                       hintAt(1450, host::HintKind::Down, 0, 0.25),
-                       hintAt(1700, host::HintKind::Down, 0, 0.75),
-                       hintAt(1800, host::HintKind::Up, 0, 1.5),
-                       hintAt(1900, host::HintKind::JankBoost, 0, 10),
-                       hintAt(1950, host::HintKind::Release, 1, 0),
-                       hintAt(2000, host::HintKind::RefreshRate, 60, 0)};
+    const std::tuple<int64_t, host::HintKind, uint32_t, double> hints[] = {
+            {1400, host::HintKind::Down, 0, 0.5},      {1450, host::HintKind::Down, 0, 0.25},
+            {1700, host::HintKind::Down, 0, 0.75},     {1800, host::HintKind::Up, 0, 1.5},
+            {1900, host::HintKind::JankBoost, 0, 10},  {1950, host::HintKind::Release, 1, 0},
+            {2000, host::HintKind::RefreshRate, 60, 0}};
+    for (const auto& [timeMs, kind, type, scale] : hints)
+        recording.hints.push_back({timeMs * kMs, kind, 0, 100, type, scale, 0, 0});
     const replay::Recording silent;
     const std::tuple<int64_t, int64_t, const char*> windows[] = {
             {1000, 3000,

@@ -20,11 +20,12 @@ std::string legendOf(const PlotPanel& panel) {
     return text;
 }
 
-/** The row that begins with a time. */
-std::string rowAt(const PlotCurve& curve, const std::string& time) {
-    const size_t begin = ("\n" + curve.rows).find("\n" + time + " ");
+/** The row of a panel's curve that begins with a time. */
+std::string rowAt(const PlotPanel& panel, size_t curve, const std::string& time) {
+    const std::string rows = "\n" + panel.curves[curve].rows;
+    const size_t begin = rows.find("\n" + time + " ");
     if (begin == std::string::npos) return "";
-    return curve.rows.substr(begin, curve.rows.find('\n', begin) - begin);
+    return rows.substr(begin + 1, rows.find('\n', begin + 1) - begin - 1);
 }
 
 TEST(PlotPanelsTest, ShowTheDistributionOfMorePointsThanPixels) {
@@ -46,39 +47,33 @@ TEST(PlotPanelsTest, ShowTheDistributionOfMorePointsThanPixels) {
         curves.boosts.push_back({timeS, timeS + 0.05, 10});
     }
     const PlotPanel intervals = intervalPanel(data);
+    const PlotPanel missed = missedRefreshPanel(data);
+    const PlotPanel depths = depthPanel(data);
+    const PlotPanel modes = modePanel(data);
+    const PlotPanel scales = scalePanel(data);
+    const PlotPanel boosts = boostPanel(data);
     EXPECT_EQ(legendOf(intervals),
               "all intervals of 1.00 s(580) 5 % to 95 % of them(580) median(1160) "
               "1 refresh period(2) 2 periods(2) 2 above 22 ms, max 100 ms(2) (1) ");
-    EXPECT_EQ(rowAt(intervals.curves[0], "0"), "0 1 8 22");
-    EXPECT_EQ(rowAt(intervals.curves[1], "2"), "2 3 8 12");
-
-    const PlotPanel missed = missedRefreshPanel(data);
     EXPECT_EQ(legendOf(missed), "missed: 2930, sum of 2.00 s(290) ");
-    EXPECT_EQ(rowAt(missed.curves[0], "0"), "0 2 0 40");
     EXPECT_GT(missed.maxY, 40);
-
-    const PlotPanel depths = depthPanel(data);
-    EXPECT_EQ(rowAt(depths.curves[0], "4"), "4 8 0 2");
-    EXPECT_EQ(rowAt(depths.curves[1], "572"), "572 0.9875");
-
-    const PlotPanel modes = modePanel(data);
     EXPECT_NE(modes.title.find("height: share of 1.00 s"), std::string::npos) << modes.title;
-    EXPECT_EQ(rowAt(modes.curves[0], "5"), "5 6 5.35 5.625");  // half of 0.55
     EXPECT_EQ(unclassifiedSpans(data).size(), 2900u);
-
-    const PlotPanel scales = scalePanel(data);
     EXPECT_EQ(legendOf(scales),
               "extreme of 1.00 s(580) UP: 0, median(580) extreme of 1.00 s(580) "
               "DOWN: 0, median(580) DOWN below 0.0625: 20(8) UP with --vs: 0(0) "
               "DOWN with --vs: 0(0) (2) ");
-    EXPECT_EQ(rowAt(scales.curves[0], "0"), "0 1 1 9");
-    EXPECT_EQ(rowAt(scales.curves[1], "5"), "5 6 1 1.6");
-    EXPECT_EQ(rowAt(scales.curves[2], "5"), "5 6 0.5 1");
-    EXPECT_EQ(rowAt(scales.curves[3], "5"), "5 6 0.7 1");
-    EXPECT_EQ(scales.minY, 0.0625);
-    EXPECT_EQ(scales.maxY, 16);
-
-    EXPECT_EQ(rowAt(boostPanel(data).curves[0], "5"), "5 6 1.35 1.625");
+    EXPECT_EQ(std::pair(scales.minY, scales.maxY), std::pair(0.0625, 16.0));
+    const std::tuple<const PlotPanel&, size_t, const char*, const char*> rows[] = {
+            {intervals, 0, "0", "0 1 8 22"},    {intervals, 1, "2", "2 3 8 12"},
+            {missed, 0, "0", "0 2 0 40"},       {depths, 0, "4", "4 8 0 2"},
+            {depths, 1, "572", "572 0.9875"},   {modes, 0, "5", "5 6 5.35 5.625"},  // half of 0.55
+            {scales, 0, "0", "0 1 1 9"},        {scales, 1, "5", "5 6 1 1.6"},
+            {scales, 2, "5", "5 6 0.5 1"},      {scales, 3, "5", "5 6 0.7 1"},
+            {boosts, 0, "5", "5 6 1.35 1.625"},
+    };
+    for (const auto& [panel, curve, time, row] : rows)
+        EXPECT_EQ(rowAt(panel, curve, time), row);
 }
 
 TEST(PlotPanelsTest, ScalesIntervalsToThoseOfAnActiveLayer) {
@@ -88,11 +83,7 @@ TEST(PlotPanelsTest, ScalesIntervalsToThoseOfAnActiveLayer) {
             {"two periods are visible", {5, 5, 23}, {10}, "1 above 22 ms, max 23.0 ms", "23"},
             {"slow frames", {40, 40, 40, 149}, {10}, "1 above 46 ms, max 149 ms", "149"},
             {"idle gaps", {5, 150, 2500}, {10}, "2 above 22 ms, max 2.50 s", "2.50 s"},
-            {"the longer period is visible",
-             {5, 112},
-             {10, 100},
-             "1 above 110 ms, max 112 ms",
-             "112"},
+            {"the longer period", {5, 112}, {10, 100}, "1 above 110 ms, max 112 ms", "112"},
     };
     for (const auto& [name, intervalsMs, periodsMs, outliers, label] : cases) {
         PlotData data = {};

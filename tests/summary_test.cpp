@@ -50,9 +50,8 @@ TEST(RequestSummaryTest, CountsScalesByBins) {
     EXPECT_EQ(scaleBars(down, host::HintKind::Down), "0 [█▄      ▄█] 1");
     EXPECT_EQ(scaleBars(up, host::HintKind::Up), "1 [▄▄      ▄█] 24 and more");
     EXPECT_EQ(down.zeroScales, 1);
-    EXPECT_EQ(up.p05Scale, 1.001);
-    EXPECT_EQ(up.p50Scale, 23.999);
-    EXPECT_EQ(up.p95Scale, 65.535);
+    EXPECT_EQ(std::tie(up.p05Scale, up.p50Scale, up.p95Scale),
+              std::make_tuple(1.001, 23.999, 65.535));
 }
 
 }  // namespace

@@ -1,15 +1,15 @@
 #include "replay/time_window.h"
 
-#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <sstream>
 
 #include "host/device_profile.h"
 #include "replay/isolated_play.h"
-#include "report/summary.h"
+#include "report/summary_text.h"
 #include "tests/inputs.h"
 #include "trace/read_timeline.h"
 
@@ -40,22 +40,20 @@ TEST(TimeWindowTest, EndsWithTheTrace) {
 
 /** The figures that add up over adjacent windows. */
 std::vector<double> sumsOf(const report::Summary& summary) {
-    std::vector<double> sums = {static_cast<double>(summary.windowNs())};
-    for (const int32_t count : {summary.frames, summary.otherFrames, summary.compositions,
-                                summary.vsyncs, summary.boostVerdicts, summary.errorLines,
-                                summary.windowLines, summary.frameFigures.intervals,
-                                static_cast<int32_t>(summary.frameFigures.missedRefreshes)})
-        sums.push_back(count);
-    sums.push_back(static_cast<double>(summary.frameFigures.idleNs));
+    std::vector<double> sums;
+    const auto add = [&](auto... figures) { (sums.push_back(static_cast<double>(figures)), ...); };
+    add(summary.windowNs(), summary.frames, summary.otherFrames, summary.compositions,
+        summary.vsyncs, summary.boostVerdicts, summary.errorLines, summary.windowLines);
+    const report::FrameFigures& figures = summary.frameFigures;
+    add(figures.intervals, figures.missedRefreshes, figures.idleNs);
     for (const int64_t modeNs : summary.modeNs)
-        sums.push_back(static_cast<double>(modeNs));
-    sums.insert(sums.end(), summary.outcomes.begin(), summary.outcomes.end());
+        add(modeNs);
+    for (const int32_t frames : summary.outcomes)
+        add(frames);
     for (const report::RequestSummary& request : summary.requests) {
-        sums.push_back(request.count);
-        sums.push_back(request.count * request.meanScale);
-        sums.push_back(request.zeroScales);
-        sums.push_back(static_cast<double>(request.heldNs));
-        sums.push_back(static_cast<double>(request.heldNs) * request.meanHeldScale);
+        const auto heldNs = static_cast<double>(request.heldNs);
+        add(request.count, request.count * request.meanScale, request.zeroScales, heldNs,
+            heldNs * request.meanHeldScale);
     }
     return sums;
 }
@@ -91,44 +89,42 @@ TEST(TimeWindowTest, StartsWithTheFocusAndTheRateOfThatTime) {
     timeline.layers = {{"a#1", 3}, {"b#2", 2}, {"c#3", 1}, {"d#4", 4}, {"e#5", 1}, {"f#6", 1}};
     timeline.passedOverLayer = 3;
     timeline.endNs = 1000 * kMs;
-    timeline.events = {{0, Kind::Period, 0, 0, 0, 10 * kMs},
-                       {200 * kMs, Kind::Focus, 1, 0, 0, 0},
-                       {250 * kMs, Kind::Period, 0, 0, 0, 20 * kMs},
-                       {520 * kMs, Kind::Focus, 0, 0, 0, 0},
-                       {570 * kMs, Kind::Period, 0, 0, 0, 10 * kMs}};
+    const auto add = [&](int ms, Kind kind, int layer, int depth, int periodMs = 0) {
+        timeline.events.push_back({ms * kMs, kind, layer, depth, 0, periodMs * kMs});
+    };
+    for (const auto& [ms, periodMs] : {std::pair(0, 10), {250, 20}, {570, 10}})
+        add(ms, Kind::Period, 0, 0, periodMs);
+    for (const auto& [ms, layer] : {std::pair(200, 1), {520, 0}})
+        add(ms, Kind::Focus, layer, 0);
     const std::pair<int, int> frames[] = {{100, 3}, {300, 0}, {310, 1}, {360, 1}, {520, 0},
                                           {530, 0}, {540, 1}, {545, 0}, {550, 2}, {560, 4},
                                           {580, 5}, {610, 0}, {700, 3}, {701, 3}};
     for (const auto& [ms, layer] : frames) {
-        timeline.events.push_back({ms * kMs, Kind::Frame, layer, 1, 0, 0});
-        timeline.events.push_back({(ms + 5) * kMs, Kind::Depth, layer, 0, 0, 0});
+        add(ms, Kind::Frame, layer, 1);
+        add(ms + 5, Kind::Depth, layer, 0);
     }
     std::stable_sort(timeline.events.begin(), timeline.events.end(),
                      [](const auto& a, const auto& b) { return a.timeNs < b.timeNs; });
     const report::Summary summary =
             report::summarise("trace", timeline, {}, {300 * kMs, 700 * kMs});
-    std::string text = fmt::format("{} frames, {} other frames of {} layers, {} was passed over\n",
-                                   summary.frames, summary.otherFrames, summary.otherLayers,
-                                   summary.passedOverLayer.value_or("none"));
-    const report::FrameFigures& figures = summary.frameFigures;
-    text += fmt::format("{} intervals, {:.2f} Hz, median {}, 95 % {}, {} missed, idle {}\n",
-                        figures.intervals, figures.meanRateHz, figures.medianNs / kMs,
-                        figures.p95Ns / kMs, figures.missedRefreshes, figures.idleNs / kMs);
-    for (const auto& focus : summary.focuses)
-        text += fmt::format("{} from {}: {} frames\n", focus.layer, focus.fromNs / kMs,
-                            focus.frames);
-    for (const auto& rate : summary.rates)
-        text += fmt::format("{} Hz from {}\n", rate.hz, rate.fromNs / kMs);
-    for (const auto& [hz, ns] : summary.rateNs)
-        text += fmt::format("{} Hz for {}\n", hz, ns / kMs);
-    for (const auto& layer : summary.topLayers)
-        text += fmt::format("{}*{} ", layer.layer, layer.frames);
-    EXPECT_EQ(text,
-              "6 frames, 6 other frames of 6 layers, d#4 was passed over\n"
-              "4 intervals, 28.57 Hz, median 15, 95 % 65, 5 missed, idle 250\n"
-              "b#2 from 300: 2 frames\na#1 from 520: 4 frames\n"
-              "50 Hz from 300\n100 Hz from 570\n50 Hz for 270\n100 Hz for 130\n"
-              "a#1*5 b#2*3 c#3*1 d#4*1 e#5*1 ");
+    std::ostringstream text;
+    report::print(summary, text, report::Legend::Hidden);
+    EXPECT_EQ(text.str().substr(0, text.str().find(" (from the default")),
+              R"(trace         trace, 1.00 s
+window        0.30 s to 0.70 s
+layer         b#2, 2 frames
+              then from 0.52 s a#1, 4 frames
+              others: 6 frames of 6 layers
+              passed over d#4: it has more frames, but is not an application's layer
+most frames      5  a#1
+                 3  b#2
+                 1  c#3
+                 1  d#4
+                 1  e#5
+frames        28.6 per s, interval median 15.0 ms, 95 % 65.0 ms, 99 % 65.0 ms
+              missed refreshes 5, idle 0.25 s
+refresh rate  50 Hz, then from 0.57 s 100 Hz)");
+    EXPECT_EQ(summary.rateNs, (std::map<int64_t, int64_t>{{50, 270 * kMs}, {100, 130 * kMs}}));
 }
 
 }  // namespace
