@@ -33,52 +33,6 @@ TEST(ExactMathTest, AgreesWithTheMathematicalLibrary) {
     }
 }
 
-TEST(ClusterTest, CompletesExactlyAcrossChangesOfFrequency) {
-    const ClusterSpec spec = fourPoints();
-    GovernorSpec governor;
-    governor.kind = GovernorKind::Performance;
-    Cluster cluster(spec, governor, {});
-    cluster.restartEnergy(0);
-    cluster.start(Task::App, 10 * kMs, 0);
-    EXPECT_EQ(cluster.completionNs(Task::App), 10 * kMs);
-    EXPECT_EQ(cluster.completionNs(Task::Compositor), kNever);
-    cluster.setPoint(0, 4 * kMs);
-    EXPECT_EQ(cluster.completionNs(Task::App), 28 * kMs);
-    cluster.setPoint(1, 8 * kMs);
-    EXPECT_EQ(cluster.completionNs(Task::App), 18 * kMs);
-    cluster.finish(Task::App, 18 * kMs);
-    EXPECT_FALSE(cluster.isBusy());
-    EXPECT_DOUBLE_EQ(cluster.meanMhz(Task::App), (4 * 2000 + 4 * 500 + 10 * 1000) / 18.0);
-    // The sum over the points of power and time spent there.
-    EXPECT_DOUBLE_EQ(cluster.energyMj(30 * kMs), (4 * 900 + 4 * 100 + 10 * 200) / 1e3);
-    cluster.start(Task::App, 0, 30 * kMs);
-    EXPECT_EQ(cluster.meanMhz(Task::App), 1000) << "of a frame that takes no time";
-}
-
-TEST(GovernorTest, UtilisationHasItsHalfLifeAndIsEstimatedAtAWakeUp) {
-    const GovernorSpec spec;
-    Utilisation full(spec);
-    Utilisation half(spec);
-    full.runFor(32.0 * kMs, 1.0);
-    half.runFor(64.0 * kMs, 0.5);
-    EXPECT_NEAR(full.value(), 0.5, 1e-12);
-    EXPECT_NEAR(half.value(), 0.5, 1e-12);
-    full.idleFor(64.0 * kMs);
-    EXPECT_NEAR(full.value(), 0.125, 1e-12);
-
-    Utilisation utilisation(spec);
-    utilisation.wakeUp();
-    utilisation.runFor(64.0 * kMs, 1.0);
-    utilisation.sleep();
-    utilisation.idleFor(320.0 * kMs);
-    EXPECT_LT(utilisation.value(), 0.001);
-    utilisation.wakeUp();
-    EXPECT_NEAR(utilisation.value(), 0.75, 1e-12);
-    utilisation.sleep();  // without work: the average falls by a quarter of the difference
-    utilisation.wakeUp();
-    EXPECT_NEAR(utilisation.value(), 0.75 * 0.75, 0.001);
-}
-
 TEST(GovernorTest, ChoosesTheLowestSufficientPointWithinItsRateLimits) {
     const ClusterSpec cluster = fourPoints();
     const GovernorSpec spec;
@@ -151,25 +105,6 @@ TEST(ServiceTest, ReadsScalesAndBoostsAsTheDeviceSays) {
         EXPECT_EQ(service.pointFor(cluster, false, true, 2), 2u);
         EXPECT_EQ(service.downScale(), 0.5);
     }
-}
-
-TEST(BufferQueueTest, LendsBuffersAndLatchesReadyFramesInOrder) {
-    BufferQueue queue(3);
-    const auto frame = [&](int64_t gpuNs, int64_t dueNs) {
-        queue.dequeue();
-        queue.queue({0, 0, gpuNs, dueNs}, 100);
-    };
-    frame(10, 0);
-    frame(10, 200);
-    EXPECT_EQ(queue.depth(), 2);
-    EXPECT_FALSE(queue.latch(109, 0)) << "the GPU works on it";
-    EXPECT_TRUE(queue.latch(110, 0));
-    EXPECT_TRUE(queue.hasFreeBuffer());
-    frame(0, 0);
-    EXPECT_FALSE(queue.hasFreeBuffer());
-    EXPECT_FALSE(queue.latch(300, 199)) << "not due";
-    EXPECT_EQ(queue.latch(300, 200)->readyNs, 120) << "the GPU works on one frame at a time";
-    EXPECT_TRUE(queue.hasFreeBuffer()) << "the previous frame left the display";
 }
 
 TEST(SimulationTest, LibraryWithEveryFeatureOffChangesNothing) {
