@@ -11,6 +11,7 @@
 #include "tests/inputs.h"
 #include "tests/proto_writer.h"
 #include "verify/decision_rule.h"
+#include "verify/mode_evidence.h"
 #include "verify/workers.h"
 
 namespace brevold::verify {
@@ -100,6 +101,30 @@ TEST(DecisionRuleTest, ALabelWithOtherFiguresIsOfAnotherVersion) {
     };
     for (const auto& [label, isRule] : cases)
         EXPECT_EQ(followsRule(std::get<DecisionLabel>(parseLabel(label))), isRule) << label;
+}
+
+TEST(ModeEvidenceTest, WindowsGapsAndTheFocusDecideTheMode) {
+    using Kind = trace::TimelineEvent::Kind;
+    constexpr auto kBegin = Kind::CompositionBegin;
+    trace::Timeline timeline;
+    timeline.layers = {{"a", 0}, {"b", 0}};
+    timeline.events = {{0, Kind::Period, 0, 0, 0, 16'666'666}};
+    const std::tuple<int64_t, Kind, int32_t> events[] = {{20, kBegin, 0},
+                                                         {169, kBegin, 0},
+                                                         {319, kBegin, 0},
+                                                         {400, Kind::Focus, 1},
+                                                         {401, Kind::Frame, 1}};
+    for (const auto& [timeMs, kind, layer] : events)
+        timeline.events.push_back({timeMs * kMs, kind, layer, 0, 0, 0});
+    LibraryMarks recorded;
+    recorded.windows = {{50 * kMs, {2, 60.0, 0, 0, 0}}, {350 * kMs, {3, 90.0, 0, 0, 0}}};
+    const std::vector<replay::ModeChange> replayed = {{0, 4}};
+    const Expectation expected = expect(timeline, {});
+    const ModeEvidence modes(recorded, replayed, expected);
+    // The windows, an idle gap, and another layer in focus.
+    for (const auto& [timeMs, mode] :
+         {std::pair(49, 4), {50, 2}, {318, 2}, {319, 5}, {350, 3}, {400, 3}, {401, 5}})
+        EXPECT_EQ(modes.expectedModeAt(timeMs * kMs), mode) << timeMs;
 }
 
 TEST(WorkersTest, RequestsBelongToTheDecisionWithTheirScale) {
