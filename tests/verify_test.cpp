@@ -1,4 +1,4 @@
-// Labels of the library, the rule of its decisions, and the requests of its workers.
+// Labels of the library, the rule of its decisions, and cases of a few frames.
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -11,6 +11,7 @@
 #include "tests/inputs.h"
 #include "tests/proto_writer.h"
 #include "verify/decision_rule.h"
+#include "verify/figure_support.h"
 #include "verify/mode_evidence.h"
 #include "verify/workers.h"
 
@@ -18,6 +19,7 @@ namespace brevold::verify {
 namespace {
 
 constexpr int64_t kMs = 1'000'000;
+constexpr int64_t kPeriodNs = 16'666'666;
 
 const std::string kDown =
         "[DOWN_SCALING]mode \t2 \tscale \t0.624721   \theadRoom \t26325332 \tdiffQB \t16446000 "
@@ -103,28 +105,83 @@ TEST(DecisionRuleTest, ALabelWithOtherFiguresIsOfAnotherVersion) {
         EXPECT_EQ(followsRule(std::get<DecisionLabel>(parseLabel(label))), isRule) << label;
 }
 
-TEST(ModeEvidenceTest, WindowsGapsAndTheFocusDecideTheMode) {
+/** Frames in the middle of each refresh period; the compositor takes none in every fourth one. */
+std::vector<ExpectedFrame> framesWithPauses(int32_t count) {
+    std::vector<ExpectedFrame> frames(static_cast<size_t>(count));
+    for (int32_t i = 0; i < count; ++i) {
+        ExpectedFrame& frame = frames[static_cast<size_t>(i)];
+        frame.stampNs = (i + 1) * kPeriodNs;
+        frame.previousStampNs = i * kPeriodNs;
+        frame.timeNs = frame.stampNs + 5 * kMs;
+        frame.previousNs = frame.timeNs - kPeriodNs;
+        frame.periodNs = kPeriodNs;
+        frame.isFocused = true;
+        frame.mode = frame.depth = 2;
+        frame.latchedBefore = i % 4 == 0 ? 0 : 1;
+        frame.latchedAfter = 1;
+    }
+    return frames;
+}
+
+TEST(FigureSupportTest, TheDepthThatFitsMostLabelsIsTheCause) {
+    // The depth added to all frames, and to those that a latch precedes.
+    const std::tuple<int32_t, int32_t, CauseSet> cases[] = {
+            {0, 0, {}},
+            {1, 0, Cause::DepthPlusOne},
+            {0, 1, Cause::DepthBeforeLatch},
+            {7, 0, Cause::DepthOther},
+    };
+    const std::vector<ExpectedFrame> frames = framesWithPauses(20);
+    for (const auto& [added, addedAfterLatch, causes] : cases) {
+        LibraryMarks recorded;
+        for (const ExpectedFrame& frame : frames) {
+            FrameFigures figures = frame.figures();
+            figures.depth += added + addedAfterLatch * frame.latchedBefore;
+            recorded.decisions.push_back({frame.timeNs, 0, *decide(figures)});
+        }
+        const Pairing pairing = pairDecisions(frames, recorded);
+        const FigureSupport support(depthFigure(), frames, pairing);
+        EXPECT_EQ(support.causesOf(frames[1], recorded.decisions[1].label), causes);
+    }
+}
+
+TEST(ExpectationTest, LatchesAroundFramesModesAndThreadsOfDecisions) {
     using Kind = trace::TimelineEvent::Kind;
     constexpr auto kBegin = Kind::CompositionBegin;
+    constexpr auto kEnd = Kind::CompositionEnd;
     trace::Timeline timeline;
     timeline.layers = {{"a", 0}, {"b", 0}};
-    timeline.events = {{0, Kind::Period, 0, 0, 0, 16'666'666}};
-    const std::tuple<int64_t, Kind, int32_t> events[] = {{20, kBegin, 0},
-                                                         {169, kBegin, 0},
-                                                         {319, kBegin, 0},
-                                                         {400, Kind::Focus, 1},
-                                                         {401, Kind::Frame, 1}};
-    for (const auto& [timeMs, kind, layer] : events)
-        timeline.events.push_back({timeMs * kMs, kind, layer, 0, 0, 0});
+    timeline.events = {{0, Kind::Period, 0, 0, 0, kPeriodNs}};
+    // Time in ms, kind, layer, depth, thread.
+    const std::tuple<int64_t, Kind, int32_t, int32_t, int32_t> events[] = {
+            {1, Kind::Frame, 0, 1, 1},   {10, kBegin, 0, 0, 9},      {11, Kind::Depth, 0, 0, 9},
+            {12, Kind::Frame, 0, 1, 1},  {13, kEnd, 0, 0, 9},        {14, Kind::Frame, 0, 2, 1},
+            {15, Kind::Frame, 1, 1, 2},  {20, kBegin, 0, 0, 9},      {21, kEnd, 0, 0, 9},
+            {22, Kind::Frame, 0, 3, 1},  {169, kBegin, 0, 0, 9},     {319, kBegin, 0, 0, 9},
+            {400, Kind::Focus, 1, 0, 9}, {401, Kind::Frame, 1, 0, 2}};
+    for (const auto& [timeMs, kind, layer, depth, tid] : events)
+        timeline.events.push_back({timeMs * kMs, kind, layer, depth, tid, 0});
+    const Expectation expected = expect(timeline, {});
+    const std::vector<ExpectedFrame>& frames = expected.frames;
+    const std::pair<int32_t, int32_t> kLatches[] = {{0, 1}, {1, 0}, {1, 0}, {0, 0}, {0, 0}, {0, 0}};
+    ASSERT_EQ(frames.size(), std::size(kLatches));
+    for (size_t i = 0; i < frames.size(); ++i)
+        EXPECT_EQ(std::make_pair(frames[i].latchedBefore, frames[i].latchedAfter), kLatches[i]);
+
     LibraryMarks recorded;
     recorded.windows = {{50 * kMs, {2, 60.0, 0, 0, 0}}, {350 * kMs, {3, 90.0, 0, 0, 0}}};
     const std::vector<replay::ModeChange> replayed = {{0, 4}};
-    const Expectation expected = expect(timeline, {});
     const ModeEvidence modes(recorded, replayed, expected);
     // The windows, an idle gap, and another layer in focus.
-    for (const auto& [timeMs, mode] :
-         {std::pair(49, 4), {50, 2}, {318, 2}, {319, 5}, {350, 3}, {400, 3}, {401, 5}})
+    const std::pair<int64_t, int32_t> kModes[] = {{49, 4},  {50, 2},  {318, 2}, {319, 5},
+                                                  {350, 3}, {400, 3}, {401, 5}};
+    for (const auto& [timeMs, mode] : kModes)
         EXPECT_EQ(modes.expectedModeAt(timeMs * kMs), mode) << timeMs;
+
+    recorded.decisions = {{15 * kMs, 1, {}}, {15 * kMs, 3, {}}};
+    const Pairing pairing = pairDecisions(frames, recorded);
+    EXPECT_EQ(pairing.frames[2].recorded, &recorded.decisions[0]);
+    EXPECT_EQ(pairing.frames[3].recorded, &recorded.decisions[1]);
 }
 
 TEST(WorkersTest, RequestsBelongToTheDecisionWithTheirScale) {
@@ -163,7 +220,7 @@ TEST(WorkersTest, RequestsBelongToTheDecisionWithTheirScale) {
             marks.requests.push_back({timeMs * kMs, (timeMs + lengthMs) * kMs, scale});
         Differences differences(0);
         const Latencies latencies =
-                checkWorkers(marks, {{}, 16'666'666, 0, 100 * kMs, true}, &differences);
+                checkWorkers(marks, {{}, kPeriodNs, 0, 100 * kMs, true}, &differences);
         EXPECT_EQ(differences.of(Subject::Request).differing, c.differing);
         const auto maxMs = [&](LatencyKind kind) {
             return latencies[static_cast<size_t>(kind)].maxNs / kMs;
