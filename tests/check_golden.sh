@@ -2,8 +2,9 @@
 # Comparisons of standard input with the files in tests/golden; sourced by the checks.
 golden=$(dirname "$(realpath "${BASH_SOURCE[0]}")")/golden
 
-# check_text FILE
+# check_text FILE: replaces the file instead if UPDATE_GOLDEN is set.
 check_text() {
+    [[ -z ${UPDATE_GOLDEN-} ]] || { cat >"$golden/$1"; return; }
     diff "$golden/$1" - >&2
 }
 

@@ -55,9 +55,8 @@ trace::Timeline timelineOfTwoLayers() {
 
 TEST(IsolatedPlayTest, RecordsMarksUnlessTheyAreOff) {
     for (const bool hasMarks : {true, false}) {
-        PlayOptions options;
-        options.hasMarks = hasMarks;
-        const Recording recording = playIsolated(timelineOfTwoLayers(), kScaling, options);
+        const Recording recording =
+                playIsolated(timelineOfTwoLayers(), kScaling, {BoostDepth::Left, hasMarks});
         EXPECT_EQ(recording.marks.size(), hasMarks ? 2u : 0u);
         EXPECT_EQ(recording.log.size(), 1u);
     }

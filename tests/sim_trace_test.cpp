@@ -92,49 +92,44 @@ TEST(SimTraceTest, GivesItsWorkBack) {
     constexpr auto kDequeue = WorkMethod::DequeueToQueue;
     constexpr auto kLatch = WorkMethod::LatchToQueue;
     const std::vector<std::string> kOtherCpus = {"cluster.big.cpus=1", "trace.speed=0.5"};
-    const struct {
-        const char* workload;
-        const char* governor;
-        std::vector<std::string> omitted;   // from the trace
-        std::vector<std::string> settings;  // of the device that reads it
-        WorkMethod method;
-        double factor;
-        int32_t maxUnmeasured;
-    } kCases[] = {
-            {"spiky60", "schedutil", {}, {}, kRun, 1, 0},
-            {"paced60", "schedutil", {}, {}, kRun, 1, 0},
-            {"video30", "schedutil", {}, {}, kRun, 1, 0},
-            {"scroll120", "schedutil", {}, {}, kRun, 1, 0},
-            {"spiky60", "schedutil", {"sched_"}, {}, kDequeue, 1, 0},
-            {"game60", "schedutil", {"sched_", "ueueBuffer"}, {}, kLatch, 1, 20},
-            {"game60", "performance", {"cpu_freq"}, {"trace.speed=0.5"}, kRun, 0.5, 0},
-            {"game60", "performance", {}, kOtherCpus, kRun, 0.5, 0},
-    };
-    for (const auto& c : kCases) {
-        SCOPED_TRACE(std::string(c.workload) + " read by method " +
-                     wordOf(c.method, kWorkMethodWords) + ", factor " + std::to_string(c.factor));
-        const Device device =
-                parseDevice(kDevice, "device", {std::string("governor=") + c.governor});
+    using Words = std::vector<std::string>;
+    // The workload, its governor, words of lines that the trace omits, entries of the device that
+    // reads it, the method, the factor of the work, and the maximum of frames without work.
+    const std::tuple<const char*, const char*, Words, Words, WorkMethod, double, int32_t> cases[] =
+            {
+                    {"spiky60", "schedutil", {}, {}, kRun, 1, 0},
+                    {"paced60", "schedutil", {}, {}, kRun, 1, 0},
+                    {"video30", "schedutil", {}, {}, kRun, 1, 0},
+                    {"scroll120", "schedutil", {}, {}, kRun, 1, 0},
+                    {"spiky60", "schedutil", {"sched_"}, {}, kDequeue, 1, 0},
+                    {"game60", "schedutil", {"sched_", "ueueBuffer"}, {}, kLatch, 1, 20},
+                    {"game60", "performance", {"cpu_freq"}, {"trace.speed=0.5"}, kRun, 0.5, 0},
+                    {"game60", "performance", {}, kOtherCpus, kRun, 0.5, 0},
+            };
+    for (const auto& [name, governor, omitted, settings, method, factor, maxUnmeasured] : cases) {
+        SCOPED_TRACE(fmt::format("{} read by method {}, factor {}", name,
+                                 wordOf(method, kWorkMethodWords), factor));
+        const Device device = parseDevice(kDevice, "device", {std::string("governor=") + governor});
         const Scenario written =
-                scenarioOf({device, readWorkload(c.workload), {}}, {}, 10 * kSecondNs, 1);
+                scenarioOf({device, readWorkload(name), {}}, {}, 10 * kSecondNs, 1);
         std::ostringstream text;
         Recorder recorder(device, written.workload.periodNs(), text);
         Simulation(written, nullptr, recorder).run();
 
-        trace::TraceInput input = test::inputOf(without(text.str(), c.omitted));
+        trace::TraceInput input = test::inputOf(without(text.str(), omitted));
         const RecordedWork work =
-                readRecordedWork(input, {}, parseDevice(kDevice, "device", c.settings));
-        EXPECT_EQ(work.method, c.method);
-        EXPECT_EQ(work.assumedSpeed.has_value(), c.factor != 1);
-        ASSERT_EQ(work.threads.size(), c.method == kRun ? 1u : 0u);
+                readRecordedWork(input, {}, parseDevice(kDevice, "device", settings));
+        EXPECT_EQ(work.method, method);
+        EXPECT_EQ(work.assumedSpeed.has_value(), factor != 1);
+        ASSERT_EQ(work.threads.size(), method == kRun ? 1u : 0u);
         for (const RecordedWork::Thread& thread : work.threads)
             EXPECT_EQ(thread.name, "com.example.sim");
-        EXPECT_LE(work.unmeasuredFrames, c.maxUnmeasured);
+        EXPECT_LE(work.unmeasuredFrames, maxUnmeasured);
         // The first frame has no queue before it.
         ASSERT_EQ(work.frames.size(), recorder.workNs.size() - 1);
         int32_t different = 0;
         for (size_t i = 0; i < work.frames.size(); ++i) {
-            const double expected = c.factor * static_cast<double>(recorder.workNs[i + 1]);
+            const double expected = factor * static_cast<double>(recorder.workNs[i + 1]);
             const double share = static_cast<double>(work.frames[i].workNs) / expected;
             different += std::abs(share - 1) > 0.01 ? 1 : 0;
         }
