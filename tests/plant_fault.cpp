@@ -3,9 +3,7 @@
 
 #include <deque>
 #include <fstream>
-#include <iostream>
 #include <map>
-#include <stdexcept>
 #include <utility>
 
 #include "host/device_profile.h"
@@ -119,23 +117,6 @@ std::vector<replay::RecordedMark> changed(const std::vector<replay::RecordedMark
     return kept;
 }
 
-void run(const std::string& name, const std::string& profile, const std::string& path,
-         const std::string& output) {
-    gFault = kFaults.at(name);
-    host::loadProfile(profile);
-    trace::TraceInput input(path, trace::Reading::Repeated);
-    trace::TraceForm form;
-    trace::Timeline timeline = trace::readTimeline(input, {}, &form);
-    gDepthsBeforeLatch = depthsBeforeLatch(timeline);
-    if (gFault.focusesOtherLayer) timeline.focusedLayer = 1 - timeline.focusedLayer;
-    replay::Recording recording = replay::play(timeline, {gFault.boostDepth, true});
-    recording.marks = changed(recording.marks);
-    recording.hints.clear();
-    std::ofstream out(output);
-    report::writeTrace(input.open(), path, timeline, form, recording, out);
-    if (!out.flush()) throw std::runtime_error(output + ": cannot be written");
-}
-
 }  // namespace
 
 // These replace the functions of the replay's driver.
@@ -167,16 +148,19 @@ bool __wrap__ZN7brevold4host6Driver5vsyncElil(host::Driver*, int64_t timeNs, int
 }
 }
 
-int main(int argc, char** argv) {
-    if (argc != 5) {
-        std::cerr << "usage: plant_fault FAULT PROFILE TRACE OUTPUT\n";
-        return 2;
-    }
-    try {
-        run(argv[1], argv[2], argv[3], argv[4]);
-    } catch (const std::exception& error) {
-        std::cerr << "plant_fault: " << error.what() << '\n';
-        return 1;
-    }
-    return 0;
+int main(int /*argc*/, char** argv) {
+    gFault = kFaults.at(argv[1]);
+    host::loadProfile(argv[2]);
+    const std::string path = argv[3];
+    trace::TraceInput input(path, trace::Reading::Repeated);
+    trace::TraceForm form;
+    trace::Timeline timeline = trace::readTimeline(input, {}, &form);
+    gDepthsBeforeLatch = depthsBeforeLatch(timeline);
+    if (gFault.focusesOtherLayer) timeline.focusedLayer = 1 - timeline.focusedLayer;
+    replay::Recording recording = replay::play(timeline, {gFault.boostDepth, true});
+    recording.marks = changed(recording.marks);
+    recording.hints.clear();
+    std::ofstream out(argv[4]);
+    report::writeTrace(input.open(), path, timeline, form, recording, out);
+    return out.flush() ? 0 : 1;
 }

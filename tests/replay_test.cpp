@@ -1,4 +1,4 @@
-// Replays in processes of their own, their windows, their differences, and missed refreshes.
+// Replays in processes of their own, their differences, and missed refreshes.
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -8,14 +8,12 @@
 #include "replay/divergence.h"
 #include "replay/isolated_play.h"
 #include "replay/missed_refreshes.h"
-#include "replay/time_window.h"
 #include "tests/inputs.h"
 
 namespace brevold::replay {
 namespace {
 
 constexpr int64_t kMs = 1'000'000;
-const double kInfinite = std::numeric_limits<double>::infinity();
 
 using Kind = trace::TimelineEvent::Kind;
 
@@ -36,60 +34,19 @@ TEST(IsolatedPlayTest, ReportsHowTheReplayFailed) {
     EXPECT_EQ(errorWith({}), "");
 }
 
-/** A steady 60 Hz for 1.5 s, during which layer 0 has a frame, and then a frame of layer 1. */
-trace::Timeline timelineOfTwoLayers() {
-    constexpr int64_t kPeriodNs = 16'666'666;
-    constexpr int64_t kCompositions = 90;
-    trace::Timeline timeline;
-    timeline.layers = {{"com.a/a#1", 1}, {"com.b/b#1", 1}};
-    timeline.startNs = kPeriodNs;
-    timeline.events = {{kPeriodNs, Kind::Period, 0, 0, 0, kPeriodNs},
-                       {kPeriodNs, Kind::Frame, 0, 1, 0, 0}};
-    for (int64_t i = 1; i <= kCompositions; ++i)
-        timeline.events.push_back({i * kPeriodNs, Kind::CompositionBegin, 0, 0, 0, 0});
-    const int64_t endNs = kCompositions * kPeriodNs + 1;
-    timeline.events.push_back({endNs, Kind::Focus, 1, 0, 0, 0});
-    timeline.events.push_back({endNs, Kind::Frame, 1, 1, 0, 0});
-    return timeline;
-}
-
 TEST(IsolatedPlayTest, RecordsMarksUnlessTheyAreOff) {
+    // Compositions at a steady 60 Hz for 1.5 s, which is one window.
+    constexpr int64_t kPeriodNs = 16'666'666;
+    trace::Timeline timeline;
+    timeline.layers = {{"com.a/a#1", 1}};
+    timeline.startNs = kPeriodNs;
+    for (int64_t i = 1; i <= 90; ++i)
+        timeline.events.push_back({i * kPeriodNs, Kind::CompositionBegin, 0, 0, 0, 0});
     for (const bool hasMarks : {true, false}) {
-        const Recording recording =
-                playIsolated(timelineOfTwoLayers(), kScaling, {BoostDepth::Left, hasMarks});
+        const Recording recording = playIsolated(timeline, kScaling, {BoostDepth::Left, hasMarks});
         EXPECT_EQ(recording.marks.size(), hasMarks ? 2u : 0u);
         EXPECT_EQ(recording.log.size(), 1u);
     }
-}
-
-TEST(IsolatedPlayTest, ANewLayerResetsTheModeUnlessTheLibraryIgnoresIt) {
-    const std::pair<const char*, std::vector<int32_t>> cases[] = {
-            {"NONE", {5, 2, 5}}, {"x com.b/b#1", {5, 2}}, {"NONEcom.b/b#1", {5, 2, 5}}};
-    for (const auto& [ignored, expected] : cases) {
-        std::vector<std::string> settings = kScaling;
-        settings.push_back(std::string("vendor.perf.brevold.debug.layers=") + ignored);
-        std::vector<int32_t> modes;
-        for (const ModeChange& change : playIsolated(timelineOfTwoLayers(), settings).modes)
-            modes.push_back(change.mode);
-        EXPECT_EQ(modes, expected) << ignored;
-    }
-}
-
-TEST(TimeWindowTest, EndsWithTheTrace) {
-    trace::Timeline timeline;
-    timeline.startNs = 1000 * kMs;
-    timeline.endNs = 3500 * kMs;
-    const std::tuple<WindowOptions, int64_t, int64_t> cases[] = {
-            {{{}, {}}, 1000, 3500},         {{0.25, {}}, 1250, 3500}, {{{}, 2}, 1000, 3000},
-            {{2.5, kInfinite}, 3500, 3500}, {{1, 99}, 2000, 3500},
-    };
-    for (const auto& [options, beginMs, endMs] : cases) {
-        const TimeWindow window = windowOf(timeline, options, "trace");
-        EXPECT_EQ(window.beginNs, beginMs * kMs);
-        EXPECT_EQ(window.endNs, endMs * kMs);
-    }
-    EXPECT_THROW(windowOf(timeline, {2.6, {}}, "trace"), InputError);
-    EXPECT_THROW(windowOf(timeline, {kInfinite, {}}, "trace"), InputError);
 }
 
 host::Hint down(int64_t timeNs, uint32_t type, int32_t durationMs = 19) {

@@ -189,8 +189,7 @@ bool isStable(const Metrics& metrics) {
 }
 
 std::string constantWork(int hz, int buffers, double workMs) {
-    return "refresh-hz=" + std::to_string(hz) + "\nbuffers=" + std::to_string(buffers) +
-           "\nmean-ms=" + std::to_string(workMs) + "\n";
+    return fmt::format("refresh-hz={}\nbuffers={}\nmean-ms={}\n", hz, buffers, workMs);
 }
 
 TEST(ClosedFormTest, DownAsACapBecomesUnstableAtTheWorkOfTheFormula) {
