@@ -78,7 +78,7 @@ TEST(FocusTest, FollowsTheLayerWithTheMostFramesInEachSecond) {
             {"one second", "0:1 10:2 20:2", layers, "2"},
             {"a change at its start", "100:1 998:1 999:2 1000:2 1001:2", layers, "1 1000:2"},
             {"a tie keeps the focus", "0:2 1500:1 1600:2", layers, "2"},
-            {"no other layer", "0:1 2000:0 2100:0 2200:0 2300:2 4000:1", layers, "1 2000:2 4000:1"},
+            {"other layers", "0:1 2000:0 2100:0 2200:0 2300:2 4000:1", layers, "1 2000:2 4000:1"},
             {"idle seconds keep the focus", "0:1 5000:0 7000:1", layers, "1"},
             {"no frames at first", "0:0 3000:2 4000:1", layers, "2 4000:1"},
             {"no application", "0:0 1000:1", noApplication, "0 1000:1"},

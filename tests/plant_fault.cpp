@@ -28,18 +28,19 @@ struct Fault {
     int64_t compositionsPerTick = 1;
     replay::BoostDepth boostDepth = replay::BoostDepth::Left;
     bool focusesOtherLayer = false;
-    /** The label of the workers' sections that fail, and the change of their marks by number. */
+    /** The start of the label of the worker sections that fail. */
     const char* section = "no section";
+    /** Changes a mark of such a section, or returns false to drop it; `count` starts at 1. */
     bool (*keep)(host::TraceMark&, int64_t count) = nullptr;
 };
 
 Fault gFault;
-// The beginnings of the latest composition and of the one before, and the latest vsync.
+// The starts of the latest composition and of the one before, and the latest vsync.
 int64_t gLatestNs, gPreviousNs, gVsyncNs;
 int64_t gFrames, gCompositions;
 /** For each layer, the time of the latest report. */
 std::map<std::string, int64_t> gLastNs;
-/** For each frame to come, the queue depth as counted before the latest latch. */
+/** The queue depth as counted before the latest latch, for each frame that is not reported yet. */
 std::deque<int32_t> gDepthsBeforeLatch;
 
 std::deque<int32_t> depthsBeforeLatch(const trace::Timeline& timeline) {
@@ -102,7 +103,7 @@ const std::map<std::string, Fault> kFaults = [] {
 }();
 
 /** Sections of workers have no sections inside. */
-std::vector<replay::RecordedMark> changed(const std::vector<replay::RecordedMark>& marks) {
+std::vector<replay::RecordedMark> changedMarks(const std::vector<replay::RecordedMark>& marks) {
     bool isInside = false;
     int64_t count = 0;
     std::vector<replay::RecordedMark> kept;
@@ -119,7 +120,7 @@ std::vector<replay::RecordedMark> changed(const std::vector<replay::RecordedMark
 
 }  // namespace
 
-// These replace the functions of the replay's driver.
+// The linker replaces the functions of the driver with these.
 extern "C" {
 
 void __real__ZN7brevold4host6Driver5frameElR14LayerFrameInfo(host::Driver*, int64_t,
@@ -158,7 +159,7 @@ int main(int /*argc*/, char** argv) {
     gDepthsBeforeLatch = depthsBeforeLatch(timeline);
     if (gFault.focusesOtherLayer) timeline.focusedLayer = 1 - timeline.focusedLayer;
     replay::Recording recording = replay::play(timeline, {gFault.boostDepth, true});
-    recording.marks = changed(recording.marks);
+    recording.marks = changedMarks(recording.marks);
     recording.hints.clear();
     std::ofstream out(argv[4]);
     report::writeTrace(input.open(), path, timeline, form, recording, out);
