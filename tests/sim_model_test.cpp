@@ -33,6 +33,14 @@ TEST(ExactMathTest, AgreesWithTheMathematicalLibrary) {
     }
 }
 
+TEST(ClusterTest, AFrameThatTakesNoTimeHasTheCurrentFrequency) {
+    const ClusterSpec spec = fourPoints();
+    const GovernorSpec governor;
+    Cluster cluster(spec, governor, {});
+    cluster.start(Task::App, 0, 0);
+    EXPECT_EQ(cluster.meanMhz(Task::App), 500);
+}
+
 TEST(GovernorTest, ChoosesTheLowestSufficientPointWithinItsRateLimits) {
     const ClusterSpec cluster = fourPoints();
     const GovernorSpec spec;
