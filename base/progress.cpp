@@ -19,13 +19,12 @@ bool gExists = false;
 
 }  // namespace
 
-Progress::Progress(std::string word, int64_t total, Clock::time_point (*now)())
+Progress::Progress(std::string word, int64_t total)
       : mIsFirst(!std::exchange(gExists, true)),
         mWord(std::move(word)),
         mTotal(std::max<int64_t>(total, 1)),
         mStep(std::max<int64_t>(mTotal / kMaxChecks, 1)),
-        mNow(now),
-        mNextDraw(now() + kDelay) {
+        mNextDraw(Clock::now() + kDelay) {
     if (!mIsFirst || isatty(STDERR_FILENO) == 0) mNextCheck = std::numeric_limits<int64_t>::max();
 }
 
@@ -37,7 +36,7 @@ Progress::~Progress() {
 void Progress::update(int64_t done) {
     if (done < mNextCheck) return;
     mNextCheck = done + mStep;
-    const Clock::time_point now = mNow();
+    const Clock::time_point now = Clock::now();
     if (now < mNextDraw) return;
     mNextDraw = now + kDrawInterval;
     draw(done);

@@ -13,10 +13,8 @@ namespace brevold {
  */
 class Progress {
   public:
-    using Clock = std::chrono::steady_clock;
-
     /** `word` names the work; `total` is the final value of update(), in any unit. */
-    Progress(std::string word, int64_t total, Clock::time_point (*now)() = Clock::now);
+    Progress(std::string word, int64_t total);
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
@@ -25,13 +23,14 @@ class Progress {
     void update(int64_t done);
 
   private:
+    using Clock = std::chrono::steady_clock;
+
     void draw(int64_t done);
 
     const bool mIsFirst;
     const std::string mWord;
     const int64_t mTotal;
     const int64_t mStep;
-    Clock::time_point (*const mNow)();
     int64_t mNextCheck = 0;
     Clock::time_point mNextDraw;
     bool mIsDrawn = false;

@@ -80,7 +80,7 @@ struct LayerNameExcerpt {
     }
 
     /** Returns the offset in the name of a package that begins at this offset in the text. */
-    size_t packageBegin(size_t inText) const { return inText == 0 ? 0 : inText + separatorsCut; }
+    size_t packageBegin(size_t inText) const { return inText + separatorsCut; }
 };
 
 }  // namespace android

@@ -2,34 +2,24 @@
 
 #include <cstddef>
 
-#if defined(__has_feature)
+#ifdef __SANITIZE_ADDRESS__
+#define BREVOLD_ASAN 1
+#elif defined(__has_feature)
 #if __has_feature(address_sanitizer)
 #define BREVOLD_ASAN 1
 #endif
-#if __has_feature(thread_sanitizer)
-#define BREVOLD_TSAN 1
-#endif
-#endif
-#ifdef __SANITIZE_ADDRESS__
-#define BREVOLD_ASAN 1
-#endif
-#ifdef __SANITIZE_THREAD__
-#define BREVOLD_TSAN 1
 #endif
 
 #ifdef BREVOLD_ASAN
 #include <sanitizer/common_interface_defs.h>
 #endif
-#ifdef BREVOLD_TSAN
-#include <sanitizer/tsan_interface.h>
-#endif
 
 namespace brevold::host {
 
 /**
- * Announces the switches between the main thread's stack and one fiber's to the sanitizers. Call
- * each function next to the switch, on the stack that its name implies. Without sanitizers they do
- * nothing.
+ * Announces the switches between the main thread's stack and one fiber's to the address sanitizer.
+ * Call each function next to the switch, on the stack that its name implies. Without this sanitizer
+ * they do nothing. The thread sanitizer needs no announcement: all fibers run in one thread.
  */
 class FiberSwitch {
   public:
@@ -54,21 +44,6 @@ class FiberSwitch {
     void* mFiberFakeStack = nullptr;
     const void* mMainBottom = nullptr;
     size_t mMainBytes = 0;
-#elif defined(BREVOLD_TSAN)
-    void beforeEntering(const void*, size_t) {
-        mMain = __tsan_get_current_fiber();
-        if (mFiber == nullptr) mFiber = __tsan_create_fiber(0);
-        __tsan_switch_to_fiber(mFiber, 0);
-    }
-    void afterEntering() {}
-    void beforeLeaving(bool) {
-        __tsan_switch_to_fiber(mMain, 0);
-    }
-    void afterLeaving() {}
-
-  private:
-    void* mMain = nullptr;
-    void* mFiber = nullptr;
 #else
     void beforeEntering(const void*, size_t) {}
     void afterEntering() {}

@@ -40,6 +40,26 @@ TEST_F(ModeTest, OddIntervalsCountOnlyWhileAWindowIsOpen) {
     EXPECT_NE(takeLabels().find(" \tFPS:\tINF \t"), std::string::npos);
 }
 
+TEST_F(ModeTest, AWindowBeginsAtTheSecondTickAndLastsOverASecond) {
+    const auto monitorAt = [](int64_t nowNs) {
+        host::setTimeNs(nowNs);
+        android::modeMonitor(1);
+        return takeLogTexts();
+    };
+    restart();
+    host::setTimeNs(100000000);
+    brevoldRefresh();
+    EXPECT_EQ(monitorAt(2 * kSecondNs), "");
+    EXPECT_EQ(monitorAt(3 * kSecondNs), "");
+    EXPECT_NE(monitorAt(3 * kSecondNs + 1), "");
+
+    for (const char* property : {"vendor.perf.pfar.enable", "vendor.perf.jr10.enable"})
+        gDevice.properties[property] = "0";
+    restart();
+    tick(kPeriod60Ns, 124);
+    EXPECT_EQ(takeLogTexts(), "");
+}
+
 TEST_F(ModeTest, AnIdleGapLasts150Ms) {
     measure(kPeriod60Ns);
     tick(149999999);

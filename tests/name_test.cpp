@@ -42,6 +42,8 @@ TEST(NameTest, LongNamesAreNotMatchedAsAWhole) {
             {letters + "#0", letters},
             {filled("SurfaceView", ' ', "/#0"), " "},
             {filled("SurfaceView", '\t', "a/b#0"), "a"},
+            {filled("SurfaceViewa", '-', "b#0"),
+             filled("SurfaceViewa", '-', "b#0").substr(0, kMaxBytes - 2)},
             {filled("SurfaceView\n", '\0', "x#0"), std::string(kMaxBytes - 15, '\0') + "x"},
             {filled("a/", '/', "\r#0"), ""},
     };

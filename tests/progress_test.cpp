@@ -3,12 +3,27 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <pty.h>
+#include <time.h>
 #include <unistd.h>
+
+#include "base/process_pool.h"
+#include "base/temporary_file.h"
+#include "replay/isolated_play.h"
+#include "tests/inputs.h"
+#include "trace/file_source.h"
 
 namespace brevold {
 namespace {
 
-Progress::Clock::time_point gNow;
+/** The time that std::chrono reads in this program, and how far each reading advances it. */
+int64_t gNowMs, gStepMs;
+
+std::string bar(const std::string& word, size_t filled, const std::string& percent) {
+    return "\r" + word + " [" + std::string(filled, '#') + std::string(40 - filled, '.') + "] " +
+           percent + " %";
+}
+
+constexpr char kErased[] = "\r\033[K";
 
 /** Makes standard error a terminal, and reads what was written to it. */
 class Terminal {
@@ -26,9 +41,11 @@ class Terminal {
         close(mMaster);
     }
     std::string output() {
-        char bytes[256];
-        const ssize_t count = read(mMaster, bytes, sizeof(bytes));
-        return count < 0 ? "" : std::string(bytes, static_cast<size_t>(count));
+        std::string output;
+        char byte;
+        while (read(mMaster, &byte, 1) == 1)
+            output += byte;
+        return output;
     }
 
   private:
@@ -37,33 +54,56 @@ class Terminal {
 };
 
 TEST(ProgressTest, AppearsAfterASecondAndDisappears) {
-    const auto now = [] { return gNow; };
-    const auto bar = [](size_t filled, const char* percent) {
-        return "\rreading [" + std::string(filled, '#') + std::string(40 - filled, '.') + "] " +
-               percent + " %";
-    };
     Terminal terminal;
     {
-        Progress progress("reading", 2000, now);
+        Progress progress("reading", 2000);
         const auto outputAfter = [&](int ms, int64_t done) {
-            gNow += std::chrono::milliseconds(ms);
+            gNowMs += ms;
             progress.update(done);
             return terminal.output();
         };
         EXPECT_EQ(outputAfter(999, 1), "");
         EXPECT_EQ(outputAfter(1, 2), "");  // the time is read at every 1000th part
-        EXPECT_EQ(outputAfter(0, 500), bar(10, " 25"));
+        EXPECT_EQ(outputAfter(0, 500), bar("reading", 10, " 25"));
         EXPECT_EQ(outputAfter(99, 1000), "");
-        EXPECT_EQ(outputAfter(1, 1002), bar(20, " 50"));
-        EXPECT_EQ(outputAfter(100, 2100), bar(40, "100"));
+        EXPECT_EQ(outputAfter(1, 1002), bar("reading", 20, " 50"));
+        EXPECT_EQ(outputAfter(100, 2100), bar("reading", 40, "100"));
 
-        Progress inner("playing", 1, now);
-        gNow += std::chrono::seconds(2);
+        Progress inner("playing", 1);
+        gNowMs += 2000;
         inner.update(1);
         EXPECT_EQ(terminal.output(), "");
     }
-    EXPECT_EQ(terminal.output(), "\r\033[K");
+    EXPECT_EQ(terminal.output(), kErased);
+}
+
+TEST(ProgressTest, ShowsEveryLongWork) {
+    const Descriptor file = createTemporaryFile();
+    EXPECT_TRUE(writeAll(file.get(), std::string(2000, ' ')));
+    trace::Timeline timeline;
+    timeline.layers.emplace_back();
+    timeline.events.resize(2);
+    gStepMs = 1000;
+    Terminal terminal;
+
+    trace::FileSource source("/proc/self/fd/" + std::to_string(file.get()), "", {});
+    test::rest(source);
+    EXPECT_EQ(terminal.output(), bar("reading", 20, " 50") + bar("reading", 40, "100") + kErased);
+
+    replay::playIsolated(timeline, {});
+    EXPECT_EQ(terminal.output(),
+              bar("replaying", 0, "  0") + bar("replaying", 20, " 50") + kErased);
+
+    runInProcesses(std::vector<Job>(2, [] { return ""; }), 1, "jobs");
+    EXPECT_EQ(terminal.output(),
+              bar("jobs", 0, "  0") + bar("jobs", 20, " 50") + bar("jobs", 40, "100") + kErased);
 }
 
 }  // namespace
 }  // namespace brevold
+
+extern "C" int clock_gettime(clockid_t, timespec* time) noexcept {
+    brevold::gNowMs += brevold::gStepMs;
+    *time = {brevold::gNowMs / 1000, brevold::gNowMs % 1000 * 1'000'000};
+    return 0;
+}

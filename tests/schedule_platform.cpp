@@ -125,7 +125,6 @@ extern "C" int pthread_mutex_unlock(pthread_mutex_t* mutex) {
 
 extern "C" int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mutex) {
     const size_t lock = indexOf(mutex);
-    pause(Operation::Wait);
     gConditions[gCurrent] = condition;
     gWorld.owners[lock] = kNoFiber;
     gWorld.fibers[gCurrent].isSignalled = false;
@@ -136,7 +135,6 @@ extern "C" int pthread_cond_wait(pthread_cond_t* condition, pthread_mutex_t* mut
 }
 
 extern "C" int pthread_cond_signal(pthread_cond_t* condition) {
-    if (gCurrent != kNoFiber) pause(Operation::Signal);
     for (size_t worker = 0; worker < kWorkers; ++worker) {
         if (gConditions[worker] == condition && gWorld.isAsleep(worker)) {
             gWorld.fibers[worker].isSignalled = true;
@@ -184,7 +182,6 @@ extern "C" int __android_log_print(int, const char*, const char* format, ...) {
 
 extern "C" int perf_hint(int, const char*, int duration, int type) {
     if (gCurrent >= kWorkers) return 1;
-    pause(Operation::Service);
     const bool isRelease = duration == android::kReleaseDuration;
     ++(gCurrent == kQb ? gRequests : isRelease ? gReleases : gBoosts);
     check(gWorld.rules.sendHint(gCurrent, duration, static_cast<uint32_t>(type)));
@@ -192,7 +189,7 @@ extern "C" int perf_hint(int, const char*, int duration, int type) {
 }
 
 extern "C" int perf_get_feedback(int, const char*) {
-    if (gCurrent != kNoFiber) pause(Operation::Service);
+    if (gCurrent != kNoFiber) pause(Operation::Query);
     return android::kTargetAppType;
 }
 

@@ -10,10 +10,11 @@ namespace brevold::test {
 // The library's workers, indexed as their channels.
 constexpr size_t kSf = android::kSfChannel, kQb = android::kQbChannel, kWorkers = 2;
 
-// A call by a compositor thread. If it takes a worker's lock, it posts a request to that worker or
-// withdraws one.
+// A call by the compositor threads in `callers`, a bit each. If it takes a worker's lock, it posts
+// a request to that worker or withdraws one.
 struct Call {
     const char* name;
+    uint32_t callers;
     void (*run)();
     size_t worker = kSf;
     uint32_t word = 0;  // type word of the request; 0 if the call withdraws

@@ -5,6 +5,7 @@
 #include <boost/context/detail/fcontext.hpp>
 #include <cstring>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/schedule_rules.h"
@@ -17,8 +18,10 @@ constexpr size_t kFibers = kWorkers + 2, kNoFiber = kFibers;
 // The locks: each worker's by its index, then gLock.
 constexpr size_t kGLock = kWorkers, kLocks = kWorkers + 1;
 
-// A fiber pauses before each operation, or after an unlock, and any fiber may continue.
-enum class Operation : uint8_t { Call, Lock, Unlock, Wait, WakeUp, Signal, Service, End };
+// A fiber pauses before each operation, or after an unlock, and any fiber may continue. An unlock,
+// a wait, a signal and a hint need no pause before them: this fiber holds the lock that any other
+// fiber needs to notice them.
+enum class Operation : uint8_t { Call, Lock, Unlock, WakeUp, Query, End };
 
 struct Fiber {
     boost::context::detail::fcontext_t context;
@@ -34,6 +37,7 @@ struct World {
     size_t owners[kLocks];  // a fiber or kNoFiber
     Rules rules;
     int64_t timeNs;
+    uint32_t kinds;  // of the calls so far, a bit each
     const char* violation;
 
     bool isAsleep(size_t worker) const {
@@ -73,7 +77,14 @@ class Snapshot {
             from += bytes;
         });
     }
-    size_t hash() const { return std::hash<std::string>()(mBytes); }
+    // Of the present state, without a copy.
+    static size_t hash() {
+        size_t hash = 0;
+        visit([&hash](const char* start, size_t bytes) {
+            hash = hash * 31 + std::hash<std::string_view>()({start, bytes});
+        });
+        return hash;
+    }
 
   private:
     // The world comes first because it contains the extents of the stacks.

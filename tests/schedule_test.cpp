@@ -18,12 +18,12 @@ using namespace brevold::test;
 
 namespace {
 
-constexpr int64_t kPeriodNs = 16666666;
+constexpr int64_t kPeriodNs = 16666666, kSecondNs = 1000000000;
 // Short enough for a string without a heap block.
 constexpr char kLayer[] = "a.b/c#1", kOtherLayer[] = "d.e/f#1";
 
-void tick(int64_t intervalNs) {
-    gWorld.timeNs += intervalNs;
+void tick(int64_t timeNs = gWorld.timeNs + kPeriodNs) {
+    gWorld.timeNs = timeNs;
     brevoldRefresh();
 }
 
@@ -35,7 +35,7 @@ void frame(int32_t queuedFrames, int64_t intervalMs, const char* layer, bool isT
     info.layerName = info.peerLayerName = layer;
     info.lastMaxQueuedFrames = queuedFrames;
     info.refreshPeriod = kPeriodNs;
-    info.sfTime = gWorld.timeNs;
+    info.sfTime = 1;
     info.qbTime = info.sfTime + 2 * (kPeriodNs - 1000000) - 8000000;
     info.lastQbTime = info.qbTime - intervalMs * 1000000;
     brevoldOnFrameAvailable(&info);
@@ -48,32 +48,30 @@ constexpr uint32_t wordOf(float scale, bool isQb) {
            (isQb ? android::kQbChannelBit : 0);
 }
 
-const Call kTick = {"a tick", [] { tick(kPeriodNs); }};
-const Call kIdleTick = {"an idle tick", [] { tick(android::kIdleGapNs); }};
-const Call kRelease = {"a release", [] { android::releaseScaling(); }};
-const Call kVsync = {"a vsync", [] { brevoldMonitor(2, kPeriodNs); }};
-const Call kBoost = {"a boost", [] { brevoldScaling(2, 0); }, kSf, wordOf(10.0f, false)};
-const Call kDown = {"a DOWN frame", [] { frame(2, 2, kLayer, false); }, kQb, wordOf(0.25f, true)};
-const Call kUp = {"an UP frame", [] { frame(1, 10, kLayer, false); }, kQb, wordOf(1.25f, true)};
-const Call kNewLayer = {"a frame of another layer", [] { frame(2, 4, kOtherLayer, true); }, kQb,
-                        wordOf(0.5f, true)};
-const Call kRequest = {"a request", [] { android::energyScaling(0.125f, 1, 0, kQb); }, kQb,
-                       wordOf(0.125f, true)};
+// Only the first thread reports frames, and only the second one ticks.
+constexpr uint32_t kFirst = 1, kSecond = 2, kBoth = kFirst | kSecond;
+const Call kCalls[] = {
+        {"a tick", kSecond, [] { tick(); }},
+        // At a full second: fewer states then differ by their time alone.
+        {"an idle tick", kSecond, [] { tick((gWorld.timeNs / kSecondNs + 2) * kSecondNs); }},
+        {"a release", kBoth, android::releaseScaling},
+        {"a vsync", kFirst, [] { brevoldMonitor(2, kPeriodNs); }},
+        {"a boost", kBoth, [] { brevoldScaling(2, 0); }, kSf, wordOf(10.0f, false)},
+        {"a DOWN frame", kFirst, [] { frame(2, 2, kLayer, false); }, kQb, wordOf(0.25f, true)},
+        {"an UP frame", kFirst, [] { frame(1, 10, kLayer, false); }, kQb, wordOf(1.25f, true)},
+        {"a frame of another layer", kFirst, [] { frame(2, 4, kOtherLayer, true); }, kQb,
+         wordOf(0.5f, true)},
+        {"a request", kBoth, [] { android::energyScaling(0.125f, 1, 0, kQb); }, kQb,
+         wordOf(0.125f, true)},
+};
 
-// All programs in which each thread makes a number of calls from its list. Only the first thread
-// reports frames, and only the second one ticks.
+// All programs of up to this many calls a thread, with up to this many kinds of call in both
+// threads together.
 struct Programs {
     int calls;
-    std::vector<const Call*> choices[kFibers - kWorkers];
+    int kinds;
 };
-const Programs kPrograms[] = {
-        {2,
-         {{&kDown, &kNewLayer, &kBoost, &kVsync, &kRequest, &kRelease},
-          {&kTick, &kIdleTick, &kBoost, &kRequest, &kRelease}}},
-        {3, {{&kBoost, &kNewLayer}, {&kTick, &kIdleTick}}},
-        {4, {{&kBoost, &kRelease}, {&kTick, &kBoost}}},
-        {4, {{&kDown, &kUp}, {&kRequest}}},
-};
+constexpr Programs kPrograms[] = {{2, 4}, {3, 4}, {4, 3}};
 
 void makeCalls(void* calls) {
     Fiber& self = gWorld.fibers[gCurrent];
@@ -99,17 +97,16 @@ class Explorer {
                 node.steps.pop_back();
                 node.state.restore();
                 take(node.step);
-                Node next = present();
-                const auto known = mSchedules.find(next.state.hash());
+                const auto known = mSchedules.find(Snapshot::hash());
                 if (known == mSchedules.end()) {
-                    mPath.push_back(std::move(next));
+                    mPath.push_back(present());
                 } else {
                     node.schedules += known->second;
                 }
                 continue;
             }
             const double schedules = node.schedules;
-            mSchedules.emplace(node.state.hash(), schedules);
+            mSchedules.emplace(node.hash, schedules);
             mPath.pop_back();
             if (mPath.empty()) return schedules;
             mPath.back().schedules += schedules;
@@ -127,6 +124,7 @@ class Explorer {
 
     struct Node {
         Snapshot state;
+        size_t hash = Snapshot::hash();
         std::vector<Step> steps;  // not taken yet
         Step step;                // taken last
         double schedules;
@@ -142,19 +140,27 @@ class Explorer {
                 node.steps.push_back({fiber, next, call});
                 continue;
             }
-            for (const Call* choice : mPrograms.choices[fiber - kWorkers])
-                node.steps.push_back({fiber, next, choice});
+            for (const Call& choice : kCalls) {
+                const bool isAllowed = (choice.callers >> (fiber - kWorkers) & 1) != 0;
+                if (isAllowed && __builtin_popcount(kindsWith(choice)) <= mPrograms.kinds) {
+                    node.steps.push_back({fiber, next, &choice});
+                }
+            }
         }
         if (!node.steps.empty()) return node;
         for (size_t fiber = 0; fiber < kFibers; ++fiber) {
-            const Operation end = fiber < kWorkers ? Operation::WakeUp : Operation::End;
-            if (gWorld.fibers[fiber].next != end) fail("a deadlock");
+            const Operation next = gWorld.fibers[fiber].next;
+            const bool isIdle = next == Operation::Call || next == Operation::End;
+            if (!(fiber < kWorkers ? gWorld.isAsleep(fiber) : isIdle)) fail("a deadlock");
         }
         node.schedules = 1.0;
         return node;
     }
 
+    static uint32_t kindsWith(const Call& call) { return gWorld.kinds | 1u << (&call - kCalls); }
+
     void take(const Step& step) const {
+        if (step.operation == Operation::Call) gWorld.kinds = kindsWith(*step.call);
         gWorld.fibers[step.fiber].call = step.call;
         resume(step.fiber);
         if (gWorld.violation != nullptr) fail(gWorld.violation);
@@ -162,8 +168,7 @@ class Explorer {
 
     [[noreturn]] void fail(const char* violation) const {
         constexpr const char* kFiberNames[] = {"SF", "QB", "thread 1", "thread 2"};
-        constexpr const char* kNames[] = {"call", "lock",   "unlock",  "wait",
-                                          "wake", "signal", "service", "end"};
+        constexpr const char* kNames[] = {"call", "lock", "unlock", "wake", "query", "end"};
         for (const Node& node : mPath) {
             const auto& [fiber, operation, call] = node.step;
             printf("%s: %s%s%s\n", kFiberNames[fiber], kNames[static_cast<size_t>(operation)],
@@ -206,9 +211,9 @@ void setUp() {
     gLocks[kGLock] = gLastLock;
     frame(1, 0, kLayer, true);
     while (gLoggedMode != android::kMode60Fps)
-        tick(kPeriodNs);
+        tick();
     for (int i = 0; i < 60; ++i)
-        tick(kPeriodNs);
+        tick();
     gWindows = 0;
 }
 
@@ -224,8 +229,8 @@ int main() {
                 start(fiber, makeCalls, &calls);
             Explorer explorer(programs);
             const double schedules = explorer.explore();
-            printf("%d calls a thread: %.2g schedules in %zu states\n", calls, schedules,
-                   explorer.states());
+            printf("%d calls a thread, %d kinds: %.2g schedules in %zu states\n", calls,
+                   programs.kinds, schedules, explorer.states());
             initial.restore();
         }
     } catch (const std::exception& violation) {

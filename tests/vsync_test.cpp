@@ -62,7 +62,7 @@ TEST_F(VsyncTest, VerdictRequiresATickAndAQueueNotBusyTwice) {
     EXPECT_ABORT(brevoldMonitor(0, kPeriod60Ns));
 }
 
-TEST_F(VsyncTest, AResetForgetsTheKeysAndTheBusyQueue) {
+TEST_F(VsyncTest, AResetForgetsTheKeysTheBusyQueueAndTheFrameStamp) {
     android::brevoldLayerStatusCheck(false, kLayer, 1, 1);
     restart();
     measure(kPeriod60Ns);
@@ -73,4 +73,15 @@ TEST_F(VsyncTest, AResetForgetsTheKeysAndTheBusyQueue) {
     measure(kSecondNs / 30);
     advance(1000000);
     EXPECT_EQ(brevoldMonitor(2, kPeriod60Ns), 1);
+
+    restart();
+    android::brevoldAppTypeCheck(kLayer);
+    android::brevoldLayerStatusCheck(false, kLayer, 0, 0);
+    measure(kPeriod60Ns);
+    const auto monitor = [] {
+        android::brevoldBufferMonitor(2, kLayer, kLayer, 0, kSecondNs, 1, 0, kPeriod60Ns);
+        return takeCalls();
+    };
+    EXPECT_EQ(monitor(), "");
+    EXPECT_NE(monitor(), "");
 }

@@ -1,19 +1,10 @@
-"""Makes the changes of scripts/mutate; see there. Arguments: COUNT (0 for all) and the files."""
+"""The small changes that scripts/mutate makes to the lines of a file."""
 
 import collections
-import concurrent.futures
-import os
 import pathlib
-import queue
-import random
 import re
-import shutil
-import subprocess
-import sys
 
-EQUIVALENT = "scripts/mutate.equivalent"
-ROOT = pathlib.Path("build/mutate").resolve()
-TEST_SECONDS = 120
+EQUIVALENT = "scripts/mutation/equivalent"
 
 # One change: lines first..last (from 0) of a file become one line.
 Change = collections.namedtuple("Change", "file first last old new")
@@ -132,105 +123,3 @@ def read_equivalent():
 def key_of(change):
     squeeze = lambda text: " ".join(text.split())
     return change.file, squeeze(change.old), squeeze(change.new)
-
-
-class Copy:
-    """A copy of the checkout with a build of its own, without optimisation."""
-
-    def __init__(self, number):
-        self.source = ROOT / str(number) / "source"
-        self.build = ROOT / str(number) / "build"
-        files = subprocess.check_output(
-            ["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"], text=True)
-        for file in files.split("\0")[:-1]:
-            original, copied = pathlib.Path(file), self.source / file
-            copied.parent.mkdir(parents=True, exist_ok=True)
-            if not copied.exists() or copied.read_bytes() != original.read_bytes():
-                shutil.copy(original, copied)
-        subprocess.run(
-            ["cmake", "-S", self.source, "-B", self.build, "-G", "Ninja",
-             "-DCMAKE_C_COMPILER=clang", "-DCMAKE_CXX_COMPILER=clang++",
-             "-DCMAKE_CXX_FLAGS=-stdlib=libc++ -O0 -w", "-DCMAKE_CXX_FLAGS_RELWITHDEBINFO=",
-             "-DCMAKE_LINK_DEPENDS_NO_SHARED=ON"], check=True, stdout=subprocess.DEVNULL)
-
-    def compile(self, of_library):
-        """Returns true if everything that the tests need builds."""
-        target = "library_tests" if of_library else "all"
-        return subprocess.run(["cmake", "--build", self.build, "--target", target],
-                              capture_output=True).returncode == 0
-
-    def passes(self, of_library):
-        return subprocess.run(
-            ["ctest", "--test-dir", self.build, "--stop-on-failure", "--timeout", str(TEST_SECONDS),
-             "-L" if of_library else "-LE", "^library$"], capture_output=True).returncode == 0
-
-    def result_of(self, change):
-        """Returns "noticed", "survived" or "does not build"."""
-        path = self.source / change.file
-        original = path.read_text()
-        lines = original.split("\n")
-        lines[change.first:change.last + 1] = [change.new]
-        path.write_text("\n".join(lines))
-        of_library = change.file.startswith("brevold/")
-        try:
-            if not self.compile(of_library):
-                return "does not build"
-            return "survived" if self.passes(of_library) else "noticed"
-        finally:
-            path.write_text(original)
-
-
-def prepare(number, kinds):
-    copy = Copy(number)
-    for of_library in kinds:
-        if not copy.compile(of_library) or not copy.passes(of_library):
-            sys.exit("mutate: without a change, the build or a test in %s fails" % copy.build)
-    return copy
-
-
-def main():
-    count, files = int(sys.argv[1]), sys.argv[2:]
-    changes = [change for file in files for change in changes_of(file)]
-    listed = read_equivalent()
-    stale = {entry for entry in listed if entry[0] in files} - {key_of(each) for each in changes}
-    if stale:
-        sys.exit("mutate: %s lists changes that this script does not make:\n%s" % (EQUIVALENT, sorted(stale)))
-    changes = [each for each in changes if key_of(each) not in listed]
-    if count:
-        changes = random.Random(1).sample(changes, min(count, len(changes)))
-
-    kinds = {each.file.startswith("brevold/") for each in changes}
-    processors = len(os.sched_getaffinity(0))
-    results = collections.Counter()
-    with concurrent.futures.ThreadPoolExecutor(processors) as pool:
-        copies = queue.Queue()
-        for copy in pool.map(lambda number: prepare(number, kinds), range(processors)):
-            copies.put(copy)
-
-        def run(change):
-            copy = copies.get()
-            try:
-                return change, copy.result_of(change)
-            finally:
-                copies.put(copy)
-
-        for change, result in pool.map(run, changes):
-            results[change.file, result] += 1
-            if result == "survived":
-                print("%s:%d\n- %s\n+ %s" % ((change.file, change.first + 1) + key_of(change)[1:]),
-                      flush=True)
-
-    print("\n%-32s %8s %8s %7s %10s" % ("file", "changes", "noticed", "share", "equivalent"))
-    total = collections.Counter()
-    for file in files + ["total"]:
-        row = total if file == "total" else collections.Counter(
-            {key[1]: value for key, value in results.items() if key[0] == file})
-        if file != "total":
-            row["equivalent"] = sum(entry[0] == file for entry in listed)
-            total += row
-        made = row["noticed"] + row["survived"]
-        share = "%.1f %%" % (100 * row["noticed"] / made) if made else "-"
-        print("%-32s %8d %8d %7s %10d" % (file, made, row["noticed"], share, row["equivalent"]))
-
-
-main()
