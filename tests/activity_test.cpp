@@ -4,9 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <sstream>
-
 #include "tests/inputs.h"
 #include "tests/proto_writer.h"
 
@@ -18,23 +15,22 @@ using namespace test;
 std::string describe(const std::string& bytes) {
     TraceInput input = inputOf(bytes);
     const Activity activity = readActivity(input);
-    std::ostringstream text;
+    std::string text;
     for (const Activity::Switch& change : activity.switches)
-        text << change.timeNs << " cpu " << change.processor << " runs " << change.tid << '\n';
+        text += fmt::format("{} cpu {} runs {}\n", change.timeNs, change.processor, change.tid);
     for (const Activity::Frequency& change : activity.frequencies)
-        text << change.timeNs << " cpu " << change.processor << " at " << change.khz << '\n';
-    for (const Activity::BufferCall& call : activity.bufferCalls) {
-        const bool isQueue = call.kind == Activity::BufferCall::Kind::Queue;
-        text << (isQueue ? "queue " : "dequeue ") << call.pid << '/' << call.tid << ' '
-             << call.beginNs << " to " << call.endNs << '\n';
-    }
+        text += fmt::format("{} cpu {} at {}\n", change.timeNs, change.processor, change.khz);
+    for (const Activity::BufferCall& call : activity.bufferCalls)
+        text += fmt::format("{} {}/{} {} to {}\n",
+                            call.kind == Activity::BufferCall::Kind::Queue ? "queue" : "dequeue",
+                            call.pid, call.tid, call.beginNs, call.endNs);
     for (const int32_t tid : {41, 42, 43, 7}) {
-        const auto process = activity.processes.find(tid);
-        const auto name = activity.names.find(tid);
-        text << tid << " of " << (process == activity.processes.end() ? -1 : process->second)
-             << " is " << (name == activity.names.end() ? "" : name->second) << '\n';
+        const bool hasProcess = activity.processes.count(tid) != 0;
+        const bool hasName = activity.names.count(tid) != 0;
+        text += fmt::format("{} of {} is {}\n", tid, hasProcess ? activity.processes.at(tid) : -1,
+                            hasName ? activity.names.at(tid) : "");
     }
-    return text.str();
+    return text;
 }
 
 constexpr char kActivity[] =
@@ -51,7 +47,7 @@ constexpr char kActivity[] =
         "43 of 41 is \n"
         "7 of -1 is kworker/0:1\n";
 
-TEST(Activity, OfText) {
+TEST(ActivityTest, OfText) {
     EXPECT_EQ(describe(R"(
  <idle>-0  (-----) [004] .... 0.000900: cpu_frequency: state=1804800 cpu_id=4
  <idle>-0  (-----) [004] d..2 0.001000: sched_switch: prev_comm=swapper/4 prev_pid=0 prev_prio=120 prev_state=R ==> next_comm=game next_pid=41 next_prio=110
@@ -71,7 +67,7 @@ TEST(Activity, OfText) {
               kActivity);
 }
 
-TEST(Activity, OfPerfetto) {
+TEST(ActivityTest, OfPerfetto) {
     const auto packed = [](const std::vector<uint64_t>& values) {
         std::string bytes;
         for (const uint64_t value : values)

@@ -3,6 +3,8 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "tests/inputs.h"
 #include "trace/focused_layer.h"
 
@@ -70,46 +72,41 @@ TEST(FocusTest, FindsTheLayerToFocus) {
 
 TEST(FocusTest, FollowsTheLayerWithTheMostFramesInEachSecond) {
     const std::vector<Layer> layers = {{"Wall#1", 1}, {kAppA, 1}, {kAppB, 1}};
-    using Frames = std::vector<std::pair<int, int>>;
-    // Frames of layers at times in ms since the start; the focus first and where it moves.
-    const std::tuple<const char*, std::vector<Layer>, Frames, std::string> cases[] = {
-            {"one second", layers, {{0, 1}, {10, 2}, {20, 2}}, "2"},
-            {"a change at the start of the second",
-             layers,
-             {{100, 1}, {998, 1}, {999, 2}, {1000, 2}, {1001, 2}},
-             "1 1000:2"},
-            {"a tie keeps the focus", layers, {{0, 2}, {1500, 1}, {1600, 2}}, "2"},
-            {"other layers do not count",
-             layers,
-             {{0, 1}, {2000, 0}, {2100, 0}, {2200, 0}, {2300, 2}, {4000, 1}},
-             "1 2000:2 4000:1"},
-            {"idle seconds keep the focus", layers, {{0, 1}, {5000, 0}, {7000, 1}}, "1"},
-            {"no frames at first", layers, {{0, 0}, {3000, 2}, {4000, 1}}, "2 4000:1"},
-            {"no application", {{"Wall#1", 1}, {"Dim#2", 1}}, {{0, 0}, {1000, 1}}, "0 1000:1"},
+    const std::vector<Layer> noApplication = {{"Wall#1", 1}, {"Dim#2", 1}};
+    // Frames as time in ms and layer; the focus first and where it moves.
+    const std::tuple<const char*, const char*, const std::vector<Layer>&, const char*> cases[] = {
+            {"one second", "0:1 10:2 20:2", layers, "2"},
+            {"a change at its start", "100:1 998:1 999:2 1000:2 1001:2", layers, "1 1000:2"},
+            {"a tie keeps the focus", "0:2 1500:1 1600:2", layers, "2"},
+            {"other layers", "0:1 2000:0 2100:0 2200:0 2300:2 4000:1", layers, "1 2000:2 4000:1"},
+            {"idle seconds keep the focus", "0:1 5000:0 7000:1", layers, "1"},
+            {"no frames at first", "0:0 3000:2 4000:1", layers, "2 4000:1"},
+            {"no application", "0:0 1000:1", noApplication, "0 1000:1"},
     };
-    for (const auto& [what, list, frames, expected] : cases) {
+    for (const auto& [what, frames, list, expected] : cases) {
         Timeline timeline;
         timeline.layers = list;
         timeline.startNs = 5000 * kMs;
-        for (const auto& [ms, layer] : frames)
+        std::istringstream input(frames);
+        char colon;
+        for (int ms, layer; input >> ms >> colon >> layer;)
             timeline.events.push_back({(5000 + ms) * kMs, Kind::Frame, layer, 1, 0, 0});
         timeline.endNs = timeline.events.back().timeNs;
+        const size_t frameCount = timeline.events.size();
         followFocus(timeline);
         std::string focus = std::to_string(timeline.focusedLayer);
-        size_t frameCount = 0;
+        size_t changes = 0;
         int64_t lastNs = 0;
         for (const TimelineEvent& event : timeline.events) {
-            EXPECT_LE(lastNs, event.timeNs) << what;
-            if (event.kind == Kind::Frame) {
-                ++frameCount;
-            } else {
-                EXPECT_LT(lastNs, event.timeNs) << what;
-                focus += fmt::format(" {}:{}", event.timeNs / kMs - 5000, event.layer);
-            }
+            const bool isChange = event.kind == Kind::Focus;
+            EXPECT_LE(lastNs + (isChange ? 1 : 0), event.timeNs) << what;
             lastNs = event.timeNs;
+            if (!isChange) continue;
+            ++changes;
+            focus += fmt::format(" {}:{}", event.timeNs / kMs - 5000, event.layer);
         }
         EXPECT_EQ(focus, expected) << what;
-        EXPECT_EQ(frameCount, frames.size()) << what;
+        EXPECT_EQ(timeline.events.size(), frameCount + changes) << what;
     }
 }
 

@@ -10,7 +10,6 @@
 
 #include <csignal>
 #include <filesystem>
-#include <fstream>
 
 #include "base/error.h"
 #include "tests/inputs.h"
@@ -32,9 +31,6 @@ class OutputFileTest : public testing::Test {
         fs::remove_all(mFolder);
     }
 
-    static void put(const std::string& path, const std::string& content) {
-        std::ofstream(path, std::ios::binary) << content;
-    }
     static void write(const std::string& path, const std::string& content) {
         OutputFile file(path);
         file.stream() << content;
@@ -48,7 +44,7 @@ class OutputFileTest : public testing::Test {
 };
 
 TEST_F(OutputFileTest, ReplacesAFileOnlyWhenItIsWhole) {
-    put("a", "old");
+    write("a", "old");
     chmod("a", 0640);
     {
         OutputFile file("a");
@@ -70,7 +66,7 @@ TEST_F(OutputFileTest, ReplacesAFileOnlyWhenItIsWhole) {
 
 TEST_F(OutputFileTest, FollowsLinks) {
     fs::create_directory("folder");
-    put("folder/a", "old");
+    write("folder/a", "old");
     fs::create_symlink("folder/a", "link");
     fs::create_symlink("link", "second");
     fs::create_symlink("folder/none", "dangling");

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <fmt/format.h>
+
 #include <cstring>
 #include <string>
 #include <vector>
@@ -19,10 +21,8 @@ inline std::string fineDevice() {
     std::string text =
             "cluster.little.opp=1000 MHz 100 mW\n"
             "app.cluster=big\ncompositor.cluster=little\ngovernor=performance\n";
-    for (int mhz = 1; mhz <= 4000; ++mhz) {
-        text += "cluster.big.opp=" + std::to_string(mhz) + " MHz " + std::to_string(mhz * 0.25) +
-                " mW\n";
-    }
+    for (int mhz = 1; mhz <= 4000; ++mhz)
+        text += fmt::format("cluster.big.opp={} MHz {} mW\n", mhz, mhz * 0.25);
     return text;
 }
 

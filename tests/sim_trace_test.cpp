@@ -1,48 +1,45 @@
+#include <fmt/format.h>
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
-#include <memory>
 #include <sstream>
 
 #include "replay/isolated_play.h"
 #include "sim/trace_writer.h"
+#include "tests/inputs.h"
 #include "tests/sim_test.h"
-#include "trace/read_timeline.h"
-#include "trace/string_source.h"
 
 namespace brevold::sim {
 namespace {
 
 constexpr int64_t kSecondNs = 1'000'000'000;
 
-std::string linesOf(const std::vector<host::Hint>& hints) {
-    std::ostringstream lines;
-    for (const host::Hint& hint : hints) {
-        lines << hint.timeNs << ' ' << hint.identifier << ' ' << hint.durationMs << ' ' << hint.type
-              << '\n';
-    }
-    return lines.str();
-}
-
-/** Writes the trace and keeps the hints. */
-class TraceAndHints : public TraceWriter {
+/** Writes the trace, and keeps the hints and the work of each frame. */
+class Recorder : public TraceWriter {
   public:
     using TraceWriter::TraceWriter;
     void onHint(const host::Hint& hint) override { hints.push_back(hint); }
+    void onQueue(int64_t nowNs, const Frame& frame, int32_t depth) override {
+        TraceWriter::onQueue(nowNs, frame, depth);
+        workNs.push_back(frame.workNs);
+    }
     std::vector<host::Hint> hints;
+    std::vector<int64_t> workNs;
 };
 
+std::string linesOf(const std::vector<host::Hint>& hints) {
+    std::string lines;
+    for (const host::Hint& hint : hints)
+        lines += fmt::format("{} {} {} {}\n", hint.timeNs, hint.identifier, hint.durationMs,
+                             hint.type);
+    return lines;
+}
+
 TEST(SimTraceTest, ReplaysToTheHintsOfTheSimulation) {
-    const std::vector<std::string> settings = {
-            "feature.4=1",
-            "feature.5=1",
-            "vendor.perf.pfar.enable=1",
-            "vendor.perf.pfar.down.enable=1",
-            "vendor.perf.jr10.enable=1",
-            "vendor.perf.fps_switch.enable=1",
-            "app-type.*=2",
-    };
+    std::vector<std::string> settings = kScalingOn;
+    settings.insert(settings.end(), {"feature.4=1", "vendor.perf.jr10.enable=1",
+                                     "vendor.perf.fps_switch.enable=1"});
     constexpr char kSharedCluster[] =
             "cluster.all.opp=1000 MHz 100 mW\ncluster.all.opp=2000 MHz 400 mW\n"
             "app.cluster=all\ncompositor.cluster=all\n";
@@ -50,52 +47,37 @@ TEST(SimTraceTest, ReplaysToTheHintsOfTheSimulation) {
     BoostDepth depth = BoostDepth::Left;
     for (const std::string& workload : builtInWorkloads()) {
         depth = depth == BoostDepth::Left ? BoostDepth::Found : BoostDepth::Left;
-        SCOPED_TRACE(workload);
         const sim::Setup setup = {
                 parseDevice(kSharedCluster, "device", {}), readWorkload(workload), {}};
         const Scenario scenario =
                 scenarioOf(setup, {setup.device.service, depth}, 5 * kSecondNs, 1);
-        const auto simulate = [&](bool returnsTrace) {
-            return runSimulations({[&] {
-                                      std::ostringstream trace;
-                                      TraceAndHints writer(scenario.device,
-                                                           scenario.workload.periodNs(), trace);
-                                      std::optional<Library> library = loadLibrary(settings);
-                                      Simulation(scenario, &*library, writer).run();
-                                      return returnsTrace ? trace.str() : linesOf(writer.hints);
-                                  }},
-                                  1)
-                    .front();
+        const auto simulate = [&](bool returnsTrace) -> Job {
+            return [&, returnsTrace] {
+                std::ostringstream trace;
+                Recorder recorder(scenario.device, scenario.workload.periodNs(), trace);
+                std::optional<Library> library = loadLibrary(settings);
+                Simulation(scenario, &*library, recorder).run();
+                return returnsTrace ? trace.str() : linesOf(recorder.hints);
+            };
         };
-        const std::string simulated = simulate(false);
-        hints += std::count(simulated.begin(), simulated.end(), '\n');
-        trace::TraceInput input(std::make_unique<trace::StringSource>(simulate(true)), "trace");
+        const std::vector<std::string> simulated =
+                runSimulations({simulate(false), simulate(true)}, 2);
+        hints += std::count(simulated[0].begin(), simulated[0].end(), '\n');
+        trace::TraceInput input = test::inputOf(simulated[1]);
         const trace::Timeline timeline = trace::readTimeline(input, {});
-        EXPECT_TRUE(timeline.warnings.empty());
-        EXPECT_EQ(linesOf(replay::playIsolated(timeline, settings, {depth}).hints), simulated);
+        EXPECT_TRUE(timeline.warnings.empty()) << workload;
+        EXPECT_EQ(linesOf(replay::playIsolated(timeline, settings, {depth}).hints), simulated[0])
+                << workload;
     }
     EXPECT_GT(hints, 1000);
 }
-
-/** Writes the trace and keeps the work of each frame. */
-class TraceAndWork : public TraceWriter {
-  public:
-    using TraceWriter::TraceWriter;
-    void onQueue(int64_t nowNs, const Frame& frame, int32_t depth) override {
-        TraceWriter::onQueue(nowNs, frame, depth);
-        workNs.push_back(frame.workNs);
-    }
-    std::vector<int64_t> workNs;
-};
 
 std::string without(const std::string& text, const std::vector<std::string>& words) {
     std::istringstream lines(text);
     std::string rest;
     for (std::string line; std::getline(lines, line);) {
-        const bool has = std::any_of(words.begin(), words.end(), [&](const std::string& word) {
-            return line.find(word) != std::string::npos;
-        });
-        if (!has) rest += line + '\n';
+        const auto isInLine = [&](const std::string& word) { return line.find(word) != line.npos; };
+        if (std::none_of(words.begin(), words.end(), isInLine)) rest += line + '\n';
     }
     return rest;
 }
@@ -110,68 +92,48 @@ TEST(SimTraceTest, GivesItsWorkBack) {
     constexpr auto kDequeue = WorkMethod::DequeueToQueue;
     constexpr auto kLatch = WorkMethod::LatchToQueue;
     const std::vector<std::string> kOtherCpus = {"cluster.big.cpus=1", "trace.speed=0.5"};
-    const struct {
-        const char* workload;
-        const char* governor;
-        std::vector<std::string> omitted;   // from the trace
-        std::vector<std::string> settings;  // of the device that reads it
-        WorkMethod method;
-        double factor;
-        int32_t maxUnmeasured;
-    } kCases[] = {
-            {"spiky60", "schedutil", {}, {}, kRun, 1, 0},
-            {"paced60", "schedutil", {}, {}, kRun, 1, 0},
-            {"video30", "schedutil", {}, {}, kRun, 1, 0},
-            {"scroll120", "schedutil", {}, {}, kRun, 1, 0},
-            {"spiky60", "schedutil", {"sched_"}, {}, kDequeue, 1, 0},
-            {"game60", "schedutil", {"sched_", "ueueBuffer"}, {}, kLatch, 1, 20},
-            {"game60", "performance", {"cpu_freq"}, {"trace.speed=0.5"}, kRun, 0.5, 0},
-            {"game60", "performance", {}, kOtherCpus, kRun, 0.5, 0},
-    };
-    for (const auto& c : kCases) {
-        SCOPED_TRACE(std::string(c.workload) + " read by method " +
-                     wordOf(c.method, kWorkMethodWords) + ", factor " + std::to_string(c.factor));
-        const Device device =
-                parseDevice(kDevice, "device", {std::string("governor=") + c.governor});
-        const auto scenario = [&](const Workload& workload) {
-            return scenarioOf({device, workload, {}}, {}, 10 * kSecondNs, 1);
-        };
-        const Scenario written = scenario(readWorkload(c.workload));
+    using Words = std::vector<std::string>;
+    // The workload, its governor, words of lines that the trace omits, entries of the device that
+    // reads it, the method, the factor of the work, and the maximum of frames without work.
+    const std::tuple<const char*, const char*, Words, Words, WorkMethod, double, int32_t> cases[] =
+            {
+                    {"spiky60", "schedutil", {}, {}, kRun, 1, 0},
+                    {"paced60", "schedutil", {}, {}, kRun, 1, 0},
+                    {"video30", "schedutil", {}, {}, kRun, 1, 0},
+                    {"scroll120", "schedutil", {}, {}, kRun, 1, 0},
+                    {"spiky60", "schedutil", {"sched_"}, {}, kDequeue, 1, 0},
+                    {"game60", "schedutil", {"sched_", "ueueBuffer"}, {}, kLatch, 1, 20},
+                    {"game60", "performance", {"cpu_freq"}, {"trace.speed=0.5"}, kRun, 0.5, 0},
+                    {"game60", "performance", {}, kOtherCpus, kRun, 0.5, 0},
+            };
+    for (const auto& [name, governor, omitted, settings, method, factor, maxUnmeasured] : cases) {
+        SCOPED_TRACE(fmt::format("{} read by method {}, factor {}", name,
+                                 wordOf(method, kWorkMethodWords), factor));
+        const Device device = parseDevice(kDevice, "device", {std::string("governor=") + governor});
+        const Scenario written =
+                scenarioOf({device, readWorkload(name), {}}, {}, 10 * kSecondNs, 1);
         std::ostringstream text;
-        TraceAndWork writer(device, written.workload.periodNs(), text);
-        Simulation(written, nullptr, writer).run();
+        Recorder recorder(device, written.workload.periodNs(), text);
+        Simulation(written, nullptr, recorder).run();
 
-        trace::TraceInput input(
-                std::make_unique<trace::StringSource>(without(text.str(), c.omitted)), "trace");
+        trace::TraceInput input = test::inputOf(without(text.str(), omitted));
         const RecordedWork work =
-                readRecordedWork(input, {}, parseDevice(kDevice, "device", c.settings));
-        EXPECT_EQ(work.method, c.method);
-        EXPECT_EQ(work.assumedSpeed.has_value(), c.factor != 1);
-        ASSERT_EQ(work.threads.size(), c.method == kRun ? 1u : 0u);
+                readRecordedWork(input, {}, parseDevice(kDevice, "device", settings));
+        EXPECT_EQ(work.method, method);
+        EXPECT_EQ(work.assumedSpeed.has_value(), factor != 1);
+        ASSERT_EQ(work.threads.size(), method == kRun ? 1u : 0u);
         for (const RecordedWork::Thread& thread : work.threads)
             EXPECT_EQ(thread.name, "com.example.sim");
-        EXPECT_LE(work.unmeasuredFrames, c.maxUnmeasured);
+        EXPECT_LE(work.unmeasuredFrames, maxUnmeasured);
         // The first frame has no queue before it.
-        ASSERT_EQ(work.frames.size(), writer.workNs.size() - 1);
+        ASSERT_EQ(work.frames.size(), recorder.workNs.size() - 1);
         int32_t different = 0;
         for (size_t i = 0; i < work.frames.size(); ++i) {
-            const double expected = c.factor * static_cast<double>(writer.workNs[i + 1]);
-            if (std::abs(static_cast<double>(work.frames[i].workNs) / expected - 1) > 0.01) {
-                ++different;
-            }
+            const double expected = factor * static_cast<double>(recorder.workNs[i + 1]);
+            const double share = static_cast<double>(work.frames[i].workNs) / expected;
+            different += std::abs(share - 1) > 0.01 ? 1 : 0;
         }
         EXPECT_LE(different, work.unmeasuredFrames);
-        if (c.factor != 1) continue;
-        for (const int64_t shift : {-1, 0, 1}) {
-            RecordedWork shifted = work;
-            for (RecordedFrame& frame : shifted.frames)
-                frame.vsyncNs += shift * work.periodNs;
-            const Metrics metrics = measure(scenario(recordedWorkload("trace", shifted)), {});
-            const double fit = at(metrics, Metric::RecordedLatchShare);
-            const double late = at(metrics, Metric::LateLatchShare);
-            EXPECT_TRUE(shift == 0 ? fit > 0.97 : fit < 0.03) << shift << ": " << fit;
-            EXPECT_EQ(late > 0.97, shift < 0) << shift << ": " << late;
-        }
     }
 }
 

@@ -3,14 +3,13 @@
 #include <fmt/format.h>
 #include <gtest/gtest.h>
 
+#include <array>
 #include <cmath>
-#include <limits>
 #include <sstream>
 
 #include "report/marked_perfetto.h"
+#include "tests/inputs.h"
 #include "tests/proto_writer.h"
-#include "trace/read_timeline.h"
-#include "trace/string_source.h"
 #include "verify/decision_rule.h"
 #include "verify/figure_support.h"
 #include "verify/mode_evidence.h"
@@ -19,10 +18,8 @@
 namespace brevold::verify {
 namespace {
 
-using trace::TimelineEvent;
-
-constexpr int64_t kPeriodNs = 16'666'666;
 constexpr int64_t kMs = 1'000'000;
+constexpr int64_t kPeriodNs = 16'666'666;
 
 const std::string kDown =
         "[DOWN_SCALING]mode \t2 \tscale \t0.624721   \theadRoom \t26325332 \tdiffQB \t16446000 "
@@ -39,8 +36,7 @@ std::string replaced(std::string text, const std::string& old, const std::string
 std::string fieldsOf(const Label& label) {
     struct Printer {
         std::string operator()(LabelError error) const {
-            constexpr const char* kNames[] = {"cut", "out of range", "unknown"};
-            return kNames[static_cast<size_t>(error)];
+            return std::array{"cut", "out of range", "unknown"}[static_cast<size_t>(error)];
         }
         std::string operator()(const DecisionLabel& l) const {
             return fmt::format("{} {} {} {} {} {} {}",
@@ -89,14 +85,10 @@ TEST(LabelTest, FieldsAndErrors) {
 }
 
 TEST(DecisionRuleTest, ALabelWithOtherFiguresIsOfAnotherVersion) {
-    struct Case {
-        std::string label;
-        bool followsRule;
-    };
     const std::string kSlow =
             "[UP_SCALING]mode \t2 \tscale \t1.276596 \theadRoom \t7833333 \tdiffQB \t30000000 "
             "\tdiffSFToQB \t7833333 \tlastMaxQueuedFrames \t1";
-    const Case kCases[] = {
+    const std::pair<std::string, bool> cases[] = {
             {kDown, true},
             {replaced(kDown, "0.624721", "0.624723"), false},
             {replaced(kDown, "26325332", "26325333"), false},  // no whole period
@@ -109,82 +101,66 @@ TEST(DecisionRuleTest, ALabelWithOtherFiguresIsOfAnotherVersion) {
             {kUp, true},
             {replaced(kUp, "inf", "nan"), false},
     };
-    for (const Case& c : kCases) {
-        const Label label = parseLabel(c.label);
-        const auto* const decision = std::get_if<DecisionLabel>(&label);
-        ASSERT_NE(decision, nullptr) << c.label;
-        EXPECT_EQ(followsRule(*decision), c.followsRule) << c.label;
-    }
+    for (const auto& [label, isRule] : cases)
+        EXPECT_EQ(followsRule(std::get<DecisionLabel>(parseLabel(label))), isRule) << label;
 }
 
 /** Frames in the middle of each refresh period; the compositor takes none in every fourth one. */
 std::vector<ExpectedFrame> framesWithPauses(int32_t count) {
-    std::vector<ExpectedFrame> frames;
+    std::vector<ExpectedFrame> frames(static_cast<size_t>(count));
     for (int32_t i = 0; i < count; ++i) {
-        ExpectedFrame frame = {};
+        ExpectedFrame& frame = frames[static_cast<size_t>(i)];
         frame.stampNs = (i + 1) * kPeriodNs;
         frame.previousStampNs = i * kPeriodNs;
         frame.timeNs = frame.stampNs + 5 * kMs;
         frame.previousNs = frame.timeNs - kPeriodNs;
         frame.periodNs = kPeriodNs;
         frame.isFocused = true;
-        frame.mode = 2;
-        frame.depth = 2;
+        frame.mode = frame.depth = 2;
         frame.latchedBefore = i % 4 == 0 ? 0 : 1;
         frame.latchedAfter = 1;
-        frames.push_back(frame);
     }
     return frames;
 }
 
 TEST(FigureSupportTest, TheDepthThatFitsMostLabelsIsTheCause) {
-    struct Case {
-        int32_t (*depthOf)(const ExpectedFrame&);
-        CauseSet causes;
-    };
-    const Case kCases[] = {
-            {[](const ExpectedFrame& frame) { return frame.depth; }, {}},
-            {[](const ExpectedFrame& frame) { return frame.depth + 1; }, Cause::DepthPlusOne},
-            {[](const ExpectedFrame& frame) { return frame.depth + frame.latchedBefore; },
-             Cause::DepthBeforeLatch},
-            {[](const ExpectedFrame& frame) { return frame.depth + 7; }, Cause::DepthOther},
+    // The depth added to all frames, and to those that a latch precedes.
+    const std::tuple<int32_t, int32_t, CauseSet> cases[] = {
+            {0, 0, {}},
+            {1, 0, Cause::DepthPlusOne},
+            {0, 1, Cause::DepthBeforeLatch},
+            {7, 0, Cause::DepthOther},
     };
     const std::vector<ExpectedFrame> frames = framesWithPauses(20);
-    for (const Case& c : kCases) {
-        std::vector<DecisionMark> marks;
+    for (const auto& [added, addedAfterLatch, causes] : cases) {
+        LibraryMarks recorded;
         for (const ExpectedFrame& frame : frames) {
             FrameFigures figures = frame.figures();
-            figures.depth = c.depthOf(frame);
-            marks.push_back({frame.timeNs, 0, *decide(figures)});
+            figures.depth += added + addedAfterLatch * frame.latchedBefore;
+            recorded.decisions.push_back({frame.timeNs, 0, *decide(figures)});
         }
-        LibraryMarks recorded;
-        recorded.decisions = marks;
         const Pairing pairing = pairDecisions(frames, recorded);
         const FigureSupport support(depthFigure(), frames, pairing);
-        EXPECT_EQ(support.causesOf(frames[1], marks[1].label), c.causes);
+        EXPECT_EQ(support.causesOf(frames[1], recorded.decisions[1].label), causes);
     }
 }
 
 TEST(ExpectationTest, LatchesAroundFramesModesAndThreadsOfDecisions) {
-    using Kind = TimelineEvent::Kind;
+    using Kind = trace::TimelineEvent::Kind;
+    constexpr auto kBegin = Kind::CompositionBegin;
+    constexpr auto kEnd = Kind::CompositionEnd;
     trace::Timeline timeline;
     timeline.layers = {{"a", 0}, {"b", 0}};
+    timeline.events = {{0, Kind::Period, 0, 0, 0, kPeriodNs}};
     // Time in ms, kind, layer, depth, thread.
-    timeline.events = {{0, Kind::Period, 0, 0, 0, kPeriodNs},
-                       {1 * kMs, Kind::Frame, 0, 1, 1, 0},
-                       {10 * kMs, Kind::CompositionBegin, 0, 0, 9, 0},
-                       {11 * kMs, Kind::Depth, 0, 0, 9, 0},
-                       {12 * kMs, Kind::Frame, 0, 1, 1, 0},
-                       {13 * kMs, Kind::CompositionEnd, 0, 0, 9, 0},
-                       {14 * kMs, Kind::Frame, 0, 2, 1, 0},
-                       {15 * kMs, Kind::Frame, 1, 1, 2, 0},
-                       {20 * kMs, Kind::CompositionBegin, 0, 0, 9, 0},
-                       {21 * kMs, Kind::CompositionEnd, 0, 0, 9, 0},
-                       {22 * kMs, Kind::Frame, 0, 3, 1, 0},
-                       {169 * kMs, Kind::CompositionBegin, 0, 0, 9, 0},
-                       {319 * kMs, Kind::CompositionBegin, 0, 0, 9, 0},
-                       {400 * kMs, Kind::Focus, 1, 0, 9, 0},
-                       {401 * kMs, Kind::Frame, 1, 0, 2, 0}};
+    const std::tuple<int64_t, Kind, int32_t, int32_t, int32_t> events[] = {
+            {1, Kind::Frame, 0, 1, 1},   {10, kBegin, 0, 0, 9},      {11, Kind::Depth, 0, 0, 9},
+            {12, Kind::Frame, 0, 1, 1},  {13, kEnd, 0, 0, 9},        {14, Kind::Frame, 0, 2, 1},
+            {15, Kind::Frame, 1, 1, 2},  {20, kBegin, 0, 0, 9},      {21, kEnd, 0, 0, 9},
+            {22, Kind::Frame, 0, 3, 1},  {169, kBegin, 0, 0, 9},     {319, kBegin, 0, 0, 9},
+            {400, Kind::Focus, 1, 0, 9}, {401, Kind::Frame, 1, 0, 2}};
+    for (const auto& [timeMs, kind, layer, depth, tid] : events)
+        timeline.events.push_back({timeMs * kMs, kind, layer, depth, tid, 0});
     const Expectation expected = expect(timeline, {});
     const std::vector<ExpectedFrame>& frames = expected.frames;
     const std::pair<int32_t, int32_t> kLatches[] = {{0, 1}, {1, 0}, {1, 0}, {0, 0}, {0, 0}, {0, 0}};
@@ -208,22 +184,20 @@ TEST(ExpectationTest, LatchesAroundFramesModesAndThreadsOfDecisions) {
     EXPECT_EQ(pairing.frames[3].recorded, &recorded.decisions[1]);
 }
 
-/** A decision, or a section of the worker. */
-struct Posted {
-    int64_t timeMs;
-    double scale;
-    int64_t lengthMs = 0;
-};
-
 TEST(WorkersTest, RequestsBelongToTheDecisionWithTheirScale) {
-    struct Case {
+    /** A decision, or a section of the worker. */
+    struct Posted {
+        int64_t timeMs;
+        double scale;
+        int64_t lengthMs = 0;
+    };
+    const struct {
         std::vector<Posted> decisions;
         std::vector<Posted> requests;
         int64_t differing;
         int64_t maxHandOverMs;
         int64_t maxWaitMs = 0;
-    };
-    const Case kCases[] = {
+    } kCases[] = {
             {{{10, 0.5}, {30, 0.625}}, {{11, 0.5}, {31, 0.62}}, 0, 1},
             // A newer decision replaces one that is not sent yet.
             {{{10, 0.5}, {20, 0.6}, {60, 0.7}}, {{22, 0.6}, {61, 0.7}}, 0, 12},
@@ -238,69 +212,51 @@ TEST(WorkersTest, RequestsBelongToTheDecisionWithTheirScale) {
             // The second decision waits for the section of the first one.
             {{{10, 0.5}, {30, 0.6}}, {{11, 0.5, 25}, {37, 0.6, 2}}, 0, 7, 6},
     };
-    for (const Case& c : kCases) {
+    for (const auto& c : kCases) {
         LibraryMarks marks;
-        for (const Posted& decision : c.decisions) {
-            marks.decisions.push_back({decision.timeMs * kMs, 0, {}});
-            marks.decisions.back().label.scale = decision.scale;
-        }
-        for (const Posted& request : c.requests)
-            marks.requests.push_back({request.timeMs * kMs,
-                                      (request.timeMs + request.lengthMs) * kMs, request.scale});
+        for (const auto& [timeMs, scale, lengthMs] : c.decisions)
+            marks.decisions.push_back({timeMs * kMs, 0, {Direction::Down, 2, scale, 0, 0, 0, 0}});
+        for (const auto& [timeMs, scale, lengthMs] : c.requests)
+            marks.requests.push_back({timeMs * kMs, (timeMs + lengthMs) * kMs, scale});
         Differences differences(0);
         const Latencies latencies =
                 checkWorkers(marks, {{}, kPeriodNs, 0, 100 * kMs, true}, &differences);
         EXPECT_EQ(differences.of(Subject::Request).differing, c.differing);
-        EXPECT_EQ(latencies[static_cast<size_t>(LatencyKind::HandOver)].maxNs,
-                  c.maxHandOverMs * kMs);
-        EXPECT_EQ(latencies[static_cast<size_t>(LatencyKind::ReporterWait)].maxNs,
-                  c.maxWaitMs * kMs);
+        const auto maxMs = [&](LatencyKind kind) {
+            return latencies[static_cast<size_t>(kind)].maxNs / kMs;
+        };
+        EXPECT_EQ(maxMs(LatencyKind::HandOver), c.maxHandOverMs);
+        EXPECT_EQ(maxMs(LatencyKind::ReporterWait), c.maxWaitMs);
     }
 }
 
-TEST(WorkersTest, PercentilesAreLatenciesThatOccurred) {
-    std::vector<Latency> latencies;
-    for (int64_t i = 1; i <= 200; ++i)
-        latencies.push_back({1000 - i, i});
-    latencies.push_back({5, 200});
-    const LatencySummary summary = summarise(latencies);
-    EXPECT_EQ(summary.medianNs, 101);
-    EXPECT_EQ(summary.percentile95Ns, 191);
-    EXPECT_EQ(summary.percentile99Ns, 199);
-    EXPECT_EQ(summary.maxNs, 200);
-    EXPECT_EQ(summary.maxAtNs, 5);
-}
-
 TEST(LibrarySectionsTest, AMarkedPerfettoTraceHasTheSections) {
-    const std::string packets =
-            test::packet(test::ftraceBundle({test::ftraceEvent(1000, 91, "C|90|BufferTX - a|1"),
-                                             test::ftraceEvent(2000, 90, "C|90|BufferTX - a|0"),
-                                             test::ftraceEvent(9000, 91, "C|90|BufferTX - a|1")}));
-    trace::TraceInput input(std::make_unique<trace::StringSource>(packets), "trace");
+    const std::string mark = "C|90|BufferTX - a|";
+    trace::TraceInput input = test::inputOf(test::packet(test::ftraceBundle(
+            {test::ftraceEvent(1000, 91, mark + "1"), test::ftraceEvent(2000, 90, mark + "0"),
+             test::ftraceEvent(9000, 91, mark + "1")})));
     trace::TraceForm form;
     const trace::Timeline timeline = trace::readTimeline(input, {}, &form);
     replay::Recording recording;
     recording.threads = {"Monitor0", "Monitor1"};
-    const auto add = [&](int64_t timeNs, int32_t thread, const std::string& label) {
-        recording.marks.push_back({{timeNs, thread, true, label}, 91});
-        recording.marks.push_back({{timeNs + 500, thread, false, ""}, 91});
-    };
-    add(1000, -1, kDown);
-    add(1100, 1, "energyScaling[Scale:0.62]");
+    recording.marks = {{{1000, -1, true, kDown}, 91},
+                       {{1500, -1, false, ""}, 91},
+                       {{1100, 1, true, "energyScaling[Scale:0.62]"}, 91},
+                       {{1600, 1, false, ""}, 91}};
     std::ostringstream marked;
     report::writePerfetto(input.open(), "trace", timeline, form, recording, marked,
                           {{"differs", {{1000, 2000, "decisions: unexplained"}}}});
     EXPECT_NE(marked.str().find("decisions: unexplained"), std::string::npos);
 
-    trace::TraceInput again(std::make_unique<trace::StringSource>(marked.str()), "trace");
+    trace::TraceInput again = test::inputOf(marked.str());
     trace::LibrarySections sections;
     trace::readTimeline(again, {}, nullptr, &sections);
-    const std::vector<trace::LibrarySection> taken = sections.take();
-    ASSERT_EQ(taken.size(), 2u);
-    EXPECT_EQ(std::tie(taken[0].beginNs, taken[0].pid, taken[0].tid, taken[0].label),
-              std::make_tuple(1000, 90, 91, kDown));
-    EXPECT_EQ(taken[1].label, "energyScaling[Scale:0.62]");
-    EXPECT_EQ(taken[1].endNs, 1600);
+    std::string text;
+    for (const trace::LibrarySection& each : sections.take())
+        text += fmt::format("{} {} {} to {} {}\n", each.pid, each.tid, each.beginNs,
+                            each.endNs.value_or(0), each.label);
+    EXPECT_EQ(text, "90 91 1000 to 1500 " + kDown +
+                            "\n90 4194306 1100 to 1600 energyScaling[Scale:0.62]\n");
 }
 
 }  // namespace

@@ -5,14 +5,16 @@ set tics nomirror font ',10'
 set grid back lc rgb '#D0D0D0' lt 1
 set border 3
 set format x ''
-set xrange [2.47:2.6]
-set xtics ('' 2.48, '' 2.5, '' 2.52, '' 2.54, '' 2.56, '' 2.58, '' 2.6)
+set xrange [0:6.002003]
+set xtics ('' 0, '' 1, '' 2, '' 3, '' 4, '' 5, '' 6)
 set label 'hostile' at screen 0.1156, screen 0.9799 left font ',15'
 set label 'com.example.racer/Гонка? 日`touch a`''.system("touch b").''#118' at screen 0.1156, screen 0.9640 left font ',13'
-set label '10 frames, the first at 2.482 s and the last at 2.595 s; the picture shows 130 ms, one pixel 112 µs' at screen 0.1156, screen 0.9481 left font ',11'
+set label '552 frames, the first at 0.000 s and the last at 6.000 s; the picture shows 6.00 s, one pixel 5.17 ms' at screen 0.1156, screen 0.9481 left font ',11'
 set label 'in colour: as given; in black: with --vs vendor.perf.pfar.down.enable=0' at screen 0.1156, screen 0.9322 left font ',11'
+set object rectangle from 0, graph 0 to 1.025216, graph 1 behind fs solid noborder fc rgb '#E6E6E6'
+set object rectangle from 3.041964, graph 0 to 4.050266, graph 1 behind fs solid noborder fc rgb '#E6E6E6'
 unset logscale y
-set yrange [0:21.2666658]
+set yrange [0:23.7452]
 set ytics autofreq
 set lmargin at screen 0.1156
 set rmargin at screen 0.8406
@@ -20,32 +22,12 @@ set tmargin at screen 0.9029
 set bmargin at screen 0.7188
 set key at screen 0.8469, screen 0.9079 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'time between frames that the application queues, ms' at screen 0.1156, screen 0.9105 left font ',11'
-$data1 << END
-2.481997 14.074
-2.497259 15.262
-2.561 1
-2.562 1
-2.563 1
-2.569822 6.822
-2.578881 9.059
-2.58573 6.849
-2.595167 9.437
-END
-$data2 << END
-2.47 8.33333
-2.6 8.33333
-END
-$data3 << END
-2.47 16.6667
-2.6 16.6667
-END
-$data4 << END
-2.56 20.5333
-END
-$data5 << END
-2.56 20.5333 "63"
-END
-plot NaN notitle, $data1 using 1:2 with points pt 7 ps 0.35 lc rgb '#0072B2' title 'frame interval', $data2 using 1:2 with lines lw 1.5 lc rgb '#E69F00' title '1 refresh period', $data3 using 1:2 with lines lw 1.5 lc rgb '#E69F00' dt 2 title '2 periods', $data4 using 1:2 with points pt 9 ps 0.8 lc rgb '#D55E00' title '1 above 18 ms, max 62.7 ms', $data5 using 1:2:3 with labels center offset 0,-0.8 font ',9' notitle
+$data1 << END 550 rows: 529430.168 1886422.49
+$data2 << END 4 rows: 41.508012 141.66689
+$data3 << END 2 rows: 7 50.0001
+$data4 << END 1 rows: 2.56 22.9264
+$data5 << END 1 rows: 2.56 22.9264 0 2.56 22.9264 "63"
+plot NaN notitle, $data1 using 1:2 with points pt 7 ps 0.35 lc rgb '#0072B2' title 'frame interval', $data2 using 1:2 with lines lw 1.5 lc rgb '#E69F00' title '1 refresh period', $data3 using 1:2 with lines lw 1.5 lc rgb '#E69F00' dt 2 title '2 periods', $data4 using 1:2 with points pt 9 ps 0.8 lc rgb '#D55E00' title '1 above 20 ms, max 62.7 ms', $data5 using 1:2:3 with labels center offset 0,-0.8 font ',9' notitle
 unset label
 unset logscale y
 set yrange [0:6.9]
@@ -56,59 +38,21 @@ set tmargin at screen 0.6921
 set bmargin at screen 0.6502
 set key at screen 0.8469, screen 0.6971 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'missed refreshes, against the pace of the 15 frames before' at screen 0.1156, screen 0.6996 left font ',11'
-$data6 << END
-2.567213 2.567213 0 6
-END
-plot NaN notitle, $data6 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#D55E00' lc rgb '#D55E00' lw 2 title 'missed: 6'
+$data6 << END 9 rows: 106.723367 106.723367 0 90
+plot NaN notitle, $data6 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#D55E00' lc rgb '#D55E00' lw 2 title 'missed: 14'
 unset label
 unset logscale y
-set yrange [0:4.3]
-set ytics ('0' 0, '1' 1, '2' 2, '3' 3, '4' 4)
+set yrange [0:5.3]
+set ytics ('0' 0, '1' 1, '2' 2, '3' 3, '4' 4, '5' 5)
 set lmargin at screen 0.1156
 set rmargin at screen 0.8406
 set tmargin at screen 0.6234
 set bmargin at screen 0.5397
 set key at screen 0.8469, screen 0.6285 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'frames in the queue' at screen 0.1156, screen 0.6310 left font ',11'
-$data7 << END
-2.47 1
-2.475522 1
-2.475522 0
-2.481997 0
-2.481997 1
-2.483877 1
-2.483877 0
-2.497259 0
-2.497259 1
-2.500459 1
-2.500459 0
-2.56 0
-2.56 1
-2.561 1
-2.561 2
-2.562 2
-2.562 3
-2.563 3
-2.563 4
-2.567213 4
-2.567213 3
-2.569822 3
-2.569822 4
-2.575512 4
-2.575512 3
-2.578881 3
-2.578881 4
-2.58383 4
-2.58383 3
-2.58573 3
-2.58573 4
-2.592167 4
-2.592167 3
-2.595167 3
-2.595167 4
-2.6 4
-END
-plot NaN notitle, $data7 using 1:2 with lines lw 1 lc rgb '#0072B2' title 'queue depth'
+$data7 << END 145 rows: 42062.037 42500.1832 30747 44901
+$data8 << END 290 rows: 168692.296 147452.815
+plot NaN notitle, $data7 using 1:3:1:2:3:4 with boxxyerror fs solid noborder fc rgb '#C6DFEF' title 'min to max', $data8 using 1:2 with lines lw 1.5 lc rgb '#0072B2' title 'mean of 41.4 ms'
 unset label
 unset logscale y
 set yrange [0:6]
@@ -119,13 +63,15 @@ set tmargin at screen 0.5130
 set bmargin at screen 0.4276
 set key at screen 0.8469, screen 0.5180 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'frame-rate mode that the library measures, once a second' at screen 0.1156, screen 0.5205 left font ',11'
-$data8 << END
-2.47 2.6 4.35 4.9
-END
-$data9 << END
-2.47 2.6 4.1 4.3
-END
-plot NaN notitle, $data8 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#0072B2' lc rgb '#0072B2' lw 1 notitle, $data9 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#000000' lc rgb '#000000' lw 1 notitle, keyentry with boxxyerror fs solid noborder fc rgb '#0072B2' title 'mode', keyentry with boxxyerror fs solid noborder fc rgb '#E6E6E6' title 'shaded: no DOWN, UP, boost', keyentry with boxxyerror fs solid noborder fc rgb '#000000' title 'mode with --vs'
+$data9 << END 2 rows: 6.083928 9.125748 16.05 17.7
+$data10 << END 2 rows: 6.083928 9.125748 15.3 15.9
+$data11 << END 1 rows: 1.025216 3.041964 4.35 4.9
+$data12 << END 1 rows: 1.025216 3.041964 4.1 4.3
+$data13 << END 1 rows: 4.050266 5.066947 3.35 3.9
+$data14 << END 1 rows: 4.050266 5.066947 3.1 3.3
+$data15 << END 1 rows: 5.066947 6.002003 2.35 2.9
+$data16 << END 1 rows: 5.066947 6.002003 2.1 2.3
+plot NaN notitle, $data9 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#888888' lc rgb '#888888' lw 1 notitle, $data10 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#000000' lc rgb '#000000' lw 1 notitle, $data11 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#0072B2' lc rgb '#0072B2' lw 1 notitle, $data12 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#000000' lc rgb '#000000' lw 1 notitle, $data13 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#0072B2' lc rgb '#0072B2' lw 1 notitle, $data14 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#000000' lc rgb '#000000' lw 1 notitle, $data15 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#0072B2' lc rgb '#0072B2' lw 1 notitle, $data16 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#000000' lc rgb '#000000' lw 1 notitle, keyentry with boxxyerror fs solid noborder fc rgb '#0072B2' title 'mode', keyentry with boxxyerror fs solid noborder fc rgb '#E6E6E6' title 'shaded: no DOWN, UP, boost', keyentry with boxxyerror fs solid noborder fc rgb '#000000' title 'mode with --vs'
 unset label
 set logscale y
 set yrange [0.0625:16]
@@ -136,40 +82,12 @@ set tmargin at screen 0.4008
 set bmargin at screen 0.2167
 set key at screen 0.8469, screen 0.4059 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'scale of the requests (logarithmic): UP, above 1, asks for more speed; DOWN, below 1, for less' at screen 0.1156, screen 0.4084 left font ',11'
-$data10 << END
-2.47 2.477923 1 2.815
-2.481997 2.491997 1 1.772
-2.497259 2.507259 1 14.75
-END
-$data11 << END
-2.561 2.562 0.0625 1
-2.562 2.563 0.0625 1
-2.563 2.569822 0.0625 1
-2.569822 2.578881 0.257 1
-2.578881 2.58573 0.352 1
-2.58573 2.595167 0.251 1
-2.595167 2.6 0.361 1
-END
-$data12 << END
-2.561 0.071875
-2.562 0.071875
-2.563 0.071875
-END
-$data13 << END
-2.47 2.815
-2.477923 2.815
-
-2.481997 1.772
-2.491997 1.772
-
-2.497259 14.75
-2.507259 14.75
-END
-$data14 << END
-2.47 1
-2.6 1
-END
-plot NaN notitle, $data10 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#D55E00' lc rgb '#D55E00' lw 1 title 'UP: 2', $data11 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#009E73' lc rgb '#009E73' lw 1 title 'DOWN: 7', $data12 using 1:2 with points pt 11 ps 0.9 lc rgb '#000000' title 'DOWN below 0.0625: 3', $data13 using 1:2 with lines lw 1 lc rgb '#000000' title 'UP with --vs: 2', keyentry with lines lw 1 lc rgb '#000000' title 'DOWN with --vs: 0', $data14 using 1:2 with lines lw 1 lc rgb '#888888' notitle
+$data17 << END 19 rows: 455.971661 457.871661 190 1003.728
+$data18 << END 258 rows: 119739.272 120121.317 13090.8285 33411
+$data19 << END 3 rows: 15.374 0.43125
+$data20 << END 48 rows: 2292.13942 5041.518
+$data21 << END 2 rows: 12.004006 3
+plot NaN notitle, $data17 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#D55E00' lc rgb '#D55E00' lw 1 title 'UP: 19', $data18 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#009E73' lc rgb '#009E73' lw 1 title 'DOWN: 258', $data19 using 1:2 with points pt 11 ps 0.9 lc rgb '#000000' title 'DOWN below 0.0625: 3', $data20 using 1:2 with lines lw 1 lc rgb '#000000' title 'UP with --vs: 19', keyentry with lines lw 1 lc rgb '#000000' title 'DOWN with --vs: 0', $data21 using 1:2 with lines lw 1 lc rgb '#888888' notitle
 unset label
 unset logscale y
 set yrange [0:2]
@@ -180,21 +98,11 @@ set tmargin at screen 0.1900
 set bmargin at screen 0.1397
 set key at screen 0.8469, screen 0.1950 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'jank boosts until their release, and vsyncs with a boost verdict' at screen 0.1156, screen 0.1975 left font ',11'
-$data15 << END
-2.568713 2.575262 1.35 1.9
-2.577012 2.58358 1.35 1.9
-2.58533 2.591917 1.35 1.9
-2.593667 2.6 1.35 1.9
-END
-$data16 << END
-2.568713 2.575262 1.1 1.3
-2.577012 2.58358 1.1 1.3
-2.58533 2.591917 1.1 1.3
-2.593667 2.6 1.1 1.3
-END
-plot NaN notitle, $data15 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#AA4488' lc rgb '#AA4488' lw 1 notitle, $data16 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#000000' lc rgb '#000000' lw 1 notitle, keyentry with boxxyerror fs solid noborder fc rgb '#AA4488' title 'jank boost: 4', keyentry with boxxyerror fs solid noborder fc rgb '#D55E00' title 'boost verdict: 0', keyentry with boxxyerror fs solid noborder fc rgb '#000000' title 'with --vs: 4 and 0'
+$data22 << END 192 rows: 74557.3852 74754.4047 25012.8 35203.2
+$data23 << END 192 rows: 74557.3852 74754.4047 20380.8 24086.4
+plot NaN notitle, $data22 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#AA4488' lc rgb '#AA4488' lw 1 notitle, $data23 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#000000' lc rgb '#000000' lw 1 notitle, keyentry with boxxyerror fs solid noborder fc rgb '#AA4488' title 'jank boost: 192', keyentry with boxxyerror fs solid noborder fc rgb '#D55E00' title 'boost verdict: 0', keyentry with boxxyerror fs solid noborder fc rgb '#000000' title 'with --vs: 192 and 0'
 unset label
-set xtics ('2.48' 2.48, '2.50' 2.5, '2.52' 2.52, '2.54' 2.54, '2.56' 2.56, '2.58' 2.58, '2.60' 2.6)
+set xtics ('0' 0, '1' 1, '2' 2, '3' 3, '4' 4, '5' 5, '6' 6)
 set xlabel 'time since the start of the trace, s' font ',11'
 unset logscale y
 set yrange [0:144.000006]
@@ -205,10 +113,9 @@ set tmargin at screen 0.1130
 set bmargin at screen 0.0460
 set key at screen 0.8469, screen 0.1180 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'refresh rate of the display, Hz' at screen 0.1156, screen 0.1205 left font ',11'
-$data17 << END
-2.47 120
-2.6 120
-END
-plot NaN notitle, $data17 using 1:2 with lines lw 1.5 lc rgb '#000000' title 'display', keyentry with points pt 7 ps 0.7 lc rgb '#E69F00' title 'refresh-rate hint: 0', keyentry with points pt 6 ps 1.1 lc rgb '#000000' title 'refresh-rate hint, --vs: 0'
+$data24 << END 4 rows: 41.508012 780
+$data25 << END 2 rows: 7.033616 240
+$data26 << END 2 rows: 7.033616 240
+plot NaN notitle, $data24 using 1:2 with lines lw 1.5 lc rgb '#000000' title 'display', $data25 using 1:2 with points pt 7 ps 0.7 lc rgb '#E69F00' title 'refresh-rate hint: 2', $data26 using 1:2 with points pt 6 ps 1.1 lc rgb '#000000' title 'refresh-rate hint, --vs: 2'
 unset label
 unset multiplot
