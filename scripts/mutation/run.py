@@ -161,38 +161,33 @@ def selected_changes(count, files):
     return dict(enumerate(changes, 1))
 
 
-def prepare(number, contents, changes, first):
-    copy = first or Copy(number)
-    for file, content in contents.items():
-        copy.write(file, content)
-    if not copy.compile("all", 1)[0]:
-        sys.exit("mutate: the build in %s fails" % copy.build)
-    copy.find_tests(len(changes))
-    return copy
-
-
 def main():
     count, files = int(sys.argv[1]), sys.argv[2:]
     changes = selected_changes(count, files)
     processors = len(os.sched_getaffinity(0))
-    first = Copy(0)
-    contents, alone = build_with_switches(first, changes, processors)
+    copies = [Copy(number) for number in range(processors)]
+    contents, alone = build_with_switches(copies[0], changes, processors)
+    for copy in copies[1:]:
+        for file, content in contents.items():
+            copy.write(file, content)
+        if not copy.compile("all", processors)[0]:
+            sys.exit("mutate: the build in %s fails" % copy.build)
 
     results = collections.Counter()
     with concurrent.futures.ThreadPoolExecutor(processors) as pool:
-        copies = queue.Queue()
-        for copy in pool.map(lambda number: prepare(number, contents, changes, None if number else first),
-                             range(processors)):
-            copies.put(copy)
+        list(pool.map(lambda copy: copy.find_tests(len(changes)), copies))
+        unused = queue.Queue()
+        for copy in copies:
+            unused.put(copy)
 
         def run(number):
-            copy = copies.get()
+            copy = unused.get()
             try:
                 if number in alone:
                     return number, result_of_build(copy, changes[number], contents)
                 return number, result_of_switch(copy, number)
             finally:
-                copies.put(copy)
+                unused.put(copy)
 
         for number, result in pool.map(run, sorted(changes, key=lambda number: number in alone)):
             change = changes[number]
