@@ -11,9 +11,10 @@ target_packages=(
 build_packages=(
     clang cmake ninja-build
     binutils # nm, for the test of the exported symbols
+    git # scripts/mutate, scripts/count-lines
     googletest
     help2man # manual pages
-    jq parallel # examples of docs/fleet.md, tables of docs/effect.md
+    jq parallel # examples of docs/fleet.md, tables of docs/effect.md, tests
     python3 # scripts/mutate
 )
 sanitizer_packages=(
@@ -24,4 +25,4 @@ arm64_packages=(lld qemu-user)
 # The parts of the sysroot that come with clang on the build machine.
 arm64_sysroot_packages=(libc6-dev libgcc-12-dev)
 # Format checks and the test of the plots.
-ci_packages=(clang-format blueprint-tools git gnuplot-nox)
+ci_packages=(clang-format blueprint-tools gnuplot-nox)

@@ -21,7 +21,7 @@ check_gnuplot() {
     awk '/ << END$/ { start = $0; rows = 0; labels = ""; split("", sums); next }
          start == "" { print; next }
          /^END$/ { printf "%s %d rows:", start, rows
-                   for (i = 1; i in sums; ++i) printf " %.9g", sums[i]
+                   for (i = 1; i in sums; ++i) printf " %.15g", sums[i]
                    print labels; start = ""; next }
          { ++rows; for (i = 1; i <= NF; ++i) sums[i] += rows * $i
            if (/"/) labels = labels " " $0 }' | check_text "$1"

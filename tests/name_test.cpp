@@ -34,6 +34,7 @@ TEST(NameTest, LongNamesAreNotMatchedAsAWhole) {
             // The expression does not match, after steps that grow with the cube or the square.
             {filled("SurfaceView", '-', ""), ""},
             {letters, ""},
+            {filled("#", '0', ""), ""},
             {filled("", '\n', "/\n#0"), ""},
             // It matches, but the steps grow with the square of the length.
             {filled("a#", '0', ""), "a"},

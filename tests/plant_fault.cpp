@@ -145,7 +145,7 @@ void __wrap__ZN7brevold4host6Driver16beginCompositionEl(host::Driver* driver, in
 
 bool __wrap__ZN7brevold4host6Driver5vsyncElil(host::Driver*, int64_t timeNs, int32_t, int64_t) {
     gVsyncNs = timeNs;
-    return false;
+    return false;  // the marks have no boost verdicts
 }
 }
 

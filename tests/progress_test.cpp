@@ -77,7 +77,7 @@ TEST(ProgressTest, AppearsAfterASecondAndDisappears) {
     EXPECT_EQ(terminal.output(), kErased);
 }
 
-TEST(ProgressTest, ShowsEveryLongWork) {
+TEST(ProgressTest, EveryLongTaskHasABar) {
     const Descriptor file = createTemporaryFile();
     EXPECT_TRUE(writeAll(file.get(), std::string(2000, ' ')));
     trace::Timeline timeline;

@@ -1,4 +1,4 @@
-// Replays in processes of their own, their differences, and missed refreshes.
+// Replays in processes of their own, their differences, missed refreshes, and scales.
 
 #include <fmt/format.h>
 #include <gtest/gtest.h>
@@ -8,6 +8,8 @@
 #include "replay/divergence.h"
 #include "replay/isolated_play.h"
 #include "replay/missed_refreshes.h"
+#include "report/scale_bars.h"
+#include "report/summary.h"
 #include "tests/inputs.h"
 
 namespace brevold::replay {
@@ -118,6 +120,23 @@ TEST(MissedRefreshesTest, CountsAgainstTheMedianOfTheIntervalsBefore) {
         refreshes.latch(timeNs, 8 * kMs);
     }
     EXPECT_EQ(refreshes.latch(timeNs + 16 * kMs, 8 * kMs), 1) << "only the last 15 count";
+}
+
+TEST(RequestSummaryTest, CountsScalesByBins) {
+    std::vector<host::Hint> hints;
+    for (const double scale : {0.0, 0.099, 0.1, 0.899, 0.9, 1.0})
+        hints.push_back({0, host::HintKind::Down, 0, 0, 0, scale, 0, 0});
+    for (const double scale : {1.001, 1.5, 23.999, 24.0, 65.535})
+        hints.push_back({0, host::HintKind::Up, 0, 0, 0, scale, 0, 0});
+    const report::RequestSummaries requests = report::summariseRequests(hints, {}, {0, 1});
+    const report::RequestSummary& down = requests[static_cast<size_t>(host::HintKind::Down)];
+    const report::RequestSummary& up = requests[static_cast<size_t>(host::HintKind::Up)];
+    EXPECT_EQ(report::scaleBars(down, host::HintKind::Down), "0 [█▄      ▄█] 1");
+    EXPECT_EQ(report::scaleBars(up, host::HintKind::Up), "1 [▄▄      ▄█] 24 and more");
+    EXPECT_EQ(down.zeroScales, 1);
+    EXPECT_EQ(up.p05Scale, 1.001);
+    EXPECT_EQ(up.p50Scale, 23.999);
+    EXPECT_EQ(up.p95Scale, 65.535);
 }
 
 }  // namespace

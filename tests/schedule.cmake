@@ -8,7 +8,7 @@ set_target_properties(schedule_test PROPERTIES
     ENABLE_EXPORTS ON RUNTIME_OUTPUT_DIRECTORY ${CMAKE_CURRENT_BINARY_DIR})
 add_test(NAME schedule COMMAND schedule_test)
 
-# A mutated library has other text.
+# A mutated source may lack the code that a fault replaces.
 if(CMAKE_CXX_FLAGS MATCHES "mutation/switch.h")
     return()
 endif()
@@ -43,7 +43,7 @@ add_fault(no_signal "a waiting worker is not signalled"
     "mBoostPending = false;
     mCondition.signal();"
     "mBoostPending = false;")
-add_fault(cleared_before_lock "a boost is not released|a hint is sent that is not due"
+add_fault(cleared_before_lock "a boost is not released|a hint that is not due is sent"
     "Mutex::Autolock lock(mLock);
     if (!mBoostPending) return;
     mBoostPending = false;"

@@ -111,7 +111,7 @@ extern "C" int pthread_mutex_lock(pthread_mutex_t* mutex) {
 extern "C" int pthread_mutex_unlock(pthread_mutex_t* mutex) {
     if (gCurrent == kNoFiber) return 0;
     const size_t lock = indexOf(mutex);
-    if (gWorld.owners[lock] != gCurrent) check("a lock is released that is not held");
+    if (gWorld.owners[lock] != gCurrent) check("a lock that is not held is released");
     if (gCurrent < kWorkers) {
         check(gWorld.rules.endPass(gCurrent));
     } else if (lock < kWorkers) {

@@ -52,7 +52,7 @@ class Rules {
         const Due due = mDue[worker];
         mDue[worker] = Due::Nothing;
         if (due != (duration == android::kReleaseDuration ? Due::Release : Due::Request)) {
-            return "a hint is sent that is not due";
+            return "a hint that is not due is sent";
         }
         if (worker == kSf) mIsSent = due == Due::Request;
         if (due == Due::Request) {

@@ -18,9 +18,9 @@ constexpr size_t kFibers = kWorkers + 2, kNoFiber = kFibers;
 // The locks: each worker's by its index, then gLock.
 constexpr size_t kGLock = kWorkers, kLocks = kWorkers + 1;
 
-// A fiber pauses before each operation, or after an unlock, and any fiber may continue. An unlock,
-// a wait, a signal and a hint need no pause before them: this fiber holds the lock that any other
-// fiber needs to notice them.
+// A fiber pauses before a call, a lock, a wake-up, a query and its end, and after an unlock; then
+// any fiber may continue. Nothing else needs a pause: this fiber holds the lock that any other
+// fiber needs to notice it.
 enum class Operation : uint8_t { Call, Lock, Unlock, WakeUp, Query, End };
 
 struct Fiber {

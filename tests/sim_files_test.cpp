@@ -17,7 +17,7 @@ const std::string kClusters =
         "app.cluster=a\n"
         "compositor.cluster=b\n";
 
-TEST(SimFilesTest, ADeviceHasEveryEntry) {
+TEST(SimFilesTest, ReadsEveryEntryOfADevice) {
     const Device device = parseDevice(
             "# comment\n\n  cluster.a.opp = 1500 MHz 300 mW # in any order\r\n" + kClusters +
                     "cluster.a.memory-share=0.2\ncluster.a.static-mw=5\ncompositor.work-ms=2\n"
@@ -84,7 +84,7 @@ TEST(SimFilesTest, ErrorsOfADeviceNameTheLine) {
               "/nowhere: cannot be opened: No such file or directory");
 }
 
-TEST(SimFilesTest, BuiltInWorkloadsHaveTheirEntries) {
+TEST(SimFilesTest, ReadsTheBuiltInWorkloads) {
     EXPECT_EQ(builtInWorkloads(),
               (std::vector<std::string>{"double60", "game120", "game60", "game60heavy", "paced60",
                                         "scroll120", "spiky60", "video30"}));

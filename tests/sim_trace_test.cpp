@@ -36,7 +36,7 @@ std::string linesOf(const std::vector<host::Hint>& hints) {
     return lines;
 }
 
-TEST(SimTraceTest, ReplaysToTheHintsOfTheSimulation) {
+TEST(SimTraceTest, AReplaySendsTheHintsOfTheSimulation) {
     std::vector<std::string> settings = kScalingOn;
     settings.insert(settings.end(), {"feature.4=1", "vendor.perf.jr10.enable=1",
                                      "vendor.perf.fps_switch.enable=1"});
@@ -82,7 +82,7 @@ std::string without(const std::string& text, const std::vector<std::string>& wor
     return rest;
 }
 
-TEST(SimTraceTest, GivesItsWorkBack) {
+TEST(SimTraceTest, TheWorkReadFromATraceIsThatOfTheSimulation) {
     constexpr char kDevice[] =
             "cluster.big.opp=600 MHz 80 mW\ncluster.big.opp=1400 MHz 260 mW\n"
             "cluster.big.opp=2800 MHz 1190 mW\ncluster.big.memory-share=0.2\n"
@@ -93,8 +93,8 @@ TEST(SimTraceTest, GivesItsWorkBack) {
     constexpr auto kLatch = WorkMethod::LatchToQueue;
     const std::vector<std::string> kOtherCpus = {"cluster.big.cpus=1", "trace.speed=0.5"};
     using Words = std::vector<std::string>;
-    // The workload, its governor, words of lines that the trace omits, entries of the device that
-    // reads it, the method, the factor of the work, and the maximum of frames without work.
+    // The workload, the governor, words of lines that the trace omits, entries of the device that
+    // reads it, the method, the factor of the work, and the maximum number of frames without work.
     const std::tuple<const char*, const char*, Words, Words, WorkMethod, double, int32_t> cases[] =
             {
                     {"spiky60", "schedutil", {}, {}, kRun, 1, 0},

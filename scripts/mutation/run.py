@@ -56,11 +56,15 @@ class Copy:
         self.source = ROOT / str(number) / "source"
         self.build = ROOT / str(number) / "build"
         self.tests = []
-        files = subprocess.check_output(
+        listed = subprocess.check_output(
             ["git", "ls-files", "-z", "--cached", "--others", "--exclude-standard"], text=True)
-        for file in files.split("\0")[:-1]:
+        files = [file for file in listed.split("\0")[:-1] if pathlib.Path(file).exists()]
+        for file in files:
             self.write(file, pathlib.Path(file).read_bytes())
             shutil.copymode(file, self.source / file)
+        for path in set(self.source.rglob("*")) - {self.source / file for file in files}:
+            if path.is_file():
+                path.unlink()  # deleted since the last run
         subprocess.run(
             ["cmake", "-S", self.source, "-B", self.build, "-G", "Ninja",
              "-DCMAKE_C_COMPILER=clang", "-DCMAKE_CXX_COMPILER=clang++",

@@ -22,7 +22,7 @@ set tmargin at screen 0.9029
 set bmargin at screen 0.7188
 set key at screen 0.8469, screen 0.9079 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'time between frames that the application queues, ms' at screen 0.1156, screen 0.9105 left font ',11'
-$data1 << END 550 rows: 529430.168 1886422.49
+$data1 << END 550 rows: 529430.16838 1886422.49
 $data2 << END 4 rows: 41.508012 141.66689
 $data3 << END 2 rows: 7 50.0001
 $data4 << END 1 rows: 2.56 22.9264
@@ -50,8 +50,8 @@ set tmargin at screen 0.6234
 set bmargin at screen 0.5397
 set key at screen 0.8469, screen 0.6285 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'frames in the queue' at screen 0.1156, screen 0.6310 left font ',11'
-$data7 << END 145 rows: 42062.037 42500.1832 30747 44901
-$data8 << END 290 rows: 168692.296 147452.815
+$data7 << END 145 rows: 42062.0370245601 42500.1832435587 30747 44901
+$data8 << END 290 rows: 168692.296320236 147452.8150661
 plot NaN notitle, $data7 using 1:3:1:2:3:4 with boxxyerror fs solid noborder fc rgb '#C6DFEF' title 'min to max', $data8 using 1:2 with lines lw 1.5 lc rgb '#0072B2' title 'mean of 41.4 ms'
 unset label
 unset logscale y
@@ -83,9 +83,9 @@ set bmargin at screen 0.2167
 set key at screen 0.8469, screen 0.4059 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'scale of the requests (logarithmic): UP, above 1, asks for more speed; DOWN, below 1, for less' at screen 0.1156, screen 0.4084 left font ',11'
 $data17 << END 19 rows: 455.971661 457.871661 190 1003.728
-$data18 << END 258 rows: 119739.272 120121.317 13090.8285 33411
+$data18 << END 258 rows: 119739.271522 120121.316981 13090.8285 33411
 $data19 << END 3 rows: 15.374 0.43125
-$data20 << END 48 rows: 2292.13942 5041.518
+$data20 << END 48 rows: 2292.139416 5041.518
 $data21 << END 2 rows: 12.004006 3
 plot NaN notitle, $data17 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#D55E00' lc rgb '#D55E00' lw 1 title 'UP: 19', $data18 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#009E73' lc rgb '#009E73' lw 1 title 'DOWN: 258', $data19 using 1:2 with points pt 11 ps 0.9 lc rgb '#000000' title 'DOWN below 0.0625: 3', $data20 using 1:2 with lines lw 1 lc rgb '#000000' title 'UP with --vs: 19', keyentry with lines lw 1 lc rgb '#000000' title 'DOWN with --vs: 0', $data21 using 1:2 with lines lw 1 lc rgb '#888888' notitle
 unset label
@@ -98,8 +98,8 @@ set tmargin at screen 0.1900
 set bmargin at screen 0.1397
 set key at screen 0.8469, screen 0.1950 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'jank boosts until their release, and vsyncs with a boost verdict' at screen 0.1156, screen 0.1975 left font ',11'
-$data22 << END 192 rows: 74557.3852 74754.4047 25012.8 35203.2
-$data23 << END 192 rows: 74557.3852 74754.4047 20380.8 24086.4
+$data22 << END 192 rows: 74557.385193 74754.404675 25012.8 35203.2
+$data23 << END 192 rows: 74557.385193 74754.404675 20380.8 24086.4
 plot NaN notitle, $data22 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#AA4488' lc rgb '#AA4488' lw 1 notitle, $data23 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#000000' lc rgb '#000000' lw 1 notitle, keyentry with boxxyerror fs solid noborder fc rgb '#AA4488' title 'jank boost: 192', keyentry with boxxyerror fs solid noborder fc rgb '#D55E00' title 'boost verdict: 0', keyentry with boxxyerror fs solid noborder fc rgb '#000000' title 'with --vs: 192 and 0'
 unset label
 set xtics ('0' 0, '1' 1, '2' 2, '3' 3, '4' 4, '5' 5, '6' 6)

@@ -10,11 +10,11 @@ set xrange [-5.64926:282.463]
 set xlabel 'vsyncs missed a minute'
 set yrange [0.834851:1.13477]
 set ylabel 'energy of both clusters, share of library off'
-$data0 << END 5 rows: 5.00000378e+09 1.00000002e+09
+$data0 << END 5 rows: 5000003780 1000000024.01612
 $data1 << END 2 rows: 1080 5.09555
-$data2 << END 3 rows: 3e+09 1e+09
+$data2 << END 3 rows: 3000000000 1000000003.82967
 $data3 << END 1 rows: 0 0.765935
-$data4 << END 3 rows: 3e+09 1e+09
+$data4 << END 3 rows: 3000000000 1000000003.81431
 $data5 << END 1 rows: 0 0.762861
 $data6 << END 1 rows: 90 1 127.279 0
 $data7 << END 1 rows: 90 1

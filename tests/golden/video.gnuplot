@@ -22,7 +22,7 @@ set tmargin at screen 0.9029
 set bmargin at screen 0.7188
 set key at screen 0.8469, screen 0.9079 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'time between frames that the application queues, ms' at screen 0.1156, screen 0.9105 left font ',11'
-$data1 << END 34 rows: 2416.25296 19819.99
+$data1 << END 34 rows: 2416.252959 19819.99
 $data2 << END 2 rows: 9.9 50.0001
 $data3 << END 2 rows: 9.9 99.9999
 plot NaN notitle, $data1 using 1:2 with points pt 7 ps 0.35 lc rgb '#0072B2' title 'frame interval', $data2 using 1:2 with lines lw 1.5 lc rgb '#E69F00' title '1 refresh period', $data3 using 1:2 with lines lw 1.5 lc rgb '#E69F00' dt 2 title '2 periods'
@@ -48,7 +48,7 @@ set tmargin at screen 0.6234
 set bmargin at screen 0.5397
 set key at screen 0.8469, screen 0.6285 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'frames in the queue' at screen 0.1156, screen 0.6310 left font ',11'
-$data5 << END 133 rows: 36161.5909 4083
+$data5 << END 133 rows: 36161.590879 4083
 plot NaN notitle, $data5 using 1:2 with lines lw 1 lc rgb '#0072B2' title 'queue depth'
 unset label
 unset logscale y
@@ -88,7 +88,7 @@ set tmargin at screen 0.1900
 set bmargin at screen 0.1397
 set key at screen 0.8469, screen 0.1950 left top Left reverse samplen 1.5 spacing 1.2 font ',10'
 set label 'jank boosts until their release, and vsyncs with a boost verdict' at screen 0.1156, screen 0.1975 left font ',11'
-$data11 << END 4 rows: 44.126264 44.24902 3.5 9
+$data11 << END 4 rows: 44.126264 44.24902002 3.5 9
 plot NaN notitle, $data11 using 1:3:1:2:3:4 with boxxyerror fs solid border fc rgb '#D55E00' lc rgb '#D55E00' lw 1 notitle, keyentry with boxxyerror fs solid noborder fc rgb '#AA4488' title 'jank boost: 0', keyentry with boxxyerror fs solid noborder fc rgb '#D55E00' title 'boost verdict: 4', keyentry with boxxyerror fs solid noborder fc rgb '#000000' title 'with --vs: 0 and 0'
 unset label
 set xtics ('1.0' 1, '1.5' 1.5, '2.0' 2, '2.5' 2.5, '3.0' 3, '3.5' 3.5, '4.0' 4)
