@@ -37,8 +37,9 @@ class Binner {
 
   private:
     Bin binOf(int32_t index, std::vector<Sample>* samples) const {
-        std::sort(samples->begin(), samples->end(),
-                  [](const Sample& a, const Sample& b) { return a.value < b.value; });
+        // Stable, because the sum depends on the order.
+        std::stable_sort(samples->begin(), samples->end(),
+                         [](const Sample& a, const Sample& b) { return a.value < b.value; });
         double weight = 0;
         double sum = 0;
         for (const Sample& sample : *samples) {
