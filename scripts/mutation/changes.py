@@ -22,9 +22,13 @@ NUMBER = re.compile(r"(?<![\w.])(?:0x([0-9a-f]+)|(\d+))(\.\d+)?(?=[uf]?\b)(?![\w
 CONSTANT = re.compile(r"\bk[A-Z]\w+(?!\[?\]? = )\b")
 ARGUMENTS = re.compile(r"(?<=[(, ])([\w.]+), ([\w.]+)(?=[,)])")
 BRANCHES = re.compile(r" \? ([\w.:]+) : ([\w.:]+)")
-# Statements that are not dropped: the code would not build, or have no defined behaviour.
-KEPT = re.compile(r"\s*(?:(?:return|using|static_assert|extern|constexpr|const|class|struct|enum)\b|[}]|"
-                  r"(?!delete|throw)[\w:<>,*& ]+[ *&]\w+(?: = .*)?;)", re.DOTALL)
+# Statements that are not dropped: the code would not build, or have no defined behaviour. The last
+# two are declarations of variables and of functions.
+KEPT = re.compile(r"\s*(?=\S)(?:(?:return|using|static_assert|extern|constexpr|const|class|struct|enum)\b|[}]|"
+                  r"[^;]* = (?:delete|default);|"
+                  r"(?!delete|throw)[\w:<>,*& ]+[ *&]\w+(?:\[\w*\])?(?: = .*)?;|"
+                  r"(?!delete|throw)[\w:<>,*& ]+[ *&]\w+\((?:\)|[^()]*\w[*&]* [*&]*\w[^()]*\))[^=]*;|"
+                  r"\w+\([^()]*\w[*&]* [*&]*\w[^()]*\);)", re.DOTALL)
 
 
 def masked(lines):
