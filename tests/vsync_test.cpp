@@ -62,12 +62,14 @@ TEST_F(VsyncTest, VerdictRequiresATickAndAQueueNotBusyTwice) {
     EXPECT_ABORT(brevoldMonitor(0, kPeriod60Ns));
 }
 
-TEST_F(VsyncTest, AResetForgetsTheKeysTheBusyQueueAndTheFrameStamp) {
+TEST_F(VsyncTest, AResetForgetsAllButTheNameOfTheLayer) {
     android::brevoldLayerStatusCheck(false, kLayer, 1, 1);
     restart();
     measure(kPeriod60Ns);
     android::brevoldLayerStatusCheck(false, kLayer, 0, 0);
     EXPECT_TRUE(hasMode());
+    restart();
+    EXPECT_FALSE(hasMode());
     brevoldMonitor(2, 0);
     restartWith("com.example.other#0");
     measure(kSecondNs / 30);
@@ -82,6 +84,7 @@ TEST_F(VsyncTest, AResetForgetsTheKeysTheBusyQueueAndTheFrameStamp) {
         android::brevoldBufferMonitor(2, kLayer, kLayer, 0, kSecondNs, 1, 0, kPeriod60Ns);
         return takeCalls();
     };
+    EXPECT_EQ(boost(3), "");  // the refresh period is not known
     EXPECT_EQ(monitor(), "");
     EXPECT_NE(monitor(), "");
 }
