@@ -121,10 +121,13 @@ def build_with_switches(copy, changes, jobs):
         for path, line, kind in DIAGNOSTIC.findall(output):
             file = os.path.relpath(path, copy.source)
             if file in files:
-                faulty[kind].update(owners[file][int(line) - 1])
-        if not (faulty["error"] or faulty["note"]):
+                above = owners[file][:int(line)]
+                faulty[kind].update(above[-1])
+                faulty["above"].update(next(filter(None, reversed(above)), ()))
+        moved = faulty["error"] or faulty["note"] or faulty["above"]
+        if not moved:
             sys.exit("mutate: the build in %s fails:\n%s" % (copy.build, output))
-        alone |= faulty["error"] or faulty["note"]
+        alone |= moved
 
 
 def result_of_build(copy, change, contents):

@@ -21,8 +21,8 @@ Region = collections.namedtuple("Region", "start end kind")
 
 PREFIX = re.compile(r"\s*(?:(?:case\b.*?[^:]|default):(?!:)\s*|else\s+(?!if\b))?")
 TYPED = r"(?!(?:return|delete|throw|new|goto|else)\b)[\w:<>,*&\[\] ]+[ *&]+[\w\[\], ]+"
-INITIALIZED = re.compile(r"(?:%s) = (?!\{)" % TYPED)
-DECLARED = re.compile(r"(?:%s)(?:[({;]|= )" % TYPED)
+INITIALIZED = re.compile(r"(?:%s) =\s+(?!\{)" % TYPED)
+DECLARED = re.compile(r"(?:%s)(?:[({;]|=\s)" % TYPED)
 NO_CODE = re.compile(r"\s*(?:using|typedef|template|friend|extern|static_assert|namespace|class|struct|enum)\b")
 CONTROL = re.compile(r"\s*(?:\} else |else )?(if|while|switch|for) \(")
 # Example: size_t size() const { return mSize; }
