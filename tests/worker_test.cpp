@@ -22,16 +22,17 @@ static std::string release() {
 TEST_F(WorkerTest, QbTypeWordIsPackedUnmasked) {
     measure(kPeriod60Ns);
     const std::tuple<float, unsigned, unsigned, std::string> rows[] = {
-            {10.0f, 2, 2, "0x522710"},      {0.5f, 1, 0, "0x4101f4"},
-            {0.0f, 1, 0, "0x410000"},       {-1.0f, 1, 0, "0x410000"},
-            {NAN, 1, 0, "0x410000"},        {65.535f, 1, 0, "0x41ffff"},
-            {65.536f, 1, 0, "0x410000"},    {4294967.0f, 1, 0, "0x41ff00"},
-            {1e9f, 1, 0, "0x41ffff"},       {-INFINITY, 1, 0, "0x410000"},
-            {0.9999f, 1, 0, "0x4103e7"},    {0.7f, 1, 0, "0x4102bc"},
-            {1.0f, 8, 0, "0x4803e8"},       {1.0f, 8, 1, "0x4803e8"},
-            {1.0f, 4, 0, "0x4403e8"},       {1.0f, 0x10001, 0, "0x4103e8"},
-            {1.0f, 1, 0x10, "0xc103e8"},    {1.0f, 1, 0x2000, "0x4103e8"},
-            {4294967.5f, 1, 0, "0x41ffff"}, {INFINITY, 1, 0, "0x41ffff"},
+            {10.0f, 2, 2, "0x522710"},    {0.5f, 1, 0, "0x4101f4"},
+            {0.0f, 1, 0, "0x410000"},     {-1.0f, 1, 0, "0x410000"},
+            {NAN, 1, 0, "0x410000"},      {65.535f, 1, 0, "0x41ffff"},
+            {65.536f, 1, 0, "0x410000"},  {4294967.0f, 1, 0, "0x41ff00"},
+            {1e9f, 1, 0, "0x41ffff"},     {-INFINITY, 1, 0, "0x410000"},
+            {0.9999f, 1, 0, "0x4103e7"},  {0.7f, 1, 0, "0x4102bc"},
+            {1.0f, 8, 0, "0x4803e8"},     {1.0f, 8, 1, "0x4803e8"},
+            {1.0f, 4, 0, "0x4403e8"},     {1.0f, 0x10001, 0, "0x4103e8"},
+            {1.0f, 1, 0x10, "0xc103e8"},  {1.0f, 1, 0x2000, "0x4103e8"},
+            {0.001f, 1, 0, "0x410001"},   {4294967.5f, 1, 0, "0x41ffff"},
+            {INFINITY, 1, 0, "0x41ffff"},
     };
     for (const auto& [scale, direction, boostLevel, word] : rows)
         EXPECT_EQ(request(scale, direction, boostLevel, kQb), "hint 4166 19 " + word) << scale;
