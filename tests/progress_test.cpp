@@ -97,6 +97,8 @@ TEST(ProgressTest, EveryLongTaskHasABar) {
     runInProcesses(std::vector<Job>(2, [] { return ""; }), 1, "jobs");
     EXPECT_EQ(terminal.output(),
               bar("jobs", 0, "  0") + bar("jobs", 20, " 50") + bar("jobs", 40, "100") + kErased);
+    runInProcesses(std::vector<Job>(1, [] { return ""; }), 1, "jobs");
+    EXPECT_EQ(terminal.output(), "");  // one job draws its own bars
 }
 
 }  // namespace
