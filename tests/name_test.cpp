@@ -38,6 +38,7 @@ TEST(NameTest, LongNamesAreNotMatchedAsAWhole) {
             {filled("", '\n', "/\n#0"), ""},
             // It matches, but the steps grow with the square of the length.
             {filled("a#", '0', ""), "a"},
+            {"a#" + std::string(128, '0'), "a"},  // ends with a whole block
             {filled("a/", '#', "0"), "a"},
             // It matches at once, but stores a state per byte.
             {letters + "#0", letters},
