@@ -143,18 +143,19 @@ void holdWorkers() {
 }
 
 void releaseWorkers() {
-    std::vector<Worker*> woken;
+    // Copies: a worker whose own signal arrives late may already run, and wait again.
+    std::vector<Worker> woken;
     {
         const std::lock_guard lock(gGate);
         gIsHeld = false;
-        for (Worker& worker : gWorkers) {
-            if (worker.hasWakeUp) woken.push_back(&worker);
+        for (const Worker& worker : gWorkers) {
+            if (worker.hasWakeUp) woken.push_back(worker);
         }
     }
-    for (const Worker* worker : woken) {
-        pthread_mutex_lock(worker->mutex);
-        gRealSignal(worker->condition);
-        pthread_mutex_unlock(worker->mutex);
+    for (const Worker& worker : woken) {
+        pthread_mutex_lock(worker.mutex);
+        gRealSignal(worker.condition);
+        pthread_mutex_unlock(worker.mutex);
     }
 }
 
