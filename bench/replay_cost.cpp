@@ -20,6 +20,8 @@
 #include "bench/measure.h"
 #include "bench/sample_trace.h"
 #include "host/device_profile.h"
+#include "host/driver.h"
+#include "host/workers.h"
 #include "replay/player.h"
 #include "replay/time_window.h"
 #include "report/hints_csv.h"
@@ -30,6 +32,7 @@ namespace brevold::bench {
 namespace {
 
 constexpr Target kReadTarget = {12.0};
+constexpr Target kWakeTarget = {60.0};
 constexpr Target kPlayTarget = {400.0};
 constexpr double kMaxBytesPerFrame = 400;
 constexpr double kMaxExponent = 1.15;
@@ -109,6 +112,20 @@ double switchNs() {
     return ns / kSwitches;
 }
 
+/** The time in which a worker wakes up, logs that it has no request, and waits again. */
+double wakeNs() {
+    constexpr int kWakeUps = 20000;
+    host::Driver driver(host::Workers::Stepped);
+    driver.init(0);
+    return timeOf([] {
+               for (int i = 0; i < kWakeUps; ++i) {
+                   host::wakeSpuriously(0);
+                   host::settle();
+               }
+           }) /
+           kWakeUps;
+}
+
 bool printCosts() {
     const SampleTrace sample = {4000};
     const std::string text = textOf(sample);
@@ -125,10 +142,14 @@ bool printCosts() {
                 return Costs{timeOf(count) / kib};
             },
             kReadTarget, kRounds);
+    const Round contextSwitch = [] { return Costs{inChild<double>(switchNs)}; };
+    isMet &= printCost(
+            "waking a worker; a context switch", [] { return Costs{inChild<double>(wakeNs)}; },
+            contextSwitch, kWakeTarget, kRounds);
     isMet &= printCost(
             "playing a frame; a context switch",
-            [&] { return Costs{playOnce(timeline).play / sample.frames}; },
-            [] { return Costs{inChild<double>(switchNs)}; }, kPlayTarget, kRounds);
+            [&] { return Costs{playOnce(timeline).play / sample.frames}; }, contextSwitch,
+            kPlayTarget, kRounds);
     printf("reading: %.0f MB/s\n", 1024e3 / readNs);
     return isMet;
 }
