@@ -19,7 +19,9 @@ from switches import place, switched
 
 ROOT = pathlib.Path("build/mutate").resolve()
 MEMORY_KB = 8 << 20
-DIAGNOSTIC = re.compile(r"^(/\S+?):(\d+):\d+: (?:fatal )?(error|note):", re.MULTILINE)
+DIAGNOSTIC = re.compile(r"^(/\S+?):(\d+):\d+: (?:fatal )?(error|note): (.*)", re.MULTILINE)
+# Notes on an error in a constant expression; they are about the declarations of what it uses.
+NO_CONSTANT = re.compile(r"initializer of .* is not a constant expression|.* declared here")
 
 
 class Test:
@@ -118,13 +120,13 @@ def build_with_switches(copy, changes, jobs):
         if built:
             return contents, alone
         faulty = collections.defaultdict(set)
-        for path, line, kind in DIAGNOSTIC.findall(output):
+        for path, line, kind, text in DIAGNOSTIC.findall(output):
             file = os.path.relpath(path, copy.source)
             if file in files:
                 above = owners[file][:int(line)]
-                faulty[kind].update(above[-1])
+                faulty["constant" if NO_CONSTANT.match(text) else kind].update(above[-1])
                 faulty["above"].update(next(filter(None, reversed(above)), ()))
-        moved = faulty["error"] or faulty["note"] or faulty["above"]
+        moved = faulty["constant"] or faulty["error"] or faulty["note"] or faulty["above"]
         if not moved:
             sys.exit("mutate: the build in %s fails:\n%s" % (copy.build, output))
         alone |= moved

@@ -8,7 +8,8 @@ A statement, and an expression of a condition or an initializer, become
     count += 1;
     }
 
-Other code, such as constants and function headers, has no switch; see `place`.
+A constant that gets a switch is no longer `constexpr`. Other code, such as function headers, has no
+switch; see `place`.
 """
 
 import collections
@@ -20,12 +21,13 @@ from changes import masked
 Region = collections.namedtuple("Region", "start end kind")
 
 PREFIX = re.compile(r"\s*(?:(?:case\b.*?[^:]|default):(?!:)\s*|else\s+(?!if\b))?")
-TYPED = r"(?!(?:return|delete|throw|new|goto|else)\b)[\w:<>,*&\[\] ]+[ *&]+[\w\[\], ]+"
+TYPED = r"(?!(?:return|delete|throw|new|goto|else)\b)[\w:<>,*&\[\] ]+[ *&]+\[?\w[\w\[\], ]*"
 INITIALIZED = re.compile(r"(?:%s) =\s+(?!\{)" % TYPED)
 DECLARED = re.compile(r"(?:%s)(?:[({;]|=\s)" % TYPED)
 NO_CODE = re.compile(r"\s*(?:using|typedef|template|friend|extern|static_assert|namespace|class|struct|enum)\b")
 CONTROL = re.compile(r"\s*(?:\} else |else )?(if|while|switch|for) \(")
 # Example: size_t size() const { return mSize; }
+TOKEN = re.compile(r"[\w:.']+")
 FUNCTION_OF_A_LINE = re.compile(r"[^{}]*\)[^(){}]*\{ ([^{}]*;) \}$")
 
 
@@ -74,13 +76,13 @@ def regions_of_header(text, control):
 def regions(text):
     """Yields the regions of a segment that can have switches; `text` is masked."""
     text = text.rstrip()
-    if re.search(r"\b(constexpr|thread_local)\b", text) or NO_CODE.match(text):
+    if "thread_local" in text or NO_CODE.match(text):
         return
     balanced = text.count("(") == text.count(")") and text.count("{") == text.count("}")
     control = CONTROL.match(text)
     if text.endswith("{") and control:
         yield from regions_of_header(text, control)
-    elif text.endswith("}") and balanced:
+    elif text.endswith("}") and balanced and "constexpr" not in text:
         body = FUNCTION_OF_A_LINE.match(text)
         if body:
             yield Region(body.start(1), body.end(1), "statement")
@@ -105,6 +107,24 @@ def constexpr_lines(code):
             if depth <= until:
                 until = None
     return found
+
+
+def token_region(old, new):
+    """Returns the region of the only token that differs between two lines, and its new text."""
+    before, after = list(TOKEN.finditer(old)), list(TOKEN.finditer(new))
+    if TOKEN.sub("", old) == TOKEN.sub("", new) and len(before) == len(after):
+        differing = [(a, b) for a, b in zip(before, after) if a.group() != b.group()]
+        if len(differing) == 1:
+            token, other = differing[0]
+            return Region(token.start(), token.end(), "value"), other.group()
+    return None, None
+
+
+def declaring_line(code, line):
+    """Returns the first line of the declaration that contains a line."""
+    while line > 0 and code[line - 1].rstrip()[-1:] not in ("", ";", "}"):
+        line -= 1
+    return line
 
 
 def place(lines, changes):
@@ -132,6 +152,13 @@ def place(lines, changes):
                     variant = new[len(head):len(new) - len(tail)]
                     placed.setdefault((first, last), {}).setdefault(region, []).append((number, variant))
                     left.discard(number)
+    taken = {line for first, last in placed for line in range(first, last + 1)}
+    for number in sorted(left):
+        line = changes[number].first
+        region, variant = token_region(lines[line], changes[number].new)
+        if region and line == changes[number].last and not taken & {line} | constant & {line}:
+            placed.setdefault((line, line), {}).setdefault(region, []).append((number, variant))
+            left.discard(number)
     return placed, left
 
 
@@ -148,7 +175,11 @@ def alternatives(region, original, variants):
 
 def switched(lines, placed):
     """Returns the lines with switches, and for each the numbers of the changes that it belongs to."""
-    output, owners, next_line = [], [], 0
+    output, owners, next_line, code = [], [], 0, masked(lines)
+    lines = list(lines)
+    for first, last in placed:
+        for line in range(declaring_line(code, first), last + 1):
+            lines[line] = re.sub(r"\bconstexpr (?!\()", "const     ", lines[line])
     for (first, last), by_region in sorted(placed.items()):
         unchanged = lines[next_line:first]
         output += unchanged
