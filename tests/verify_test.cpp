@@ -78,7 +78,9 @@ TEST(LabelTest, FieldsAndErrors) {
             {"energyScaling[other]", "unknown"},
             {replaced(kDown, "26325332", "9223372036854775808"), "out of range"},
             {replaced(kDown, "\t2 ", "\t-2147483649 "), "out of range"},
-            {replaced(kDown, "0.624721", std::string(65, '1')), "out of range"},
+            {replaced(kDown, "0.624721", std::string(64, '0')),
+             "DOWN 2 0 26325332 16446000 5008000 2"},
+            {replaced(kDown, "0.624721", std::string(65, '0')), "out of range"},
     };
     for (const auto& [text, fields] : kLabels)
         EXPECT_EQ(fieldsOf(parseLabel(text)), fields) << text;
@@ -178,10 +180,20 @@ TEST(ExpectationTest, LatchesAroundFramesModesAndThreadsOfDecisions) {
     for (const auto& [timeMs, mode] : kModes)
         EXPECT_EQ(modes.expectedModeAt(timeMs * kMs), mode) << timeMs;
 
-    recorded.decisions = {{15 * kMs, 1, {}}, {15 * kMs, 3, {}}};
+    recorded.decisions = {{15 * kMs, 1, {}}, {15 * kMs, 3, {}}, {401 * kMs + kPeriodNs, 2, {}}};
     const Pairing pairing = pairDecisions(frames, recorded);
-    EXPECT_EQ(pairing.frames[2].recorded, &recorded.decisions[0]);
-    EXPECT_EQ(pairing.frames[3].recorded, &recorded.decisions[1]);
+    const size_t kPaired[] = {2, 3, 5};
+    for (size_t i = 0; i < std::size(kPaired); ++i)
+        EXPECT_EQ(pairing.frames[kPaired[i]].recorded, &recorded.decisions[i]);
+}
+
+TEST(DifferencesTest, OnlyDecisionsAndBoostsOfTheFirstWindowsAreEarly) {
+    Differences differences(kMs);
+    for (const Subject subject : {Subject::Decision, Subject::Boost, Subject::Request}) {
+        differences.add(subject, kMs, {});
+        differences.add(subject, kMs + 1, {});
+        EXPECT_EQ(differences.of(subject).verdictDiffering, subject == Subject::Request ? 2 : 1);
+    }
 }
 
 TEST(WorkersTest, RequestsBelongToTheDecisionWithTheirScale) {
