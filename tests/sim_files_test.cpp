@@ -94,6 +94,7 @@ TEST(SimFilesTest, ReadsTheBuiltInWorkloads) {
     const Workload scroll = readWorkload("scroll120");
     EXPECT_TRUE(scroll.pace == Pace::Vsync && scroll.gapMaxS == 2.5);
     EXPECT_EQ(scroll.periodNs(), 8'333'333);
+    EXPECT_EQ(parseWorkload("mean-ms=1", "workload").buffers, 3);
 }
 
 TEST(SimFilesTest, ErrorsOfAWorkloadNameTheLine) {

@@ -128,12 +128,15 @@ TEST(SimTraceTest, TheWorkReadFromATraceIsThatOfTheSimulation) {
         // The first frame has no queue before it.
         ASSERT_EQ(work.frames.size(), recorder.workNs.size() - 1);
         int32_t different = 0;
+        double shares = 0;
         for (size_t i = 0; i < work.frames.size(); ++i) {
             const double expected = factor * static_cast<double>(recorder.workNs[i + 1]);
             const double share = static_cast<double>(work.frames[i].workNs) / expected;
             different += std::abs(share - 1) > 0.01 ? 1 : 0;
+            shares += share;
         }
         EXPECT_LE(different, work.unmeasuredFrames);
+        EXPECT_NEAR(shares / static_cast<double>(work.frames.size()), 1, 0.02);
     }
 }
 

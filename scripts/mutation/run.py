@@ -126,7 +126,10 @@ def build_with_switches(copy, changes, jobs):
                 above = owners[file][:int(line)]
                 faulty["constant" if NO_CONSTANT.match(text) else kind].update(above[-1])
                 faulty["above"].update(next(filter(None, reversed(above)), ()))
-        moved = faulty["constant"] or faulty["error"] or faulty["note"] or faulty["above"]
+                # The initializer of an error's declaration follows it.
+                faulty["below"].update(next(filter(None, owners[file][int(line):]), ()))
+        moved = (faulty["constant"] or faulty["error"] or faulty["note"] or faulty["above"]
+                 or faulty["below"])
         if not moved:
             sys.exit("mutate: the build in %s fails:\n%s" % (copy.build, output))
         alone |= moved
