@@ -5,11 +5,13 @@
 
 #include <array>
 #include <cmath>
+#include <functional>
 #include <sstream>
 
 #include "report/marked_perfetto.h"
 #include "tests/inputs.h"
 #include "tests/proto_writer.h"
+#include "verify/cause_finder.h"
 #include "verify/decision_rule.h"
 #include "verify/figure_support.h"
 #include "verify/mode_evidence.h"
@@ -144,6 +146,54 @@ TEST(FigureSupportTest, TheDepthThatFitsMostLabelsIsTheCause) {
         const Pairing pairing = pairDecisions(frames, recorded);
         const FigureSupport support(depthFigure(), frames, pairing);
         EXPECT_EQ(support.causesOf(frames[1], recorded.decisions[1].label), causes);
+    }
+}
+
+TEST(CauseFinderTest, OneDecisionThatDiffersShowsItsCause) {
+    constexpr size_t kFrame = 10;
+    using Edit = std::function<void(ExpectedFrame&, FrameFigures&)>;
+    const auto addInterval = [](int64_t ns) {
+        return [ns](ExpectedFrame&, FrameFigures& figures) { figures.intervalNs += ns; };
+    };
+    const auto usePeriod = [](int64_t ns) {
+        return [ns](ExpectedFrame&, FrameFigures& figures) {
+            figures.periodNs = ns;
+            figures.mode = ns == kPeriodNs / 2 ? 4 : 2;
+        };
+    };
+    const std::tuple<const char*, Edit, CauseSet> cases[] = {
+            {"unfocused", [](ExpectedFrame& frame, auto&) { frame.isFocused = false; },
+             Cause::OtherLayer},
+            {"mode", [](ExpectedFrame& frame, auto&) { frame.mode = 5; }, Cause::TickRate},
+            {"period of 120 Hz", usePeriod(kPeriodNs / 2), Cause::PeriodOfOtherDisplay},
+            {"interval of two frames", addInterval(kPeriodNs), Cause::NotReported},
+            {"interval within the tolerance of two frames", addInterval(kPeriodNs + kMs),
+             Cause::NotReported},
+            {"interval of no frame", addInterval(3 * kMs), Cause::QueueTimes},
+            {"interval of 1 ms", addInterval(kMs - kPeriodNs), Cause::ReportedTwice},
+            {"interval within the tolerance", addInterval(kMs), Cause::QueueTimes},
+            {"since the stamp", [](auto&, FrameFigures& figures) { figures.sinceStampNs += kMs; },
+             Cause::QueueTimes},
+            {"depth", [](auto&, FrameFigures& figures) { figures.depth += 3; }, Cause::DepthOther},
+    };
+    for (const auto& [name, edit, causes] : cases) {
+        std::vector<ExpectedFrame> frames = framesWithPauses(20);
+        LibraryMarks recorded;
+        for (size_t i = 0; i < frames.size(); ++i) {
+            FrameFigures figures = frames[i].figures();
+            if (i == kFrame) edit(frames[i], figures);
+            frames[i].decision = decide(frames[i].figures());
+            if (const auto label = decide(figures)) {
+                recorded.decisions.push_back({frames[i].timeNs, 0, *label});
+            }
+        }
+        const Pairing pairing = pairDecisions(frames, recorded);
+        const Expectation expected = {};
+        const std::vector<replay::ModeChange> replayed;
+        const std::vector<int64_t> boostsNs;
+        const ModeEvidence modes(recorded, replayed, expected);
+        const CauseFinder finder(frames, pairing, modes, boostsNs);
+        EXPECT_EQ(finder.ofFrame(kFrame), causes) << name;
     }
 }
 
