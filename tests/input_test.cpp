@@ -112,6 +112,7 @@ TEST(InputTest, NamesTheRemedyForOtherFormats) {
             {"\xfe\xff\0#\0 "s, utf16Text + " -t UTF-8'"},
             {utf16, utf16Text + "LE -t UTF-8'"},
             {"\0"s + utf16.substr(0, utf16.size() - 1), utf16Text + "BE -t UTF-8'"},
+            {utf16.substr(0, 8) + "\0\4"s, utf16Text + "LE -t UTF-8'"},  // U+0400
             {"{\n \"traceEvents\": [", jsonTrace},
             {"[{\"ph\":\"X\"},", jsonTrace},
             {"\x89PNG\r\n\x1a\n\0\0"s, "binary data of an unknown format"},

@@ -100,12 +100,12 @@ TEST_F(OutputFileTest, WritesDirectlyToOtherFiles) {
     EXPECT_EQ(fileCount(), 3);
 }
 
-TEST_F(OutputFileTest, ASignalRemovesThePartialFile) {
+TEST_F(OutputFileTest, ASignalRemovesPartialFiles) {
     for (const int signal : {SIGINT, SIGTERM}) {
         const pid_t child = fork();
         if (child == 0) {
             std::signal(signal, SIG_DFL);  // shells ignore SIGINT in the background
-            OutputFile file("a");
+            OutputFile files[] = {OutputFile("a"), OutputFile("b")};
             raise(signal);
             _exit(0);
         }

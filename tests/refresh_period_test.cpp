@@ -77,6 +77,7 @@ TEST(RefreshPeriodTest, FollowsThePeriod) {
             {"requested ticks, 120 to 60 Hz", {{40, 8'300}, {19, 16'700}}, kAsked, {k120Ns, k60Ns}},
             {"requested ticks, 60 to 120 Hz", {{40, 16'700}, {19, 8'300}}, kAsked, {k60Ns, k120Ns}},
             {"too few of them", {{40, 8'300}, {11, 16'700}, {40, 8'300}}, kAsked, {k120Ns}},
+            {"beyond a snap", {{60, 17'100}, {60, 17'400}}, kAsked, {k60Ns, 17'400'000}},
             {"the edge of a snap", {{60, 17'100}, {60, 17'250}, {60, 17'100}}, kAsked, {k60Ns}},
     };
     for (const auto& [what, ticks, kind, expectedNs] : cases) {

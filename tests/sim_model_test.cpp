@@ -94,6 +94,8 @@ TEST(ServiceTest, ReadsScalesAndBoostsAsTheDeviceSays) {
         EXPECT_EQ(service.pointFor(cluster, true, false, governorPoint), point) << name;
         EXPECT_EQ(service.pointFor(cluster, false, true, governorPoint), governorPoint) << name;
         EXPECT_EQ(service.nextExpiryNs(), 10 * kMs) << name;
+        service.expire(10 * kMs - 1);
+        EXPECT_EQ(service.pointFor(cluster, true, false, governorPoint), point) << name;
         service.expire(10 * kMs);
         EXPECT_EQ(service.pointFor(cluster, true, false, governorPoint), governorPoint) << name;
     }
