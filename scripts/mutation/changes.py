@@ -92,13 +92,19 @@ def edits(line, code, constants):
             yield line[:match.end()] + "!(" + condition + ")" + line[end - 1:]
 
 
+def ends_switch(code, first, last):
+    """Returns true for the last statement of a switch if it is only a break, which does nothing."""
+    return (code[first].strip() == "break;" and code[first - 1].rstrip().endswith(":")
+            and code[last + 1].strip() == "}")
+
+
 def changes_of(file):
     lines = pathlib.Path(file).read_text().split("\n")
     code = masked(lines)
     constants = sorted(set(CONSTANT.findall("\n".join(code))))
     found = {}
     for first, last in statements(code):
-        if not KEPT.match(code[first]):
+        if not KEPT.match(code[first]) and not ends_switch(code, first, last):
             found[first, last, ""] = None
     for number, line in enumerate(lines):
         if re.match(r"\s*(#|static_assert|namespace|using|template)", code[number]):
