@@ -3,11 +3,11 @@
 import collections
 import concurrent.futures
 import contextlib
+import hashlib
 import json
 import os
 import pathlib
 import queue
-import random
 import re
 import shutil
 import subprocess
@@ -172,7 +172,9 @@ def selected_changes(count, files):
         sys.exit("mutate: %s lists changes that this script does not make:\n%s" % (EQUIVALENT, sorted(stale)))
     changes = [each for each in changes if key_of(each) not in listed]
     if count:
-        changes = random.Random(1).sample(changes, min(count, len(changes)))
+        # Most changes stay in the sample when others are added or listed.
+        hash_of = lambda change: hashlib.sha256("\n".join(key_of(change)).encode()).digest()
+        changes = sorted(sorted(changes, key=hash_of)[:count])
     return dict(enumerate(changes, 1))
 
 
@@ -204,13 +206,19 @@ def main():
             finally:
                 unused.put(copy)
 
-        for number, result in pool.map(run, sorted(changes, key=lambda number: number in alone)):
-            change = changes[number]
-            results[change.file, result] += 1
-            if result == "survived":
-                print("%s:%d\n- %s\n+ %s" % ((change.file, change.first + 1) + key_of(change)[1:]),
-                      flush=True)
-    print_table(files, results)
+        try:
+            for number, result in pool.map(run, sorted(changes, key=lambda number: number in alone)):
+                change = changes[number]
+                results[change.file, result] += 1
+                results[number in alone, result] += 1
+                if result == "survived":
+                    print("%s:%d\n- %s\n+ %s" % ((change.file, change.first + 1) + key_of(change)[1:]),
+                          flush=True)
+        except KeyboardInterrupt:
+            print("interrupted: the table has the changes that were made")
+        print_table(files, results)
+        sys.stdout.flush()
+        os._exit(0)  # a change that is not finished
 
 
 def print_table(files, results):
@@ -225,6 +233,9 @@ def print_table(files, results):
         made = row["noticed"] + row["survived"]
         share = "%.1f %%" % (100 * row["noticed"] / made) if made else "-"
         print("%-32s %8d %8d %7s %10d" % (file, made, row["noticed"], share, row["equivalent"]))
+    for alone, title in ((False, "with a switch"), (True, "built one by one")):
+        noticed = results[alone, "noticed"]
+        print("%-32s %8d %8d" % (title, noticed + results[alone, "survived"], noticed))
 
 
 main()
