@@ -21,7 +21,11 @@ class Proto {
         protozero::pbf_writer(mBytes).add_bytes(field, value.data(), value.size());
         return *this;
     }
-    Proto& message(uint32_t field, const Proto& value) { return text(field, value.mBytes); }
+    /** The message begins and ends with fields that no reader knows. */
+    Proto& message(uint32_t field, const Proto& value) {
+        const Proto unknown = Proto().number(900, 1).text(901, "unknown");
+        return text(field, unknown.mBytes + value.mBytes + unknown.mBytes);
+    }
     Proto& append(const Proto& other) {
         mBytes += other.mBytes;
         return *this;
