@@ -107,7 +107,7 @@ TEST(MarkedTraceTest, UsesTheNotationOfTheText) {
             "+        hints SF-4194308{0}    1.0200{1}{2}B|90|jank boost 10.000\n"
             "+        hints SF-4194308{0}    1.0250{1}{2}{3}\n"
             "+              sf-90   {0}    1.0250{1}{2}C|90|hint boost|0\n"
-            "sf-90  {0}    1.0300{1}{2}B|90|x\n"
+            "sf-90  {0}    1.0300{1}: print: B|90|x\n"
             "# end\n"
             "+        hints QB-4194307{0}    1.0300{1}{2}{3}\n"
             "+      hints rate-4194309{0}    1.0300{1}{2}{3}\n";
