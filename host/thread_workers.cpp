@@ -143,7 +143,7 @@ void holdWorkers() {
 }
 
 void releaseWorkers() {
-    // Copies: a worker whose own signal arrives late may already run, and wait again.
+    // Copies, because a late signal may already have woken a worker, which then writes its entry.
     std::vector<Worker> woken;
     {
         const std::lock_guard lock(gGate);

@@ -85,49 +85,50 @@ TEST(SimFilesTest, ErrorsOfADeviceNameTheLine) {
 
 TEST(SimFilesTest, ARefusedNumberIsShownWithItsRange) {
     const std::pair<const char*, const char*> device[] = {
-            {"compositor.work-ms", "a number from 0 to 1000"},
-            {"cluster.a.coefficient", "a number from 0 to 1000000"},
-            {"cluster.a.memory-share", "a number from 0 to 1"},
-            {"cluster.a.static-mw", "a number from 0 to 1000000"},
-            {"governor.headroom", "a number from 1 to 10"},
-            {"governor.half-life-ms", "a number from 1 to 1000"},
-            {"governor.tick-ms", "a number from 0.1 to 1000"},
-            {"governor.up-limit-ms", "a number from 0 to 1000"},
-            {"governor.down-limit-ms", "a number from 0 to 1000"},
-            {"governor.util-est", "a whole number from 0 to 1"},
-            {"governor.background", "a number from 0 to 1"},
-            {"governor.fixed-share", "a number from 0 to 1"},
-            {"service.latency-ms", "a number from 0 to 1000"},
-            {"display.buffers", "a whole number from 2 to 64"},
-            {"display.latch-ms", "a number from 0 to 1000"},
-            {"trace.speed", "a number from 0.01 to 1"},
+            {"compositor.work-ms=1000.1", "a number from 0 to 1000"},
+            {"cluster.a.coefficient=-1", "a number from 0 to 1000000"},
+            {"cluster.a.memory-share=1.01", "a number from 0 to 1"},
+            {"cluster.a.static-mw=1000001", "a number from 0 to 1000000"},
+            {"governor.headroom=0.99", "a number from 1 to 10"},
+            {"governor.half-life-ms=0.99", "a number from 1 to 1000"},
+            {"governor.tick-ms=0.09", "a number from 0.1 to 1000"},
+            {"governor.up-limit-ms=-0.1", "a number from 0 to 1000"},
+            {"governor.down-limit-ms=1001", "a number from 0 to 1000"},
+            {"governor.util-est=2", "a whole number from 0 to 1"},
+            {"governor.background=1.01", "a number from 0 to 1"},
+            {"governor.fixed-share=-0.1", "a number from 0 to 1"},
+            {"service.latency-ms=1001", "a number from 0 to 1000"},
+            {"display.buffers=65", "a whole number from 2 to 64"},
+            {"display.latch-ms=-0.1", "a number from 0 to 1000"},
+            {"trace.speed=0.009", "a number from 0.01 to 1"},
     };
-    for (const auto& [key, range] : device) {
-        EXPECT_EQ(deviceError(kClusters + key + "=x"),
-                  fmt::format("device:6: expected {}, got \"x\"", range));
+    const auto valueOf = [](const std::string& entry) { return entry.substr(entry.find('=') + 1); };
+    for (const auto& [entry, range] : device) {
+        EXPECT_EQ(deviceError(kClusters + entry),
+                  fmt::format("device:6: expected {}, got \"{}\"", range, valueOf(entry)));
     }
     const std::pair<const char*, const char*> workload[] = {
-            {"refresh-hz", "a number from 1 to 1000"},
-            {"buffers", "a whole number from 2 to 64"},
-            {"mean-ms", "a number from 0 to 10000"},
-            {"sigma", "a number from 0 to 3"},
-            {"rho", "a number from 0 to 1"},
-            {"phase", "a number from 0 to 1"},
-            {"spike-share", "a number from 0 to 1"},
-            {"spike-min", "a number from 0 to 1000"},
-            {"spike-max", "a number from 0 to 1000"},
-            {"gpu-ms", "a number from 0 to 10000"},
-            {"gpu-sigma", "a number from 0 to 3"},
-            {"frame-refreshes", "a whole number from 1 to 1000"},
-            {"due-frames", "a whole number from 0 to 64"},
-            {"burst-min-s", "a number from 0 to 1000"},
-            {"burst-max-s", "a number from 0 to 1000"},
-            {"gap-min-s", "a number from 0 to 1000"},
-            {"gap-max-s", "a number from 0 to 1000"},
+            {"refresh-hz=0.9", "a number from 1 to 1000"},
+            {"buffers=1", "a whole number from 2 to 64"},
+            {"mean-ms=10001", "a number from 0 to 10000"},
+            {"sigma=3.1", "a number from 0 to 3"},
+            {"rho=-0.1", "a number from 0 to 1"},
+            {"phase=1.1", "a number from 0 to 1"},
+            {"spike-share=-0.1", "a number from 0 to 1"},
+            {"spike-min=1001", "a number from 0 to 1000"},
+            {"spike-max=1001", "a number from 0 to 1000"},
+            {"gpu-ms=-1", "a number from 0 to 10000"},
+            {"gpu-sigma=3.1", "a number from 0 to 3"},
+            {"frame-refreshes=0", "a whole number from 1 to 1000"},
+            {"due-frames=-1", "a whole number from 0 to 64"},
+            {"burst-min-s=1001", "a number from 0 to 1000"},
+            {"burst-max-s=-1", "a number from 0 to 1000"},
+            {"gap-min-s=-1", "a number from 0 to 1000"},
+            {"gap-max-s=1001", "a number from 0 to 1000"},
     };
-    for (const auto& [key, range] : workload) {
-        EXPECT_EQ(errorOf([text = std::string(key) + "=x"] { parseWorkload(text, "w"); }),
-                  fmt::format("w:1: expected {}, got \"x\"", range));
+    for (const auto& [entry, range] : workload) {
+        EXPECT_EQ(errorOf([&text = entry] { parseWorkload(text, "w"); }),
+                  fmt::format("w:1: expected {}, got \"{}\"", range, valueOf(entry)));
     }
 }
 

@@ -33,6 +33,10 @@ TEST(ExactMathTest, AgreesWithTheMathematicalLibrary) {
     }
 }
 
+TEST(ExactMathTest, TheLastBitDependsOnTheFirstTermOfTheSum) {
+    EXPECT_EQ(exp2Exact(0.49477), 0x1.68ba8587658a2p+0);
+}
+
 TEST(ClusterTest, AFrameThatTakesNoTimeHasTheCurrentFrequency) {
     const ClusterSpec spec = fourPoints();
     const GovernorSpec governor;

@@ -236,6 +236,8 @@ TEST(TimelineTest, ChoosesTheCompositor) {
             {"most commits", commits(80, 80, 5) + commits(90, 93, 15)},
             {"a section that composes, whatever the commits",
              commits(80, 80, 15) + "5000 93 B|90|composite;5001 93 E;"},
+            {"a section that composes, whatever the unrelated counters",
+             "1 81 C|80|iq|1;2 81 C|80|iq|2;3 81 C|80|iq|3;5000 93 B|90|composite;5001 93 E;"},
             {"a vsync counter, whatever the commits",
              commits(80, 80, 15) + "5000 94 C|90|VSYNC-sf|1;"},
             {"slots, whatever the other counters",

@@ -19,9 +19,15 @@ from switches import place, switched
 
 ROOT = pathlib.Path("build/mutate").resolve()
 MEMORY_KB = 8 << 20
+RUNNING = set()  # tests
 DIAGNOSTIC = re.compile(r"^(/\S+?):(\d+):\d+: (?:fatal )?(error|note): (.*)", re.MULTILINE)
 # Notes on an error in a constant expression; they are about the declarations of what it uses.
 NO_CONSTANT = re.compile(r"initializer of .* is not a constant expression|.* declared here")
+
+
+def end(pid):
+    with contextlib.suppress(ProcessLookupError):
+        os.killpg(pid, 9)  # children as well
 
 
 class Test:
@@ -41,14 +47,15 @@ class Test:
             ["bash", "-c", limited, "test", *self.command], cwd=self.folder, start_new_session=True,
             env={**os.environ, **environment}, stdin=subprocess.DEVNULL,
             stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+        RUNNING.add(process.pid)
         try:
             return process.wait(self.max_seconds) in (0, self.skipped)
         except subprocess.TimeoutExpired:
             return False  # an endless loop, or a deadlock
         finally:
-            with contextlib.suppress(ProcessLookupError):
-                os.killpg(process.pid, 9)  # children as well
+            end(process.pid)
             process.wait()
+            RUNNING.discard(process.pid)
 
 
 class Copy:
@@ -216,9 +223,12 @@ def main():
                           flush=True)
         except KeyboardInterrupt:
             print("interrupted: the table has the changes that were made")
-        print_table(files, results)
-        sys.stdout.flush()
-        os._exit(0)  # a change that is not finished
+            print_table(files, results)
+            sys.stdout.flush()
+            for pid in list(RUNNING):
+                end(pid)
+            os._exit(130)  # without waiting for a build
+    print_table(files, results)
 
 
 def print_table(files, results):

@@ -26,8 +26,8 @@ INITIALIZED = re.compile(r"(?:%s) =\s+(?!\{)" % TYPED)
 DECLARED = re.compile(r"(?:%s)(?:[({;]|=\s)" % TYPED)
 NO_CODE = re.compile(r"\s*(?:using|typedef|template|friend|extern|static_assert|namespace|class|struct|enum)\b")
 CONTROL = re.compile(r"\s*(?:\} else |else )?(if|while|switch|for) \(")
-# Example: size_t size() const { return mSize; }
 TOKEN = re.compile(r"[\w:.']+")
+# Example: size_t size() const { return mSize; }
 FUNCTION_OF_A_LINE = re.compile(r"[^{}]*\)[^(){}]*\{ ([^{}]*;) \}$")
 
 
@@ -156,7 +156,7 @@ def place(lines, changes):
     for number in sorted(left):
         line = changes[number].first
         region, variant = token_region(lines[line], changes[number].new)
-        if region and line == changes[number].last and not taken & {line} | constant & {line}:
+        if region and line == changes[number].last and line not in taken | constant:
             placed.setdefault((line, line), {}).setdefault(region, []).append((number, variant))
             left.discard(number)
     return placed, left
