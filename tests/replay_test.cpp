@@ -124,18 +124,19 @@ TEST(MissedRefreshesTest, CountsAgainstTheMedianOfTheIntervalsBefore) {
 
 TEST(RequestSummaryTest, CountsScalesByBins) {
     std::vector<host::Hint> hints;
-    for (const double scale : {0.0, 0.099, 0.1, 0.899, 0.9, 1.0})
+    for (const double scale : {0.0, 0.099, 0.1, 0.2, 0.3, 0.4, 0.5, 0.6, 0.7, 0.8, 0.899, 0.9, 1.0})
         hints.push_back({0, host::HintKind::Down, 0, 0, 0, scale, 0, 0});
-    for (const double scale : {1.001, 1.5, 23.999, 24.0, 65.535})
+    for (const double scale :
+         {1.001, 1.5, 2.0, 3.0, 4.0, 6.0, 8.0, 12.0, 16.0, 23.999, 24.0, 65.535})
         hints.push_back({0, host::HintKind::Up, 0, 0, 0, scale, 0, 0});
     const report::RequestSummaries requests = report::summariseRequests(hints, {}, {0, 1});
     const report::RequestSummary& down = requests[static_cast<size_t>(host::HintKind::Down)];
     const report::RequestSummary& up = requests[static_cast<size_t>(host::HintKind::Up)];
-    EXPECT_EQ(report::scaleBars(down, host::HintKind::Down), "0 [█▄      ▄█] 1");
-    EXPECT_EQ(report::scaleBars(up, host::HintKind::Up), "1 [▄▄      ▄█] 24 and more");
+    EXPECT_EQ(report::scaleBars(down, host::HintKind::Down), "0 [█▄▄▄▄▄▄▄██] 1");
+    EXPECT_EQ(report::scaleBars(up, host::HintKind::Up), "1 [▄▄▄▄▄▄▄▄██] 24 and more");
     EXPECT_EQ(down.zeroScales, 1);
     EXPECT_EQ(up.p05Scale, 1.001);
-    EXPECT_EQ(up.p50Scale, 23.999);
+    EXPECT_EQ(up.p50Scale, 6.0);
     EXPECT_EQ(up.p95Scale, 65.535);
 }
 

@@ -118,6 +118,11 @@ TEST(ServiceTest, ReadsScalesAndBoostsAsTheDeviceSays) {
         EXPECT_FALSE(service.isBoosted());
         EXPECT_EQ(service.pointFor(cluster, false, true, 2), 2u);
         EXPECT_EQ(service.downScale(), 0.5);
+        service.receive({0, HintKind::JankBoost, 0, 2000, 0, 10, 0, 0}, 1, 0);
+        service.expire(2000 * kMs - 1);
+        EXPECT_TRUE(service.isBoosted());
+        service.expire(2000 * kMs);
+        EXPECT_FALSE(service.isBoosted());
     }
 }
 

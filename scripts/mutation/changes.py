@@ -71,7 +71,9 @@ def edits(line, code, constants):
             other = min(others, key=lambda name: (name < match.group(), name))
             yield line[:match.start()] + other + line[match.end():]
     for match in ARGUMENTS.finditer(code):
-        if re.search(r"(min|max|checkedAdd)(<\w+>)?\($", code[:match.start()]):
+        # An archive reads in the order in which it writes.
+        before = re.search(r"(min|max|checkedAdd|archive)(<\w+>)?\([^()]*$", code[:match.start()])
+        if before and (before[1] == "archive" or before[0].endswith("(")):
             continue
         swapped = line[match.start(2):match.end(2)] + ", " + line[match.start(1):match.end(1)]
         yield line[:match.start()] + swapped + line[match.end():]
@@ -110,7 +112,8 @@ def changes_of(file):
         if re.match(r"\s*(#|static_assert|namespace|using|template)", code[number]):
             continue
         for new in edits(line, code[number], constants):
-            found[number, number, new] = None
+            if new != line:
+                found[number, number, new] = None
     return [Change(file, first, last, "\n".join(lines[first:last + 1]), new)
             for first, last, new in sorted(found)]
 
