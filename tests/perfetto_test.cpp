@@ -156,6 +156,9 @@ TEST(PerfettoTest, WarnsOfLossAndDamage) {
             {"ftrace bundles in a clock that is not related to boot time: 1",
              {{"local clock", rest(Proto().number(5, 3))},
               {"raw clock without a snapshot", rest(Proto().number(5, 4))},
+              {"a snapshot without boot time",
+               packet(Proto().message(6, Proto().message(1, Proto().number(1, 5).number(2, 1)))) +
+                       rest(Proto().number(5, 4))},
               {"half of the pair", rest(Proto().number(5, 2).number(6, 1))}}},
             {"events skipped because they go back in time: 1",
              {{"earlier", framesAnd(ftraceEvent(1'020'999'999, 9, ""))}}},

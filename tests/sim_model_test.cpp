@@ -148,6 +148,7 @@ TEST(SimulationTest, ExtremesHaveDefinedResults) {
             {"refresh-hz=1000\nmean-ms=0.2\n", 500},
             {"mean-ms=2000\n", 0.5},
             {"buffers=2\nmean-ms=1\n", 60},
+            {"pace=vsync\nmean-ms=1\nburst-min-s=1\nburst-max-s=1\ngap-min-s=3\ngap-max-s=3\n", 15},
     };
     for (const auto& [workload, expected] : framesPerSecond) {
         const Scenario scenario = makeScenario(
