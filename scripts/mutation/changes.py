@@ -52,7 +52,17 @@ def statements(code):
             first = last + 1
 
 
-def edits(line, code, constants):
+def serializing_lines(code):
+    """Returns the lines whose order of members does not matter: they are written and read in it."""
+    found, previous = set(), range(0)
+    for first, last in statements(code):
+        if code[first].lstrip().startswith("archive("):
+            found.update(previous, range(first, last + 1))
+        previous = range(first, last + 1)
+    return found
+
+
+def edits(line, code, constants, swaps_arguments):
     """Yields the changes within one line; `code` is the masked line."""
     for old, new in SWAPS:
         for match in re.finditer(r"(?<!\w)%s(?!\w)" % old if old.isalpha() else re.escape(old), code):
@@ -70,10 +80,8 @@ def edits(line, code, constants):
         if others:
             other = min(others, key=lambda name: (name < match.group(), name))
             yield line[:match.start()] + other + line[match.end():]
-    for match in ARGUMENTS.finditer(code):
-        # An archive reads in the order in which it writes.
-        before = re.search(r"(min|max|checkedAdd|archive)(<\w+>)?\([^()]*$", code[:match.start()])
-        if before and (before[1] == "archive" or before[0].endswith("(")):
+    for match in ARGUMENTS.finditer(code) if swaps_arguments else ():
+        if re.search(r"(min|max|checkedAdd)(<\w+>)?\($", code[:match.start()]):
             continue
         swapped = line[match.start(2):match.end(2)] + ", " + line[match.start(1):match.end(1)]
         yield line[:match.start()] + swapped + line[match.end():]
@@ -104,6 +112,7 @@ def changes_of(file):
     lines = pathlib.Path(file).read_text().split("\n")
     code = masked(lines)
     constants = sorted(set(CONSTANT.findall("\n".join(code))))
+    serializing = serializing_lines(code)
     found = {}
     for first, last in statements(code):
         if not KEPT.match(code[first]) and not ends_switch(code, first, last):
@@ -111,7 +120,7 @@ def changes_of(file):
     for number, line in enumerate(lines):
         if re.match(r"\s*(#|static_assert|namespace|using|template)", code[number]):
             continue
-        for new in edits(line, code[number], constants):
+        for new in edits(line, code[number], constants, number not in serializing):
             if new != line:
                 found[number, number, new] = None
     return [Change(file, first, last, "\n".join(lines[first:last + 1]), new)
