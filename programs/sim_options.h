@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "programs/common_options.h"
+#include "sim/experiment.h"
 
 namespace brevold {
 
@@ -18,7 +19,7 @@ struct SimOptions {
     std::string workload;
     std::string trace;
     std::optional<std::string> layer;
-    int32_t seeds = 5;
+    int32_t seeds = sim::ExperimentOptions().seeds;
     /** Simulated time of a run; without it 60, or the length of the trace. */
     std::optional<double> seconds;
     /** A word of sim::kSweepWords, or empty. */
