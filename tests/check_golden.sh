@@ -15,14 +15,18 @@ check_json() {
         "\($path | map(tostring) | join(".")) \($part | tojson)"' | check_text "$1"
 }
 
-# check_gnuplot FILE: the file has the script, with one line for each block of data: the number of
-# rows, and for each column the sum of the values, each multiplied by the number of its row.
+# check_gnuplot FILE: the file has the script, with one line for the settings of each panel and one
+# for each block of data: the number of rows, and for each column the sum of the values, each
+# multiplied by the number of its row.
 check_gnuplot() {
-    awk '/ << END$/ { start = $0; rows = 0; labels = ""; split("", sums); next }
+    awk '/^(un)?set / { settings = settings separator $0; separator = "; "; next }
+         settings != "" { print settings; settings = separator = "" }
+         / << END$/ { start = $0; rows = 0; labels = ""; split("", sums); next }
          start == "" { print; next }
          /^END$/ { printf "%s %d rows:", start, rows
                    for (i = 1; i in sums; ++i) printf " %.15g", sums[i]
                    print labels; start = ""; next }
          { ++rows; for (i = 1; i <= NF; ++i) sums[i] += rows * $i
-           if (/"/) labels = labels " " $0 }' | check_text "$1"
+           if (/"/) labels = labels " " $0 }
+         END { print settings }' | check_text "$1"
 }
